@@ -1,0 +1,106 @@
+/*
+ * tide: the chip model, a simulated atolreef behind the HAL.
+ *
+ * The model stands where the kernel driver would: it answers the device
+ * nodes, the command records and the aperture mappings of the HAL, and it
+ * receives every register access synchronously through the register hooks
+ * of sdk_init_cfg, so that its engines (reset, init-done, ...) react when
+ * the SDK writes.
+ *
+ *   tide_sim_install(2);                  before init_api_base_software_process
+ *   sdk_init_cfg cfg = {0};
+ *   tide_sim_sdk_init_cfg(&cfg);          register hooks into the model
+ *   init_api_base_software_process(&cfg);
+ *   init_api_software_process(0, &cfg); ...
+ *   ...
+ *   deinit_api_base_software_process();
+ *   tide_sim_uninstall();
+ *
+ * Register accesses that bypass the hooks (an application that does not
+ * call tide_sim_sdk_init_cfg) still reach the model's register file through
+ * the mapped apertures, but no engine sees them.
+ */
+#ifndef TIDE_SIM_H
+#define TIDE_SIM_H
+
+#include <tide/init.h>
+#include <tide/tide_common.h>
+
+TIDE_BEGIN_DECLS
+
+/* Installs the model with `chip_count` (1 to 4) atolreef chips: device id
+ * 0x2025, byte order 2, bus type 0.  0, or -4 for a bad count, -8 when a
+ * model is installed already, -2 for no memory. */
+TIDE_API int tide_sim_install(uint32_t chip_count);
+/* Removes the model and frees its memory; the C library's calls are the
+ * HAL's seam again.  Call it after deinit_api_base_software_process. */
+TIDE_API void tide_sim_uninstall(void);
+/* Fills the register hooks of a caller's configuration record so that every
+ * register access of the SDK reaches the model. */
+TIDE_API void tide_sim_sdk_init_cfg(sdk_init_cfg *cfg);
+
+/* ---- knobs --------------------------------------------------------------
+ * All knobs return 0, -3 for a chip that the model does not have, or -17
+ * when no model is installed. */
+
+typedef struct tide_sim_identity {
+    uint32_t vendor_id;
+    uint32_t device_id; /* 0x2025 atolreef, 0x9228 kelpreef (revision 1: kelpreef2) */
+    uint32_t revision;
+    uint32_t byte_order; /* 2: registers as they stand; other: every access byte-swapped */
+    uint32_t bus_type;   /* 0 master, 1 slave, 2 SPI */
+} tide_sim_identity;
+
+/* Identity the model reports for a chip; set it before the SDK attaches the
+ * chip.  The register file keeps its content. */
+TIDE_API int tide_sim_identity_set(uint32_t chip, const tide_sim_identity *identity);
+TIDE_API int tide_sim_identity_get(uint32_t chip, tide_sim_identity *identity);
+
+/* Number of chips the driver reports, 0 up to the installed count. */
+TIDE_API int tide_sim_chip_count_set(uint32_t count);
+
+/* Engines of the chip that a test can make never finish. */
+typedef enum tide_sim_engine {
+    TIDE_SIM_ENGINE_RESET = 0, /* hard reset status of the reset controller */
+    TIDE_SIM_ENGINE_COUNT
+} tide_sim_engine;
+/* `stall` 1: the engine never reports completion; 0: normal. */
+TIDE_API int tide_sim_engine_stall_set(uint32_t chip, tide_sim_engine engine, int stall);
+
+/* The write log: every register write that reaches the model through the
+ * hooks, in order.  It holds the last TIDE_SIM_WRITE_LOG_DEPTH writes. */
+#define TIDE_SIM_WRITE_LOG_DEPTH 65536u
+typedef struct tide_sim_write {
+    uint32_t bar;
+    uint32_t addr;
+    uint64_t value;
+    uint32_t width; /* 16, 32 or 64 */
+} tide_sim_write;
+/* Copies up to `max` entries, oldest first, and gives the number held. */
+TIDE_API int tide_sim_write_log_get(uint32_t chip, tide_sim_write *entries, uint32_t max, uint32_t *count);
+TIDE_API int tide_sim_write_log_clear(uint32_t chip);
+
+/* Reads and writes the register file directly, as the chip's own logic
+ * would: no engine runs and nothing is logged.  Values are in CPU order. */
+TIDE_API int tide_sim_reg_peek(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t *value);
+TIDE_API int tide_sim_reg_poke(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t value);
+
+/* Raises the chip's interrupt line: a thread blocked in the interrupt wait
+ * returns with success.  An interrupt raised while nobody waits is held
+ * until the next wait. */
+TIDE_API int tide_sim_irq_raise(uint32_t chip);
+
+/* Counters of the driver side, for tests and for a user's curiosity. */
+typedef struct tide_sim_stats {
+    uint64_t ioctl_calls;  /* command records on /dev/hal_drv */
+    uint64_t dma_blocks;   /* DMA blocks currently allocated */
+    uint64_t dma_frees;    /* DMA_FREE commands received */
+    uint64_t irq_mask;     /* last mask given by IRQ_ENABLE */
+    uint64_t hook_reads;   /* register reads through the hooks */
+    uint64_t hook_writes;  /* register writes through the hooks */
+} tide_sim_stats;
+TIDE_API int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats);
+
+TIDE_END_DECLS
+
+#endif /* TIDE_SIM_H */

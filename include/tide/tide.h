@@ -1,0 +1,14 @@
+/*
+ * tide: the SDK of the reef family of Ethernet switch chips.
+ * One include for an application.
+ */
+#ifndef TIDE_TIDE_H
+#define TIDE_TIDE_H
+
+#include <tide/base.h>
+#include <tide/init.h>
+#include <tide/shr.h>
+#include <tide/stub.h>
+#include <tide/xsal.h>
+
+#endif /* TIDE_TIDE_H */

@@ -1,0 +1,332 @@
+// The public face of the chip model: install, the OS seam it puts under
+// the HAL, the register hooks, and the knobs.
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "sim/sim_int.h"
+
+using tide::sim::Chip;
+using tide::sim::Model;
+
+namespace {
+
+// File descriptors of the model's device nodes: far above what the process
+// will open, so that they never stand for a real file.
+constexpr int kFdDrv = 0x40000001;
+constexpr int kFdPkt = 0x40000002;
+
+std::mutex g_install_mutex;
+std::atomic<Model *> g_model{nullptr};
+
+Model *_model()
+{
+    return g_model.load(std::memory_order_acquire);
+}
+
+int _sim_open(const char *path, int flags)
+{
+    if (_model() != nullptr && path != nullptr) {
+        if (strcmp(path, HAL_DEV_DRV) == 0) {
+            return kFdDrv;
+        }
+        if (strcmp(path, HAL_DEV_CPUTR) == 0) {
+            return kFdPkt;
+        }
+    }
+    return open(path, flags);
+}
+
+int _sim_close(int fd)
+{
+    if (fd == kFdDrv || fd == kFdPkt) {
+        return 0;
+    }
+    return close(fd);
+}
+
+int _sim_ioctl(int fd, unsigned long request, void *arg)
+{
+    Model *m = _model();
+    if ((fd != kFdDrv && fd != kFdPkt) || m == nullptr || arg == nullptr) {
+        errno = EBADF;
+        return -1;
+    }
+    auto *io = static_cast<hal_devio *>(arg);
+    io->result = fd == kFdDrv ? m->ioctl_drv(request, io) : m->ioctl_pkt(request, io);
+    return io->result == 0 ? 0 : -1;
+}
+
+void *_sim_mmap(void *addr, size_t length, int prot, int flags, int fd, off_t offset)
+{
+    if (fd != kFdDrv) {
+        return mmap(addr, length, prot, flags, fd, offset);
+    }
+    Model *m = _model();
+    void *p = m != nullptr ? m->map(static_cast<uint64_t>(offset), length) : nullptr;
+    if (p == nullptr) {
+        errno = EINVAL;
+        return MAP_FAILED;
+    }
+    return p;
+}
+
+// Mappings of the model's memory stay with the model: unmapping is a
+// no-op for them.
+int _sim_munmap(void *addr, size_t length)
+{
+    Model *m = _model();
+    if (m != nullptr && m->owns(addr)) {
+        return 0;
+    }
+    return munmap(addr, length);
+}
+
+const hal_ui_os_ops g_sim_os = {
+    .open = _sim_open,
+    .close = _sim_close,
+    .ioctl = _sim_ioctl,
+    .mmap = _sim_mmap,
+    .munmap = _sim_munmap,
+};
+
+Chip *_chip(uint32_t chip)
+{
+    Model *m = _model();
+    return m != nullptr ? m->chip(chip) : nullptr;
+}
+
+// Status of a knob call on a chip.
+int _chip_status(uint32_t chip)
+{
+    if (_model() == nullptr) {
+        return -17;
+    }
+    return _chip(chip) != nullptr ? 0 : -3;
+}
+
+// The register hooks.  A 16-bit access reaches the 32-bit hooks too: a
+// read returns the word that holds the address, shifted so that the half
+// at the address is in the low 16 bits; a write at an address that is not
+// a multiple of 4 can only be a 16-bit write and stores the low half.
+int _sim_reg_read(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t *value)
+{
+    Chip *c = _chip(chip);
+    if (c == nullptr || value == nullptr) {
+        return c == nullptr ? -7 : -4;
+    }
+    uint64_t v = 0;
+    const uint32_t shift = (addr % 4) * 8;
+    const int rc = c->bus_read(bar, addr - addr % 4, 4, &v);
+    if (rc == 0) {
+        *value = static_cast<uint32_t>(v >> shift);
+    }
+    return rc;
+}
+
+int _sim_reg_write(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t value)
+{
+    Chip *c = _chip(chip);
+    if (c == nullptr) {
+        return -7;
+    }
+    if (addr % 4 != 0) {
+        return c->bus_write(bar, addr, 2, value & 0xFFFF);
+    }
+    return c->bus_write(bar, addr, 4, value);
+}
+
+int _sim_reg_read64(uint32_t chip, uint32_t bar, uint32_t addr, uint64_t *value)
+{
+    Chip *c = _chip(chip);
+    if (c == nullptr || value == nullptr) {
+        return c == nullptr ? -7 : -4;
+    }
+    return c->bus_read(bar, addr, 8, value);
+}
+
+int _sim_reg_write64(uint32_t chip, uint32_t bar, uint32_t addr, uint64_t value)
+{
+    Chip *c = _chip(chip);
+    return c == nullptr ? -7 : c->bus_write(bar, addr, 8, value);
+}
+
+} // namespace
+
+extern "C" {
+
+int tide_sim_install(uint32_t chip_count)
+{
+    if (chip_count < 1 || chip_count > tide::sim::kMaxChips) {
+        return -4;
+    }
+    std::lock_guard<std::mutex> lock(g_install_mutex);
+    if (_model() != nullptr) {
+        return -8;
+    }
+    auto *m = new (std::nothrow) Model(chip_count);
+    if (m == nullptr || !m->ok()) {
+        delete m;
+        return -2;
+    }
+    g_model.store(m, std::memory_order_release);
+    hal_ui_os_ops_set(&g_sim_os);
+    return 0;
+}
+
+void tide_sim_uninstall(void)
+{
+    std::lock_guard<std::mutex> lock(g_install_mutex);
+    Model *m = g_model.exchange(nullptr);
+    if (m != nullptr) {
+        hal_ui_os_ops_set(nullptr);
+        delete m;
+    }
+}
+
+void tide_sim_sdk_init_cfg(sdk_init_cfg *cfg)
+{
+    if (cfg == nullptr) {
+        return;
+    }
+    cfg->reg_read = _sim_reg_read;
+    cfg->reg_write = _sim_reg_write;
+    cfg->reg_read64 = _sim_reg_read64;
+    cfg->reg_write64 = _sim_reg_write64;
+}
+
+int tide_sim_identity_set(uint32_t chip, const tide_sim_identity *identity)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || identity == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    c->identity = *identity;
+    const uint32_t id_word = identity->device_id << 16 | (identity->vendor_id & 0xFFFF);
+    memcpy(c->pci_config.data(), &id_word, sizeof(id_word));
+    return 0;
+}
+
+int tide_sim_identity_get(uint32_t chip, tide_sim_identity *identity)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || identity == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    *identity = c->identity;
+    return 0;
+}
+
+int tide_sim_chip_count_set(uint32_t count)
+{
+    Model *m = _model();
+    if (m == nullptr) {
+        return -17;
+    }
+    if (count > m->installed()) {
+        return -4;
+    }
+    m->reported = count;
+    return 0;
+}
+
+int tide_sim_engine_stall_set(uint32_t chip, tide_sim_engine engine, int stall)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    if (static_cast<uint32_t>(engine) >= TIDE_SIM_ENGINE_COUNT) {
+        return -4;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    c->stalled[engine] = stall != 0;
+    return 0;
+}
+
+int tide_sim_write_log_get(uint32_t chip, tide_sim_write *entries, uint32_t max, uint32_t *count)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    _chip(chip)->log_get(entries, max, count);
+    return 0;
+}
+
+int tide_sim_write_log_clear(uint32_t chip)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    _chip(chip)->log_clear();
+    return 0;
+}
+
+int tide_sim_reg_peek(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t *value)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || value == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    uint64_t v = 0;
+    if (!c->load(bar, addr, 4, &v)) {
+        return -4;
+    }
+    *value = static_cast<uint32_t>(v);
+    return 0;
+}
+
+int tide_sim_reg_poke(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t value)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return c->store(bar, addr, 4, value) ? 0 : -4;
+}
+
+int tide_sim_irq_raise(uint32_t chip)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    _chip(chip)->irq_raise();
+    return 0;
+}
+
+int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || stats == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Model *m = _model();
+    Chip *c = _chip(chip);
+    stats->ioctl_calls = m->ioctl_calls.load();
+    stats->dma_blocks = m->dma_count();
+    {
+        std::lock_guard<std::mutex> lock(c->mutex);
+        stats->hook_reads = c->hook_reads;
+        stats->hook_writes = c->hook_writes;
+    }
+    stats->dma_frees = m->dma_frees_get();
+    stats->irq_mask = c->irq_mask.load();
+    return 0;
+}
+
+} // extern "C"

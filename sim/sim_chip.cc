@@ -1,0 +1,217 @@
+// One simulated chip: register file, write log, engines, interrupt line.
+#include <sys/mman.h>
+
+#include <cstring>
+
+#include "sim/sim_int.h"
+
+namespace tide::sim {
+
+namespace {
+
+uint64_t _swap(uint64_t v, uint32_t width)
+{
+    switch (width) {
+    case 2:
+        return __builtin_bswap16(static_cast<uint16_t>(v));
+    case 4:
+        return __builtin_bswap32(static_cast<uint32_t>(v));
+    default:
+        return __builtin_bswap64(v);
+    }
+}
+
+uint64_t _key(uint32_t bar, uint32_t addr)
+{
+    return static_cast<uint64_t>(bar) << 32 | addr;
+}
+
+} // namespace
+
+Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
+{
+    identity = tide_sim_identity{kDefaultVendor, kDeviceAtolreef, 1, kByteOrderNative, 0};
+    for (uint32_t ap = 0; ap < kApCount; ap++) {
+        void *p = mmap(nullptr, kApSize[ap], PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1,
+                       0);
+        if (p == MAP_FAILED) {
+            continue;
+        }
+        regions_[ap] = Region{static_cast<uint8_t *>(p), kApSize[ap], kPhysBase + id * kChipStride + kApOffset[ap]};
+    }
+    log_.resize(TIDE_SIM_WRITE_LOG_DEPTH);
+    const uint32_t id_word = identity.device_id << 16 | identity.vendor_id;
+    memcpy(pci_config.data(), &id_word, sizeof(id_word));
+    install_engines();
+}
+
+Chip::~Chip()
+{
+    for (Region &r : regions_) {
+        if (r.mem != nullptr) {
+            munmap(r.mem, r.size);
+        }
+    }
+}
+
+bool Chip::ok() const
+{
+    for (const Region &r : regions_) {
+        if (r.mem == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+
+int Chip::aperture_of_bar(uint32_t bar)
+{
+    switch (bar) {
+    case 0:
+        return kApBar0;
+    case 3:
+        return kApAxi;
+    case 4:
+        return kApLsw;
+    default:
+        return -1;
+    }
+}
+
+bool Chip::load(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value) const
+{
+    const int ap = aperture_of_bar(bar);
+    if (ap < 0 || static_cast<uint64_t>(addr) + width > regions_[ap].size) {
+        return false;
+    }
+    uint64_t raw = 0;
+    memcpy(&raw, regions_[ap].mem + addr, width);
+    *value = identity.byte_order == kByteOrderNative ? raw : _swap(raw, width);
+    return true;
+}
+
+bool Chip::store(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
+{
+    const int ap = aperture_of_bar(bar);
+    if (ap < 0 || static_cast<uint64_t>(addr) + width > regions_[ap].size) {
+        return false;
+    }
+    const uint64_t raw = identity.byte_order == kByteOrderNative ? value : _swap(value, width);
+    memcpy(regions_[ap].mem + addr, &raw, width);
+    return true;
+}
+
+int Chip::bus_read(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value)
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    hook_reads++;
+    return load(bar, addr, width, value) ? 0 : -4;
+}
+
+int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    hook_writes++;
+    if (!store(bar, addr, width, value)) {
+        return -4;
+    }
+    log_[log_next_] = tide_sim_write{bar, addr, value, width * 8};
+    log_next_ = (log_next_ + 1) % log_.size();
+    if (log_count_ < log_.size()) {
+        log_count_++;
+    }
+    const auto it = write_handlers_.find(_key(bar, addr));
+    if (it != write_handlers_.end()) {
+        it->second(*this, bar, addr, value);
+    }
+    return 0;
+}
+
+void Chip::on_write(uint32_t bar, uint32_t addr, WriteHandler handler)
+{
+    write_handlers_[_key(bar, addr)] = std::move(handler);
+}
+
+void Chip::log_get(tide_sim_write *out, uint32_t max, uint32_t *count)
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    const size_t first = (log_next_ + log_.size() - log_count_) % log_.size();
+    const size_t n = out == nullptr ? 0 : std::min<size_t>(max, log_count_);
+    for (size_t i = 0; i < n; i++) {
+        out[i] = log_[(first + i) % log_.size()];
+    }
+    if (count != nullptr) {
+        *count = static_cast<uint32_t>(log_count_);
+    }
+}
+
+void Chip::log_clear()
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    log_next_ = 0;
+    log_count_ = 0;
+}
+
+void Chip::reset_core()
+{
+    // Dropping the pages of the switch-core aperture turns every register
+    // of it back to zero, at the cost of the pages that were touched.
+    Region &lsw = regions_[kApLsw];
+    madvise(lsw.mem, lsw.size, MADV_DONTNEED);
+}
+
+// ---- engines -----------------------------------------------------------------
+
+void Chip::install_engines()
+{
+    // Reset controller: a write of 0 to the sequence register starts a
+    // reset and clears the done bit; the last step of the sequence (15)
+    // resets the switch core and sets the done bit (bit 0 on atolreef,
+    // bit 2 on the kelpreef chips), unless the engine is stalled.
+    on_write(3, kResetSeqAddr, [](Chip &chip, uint32_t, uint32_t, uint64_t value) {
+        const uint32_t done = chip.identity.device_id == kDeviceKelpreef ? 1u << 2 : 1u << 0;
+        uint64_t status = 0;
+        chip.load(3, kResetStatusAddr, 4, &status);
+        if (value == 0) {
+            status &= ~static_cast<uint64_t>(done);
+        } else if (value == kResetSeqLast && !chip.stalled[TIDE_SIM_ENGINE_RESET]) {
+            chip.reset_core();
+            status |= done;
+        }
+        chip.store(3, kResetStatusAddr, 4, status);
+    });
+}
+
+// ---- interrupt line ----------------------------------------------------------------
+
+int Chip::irq_wait()
+{
+    std::unique_lock<std::mutex> lock(irq_mutex_);
+    const uint64_t generation = irq_exit_generation_;
+    irq_cv_.wait(lock, [&] { return irq_pending_ > 0 || irq_exit_generation_ != generation; });
+    if (irq_exit_generation_ != generation) {
+        return -12;
+    }
+    irq_pending_--;
+    return 0;
+}
+
+void Chip::irq_exit()
+{
+    {
+        std::lock_guard<std::mutex> lock(irq_mutex_);
+        irq_exit_generation_++;
+    }
+    irq_cv_.notify_all();
+}
+
+void Chip::irq_raise()
+{
+    {
+        std::lock_guard<std::mutex> lock(irq_mutex_);
+        irq_pending_++;
+    }
+    irq_cv_.notify_all();
+}
+
+} // namespace tide::sim

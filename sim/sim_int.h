@@ -1,0 +1,172 @@
+// The chip model: internal structure.
+//
+// A model holds up to four chips.  Each chip has a register file per
+// aperture (BAR 0, BAR 3 and BAR 4), backed by anonymous memory that is
+// reserved but only materialised where it is touched, so the 256 MiB
+// switch-core aperture costs what is written into it.  The HAL maps these
+// same pages through the model's OS seam, so register accesses that bypass
+// the hooks still land in the register file.
+//
+// Side effects are handlers keyed by (BAR, address), run synchronously for
+// every write that comes through the register hooks.
+#ifndef TIDE_SIM_INT_H
+#define TIDE_SIM_INT_H
+
+#include <tide/hal_os.h>
+#include <tide/sim.h>
+
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+namespace tide::sim {
+
+constexpr uint32_t kMaxChips = 4;
+constexpr uint32_t kDeviceAtolreef = 0x2025;
+constexpr uint32_t kDeviceKelpreef = 0x9228;
+constexpr uint32_t kDefaultVendor = 0x1F2E;
+constexpr uint32_t kByteOrderNative = 2;
+
+// Apertures of a chip and where they sit in the model's physical space.
+enum Aperture : uint32_t { kApBar0 = 0, kApAxi = 1, kApLsw = 2, kApCount = 3 };
+constexpr uint64_t kPhysBase = 0x100000000ull;
+constexpr uint64_t kChipStride = 0x40000000ull;
+constexpr uint64_t kApOffset[kApCount] = {0x00000000ull, 0x20000000ull, 0x10000000ull};
+constexpr uint64_t kApSize[kApCount] = {0x00100000ull, 0x00100000ull, 0x10000000ull};
+constexpr uint64_t kDmaPhysBase = 0x800000000ull;
+
+// Reset controller on BAR 3.
+constexpr uint32_t kResetSeqAddr = 0x47200;
+constexpr uint32_t kResetStatusAddr = 0x47014;
+constexpr uint32_t kResetSeqLast = 15;
+
+constexpr uint32_t kPciConfigSize = 4096;
+
+class Chip;
+using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
+
+struct Region {
+    uint8_t *mem = nullptr;
+    uint64_t size = 0;
+    uint64_t paddr = 0;
+};
+
+class Chip {
+public:
+    Chip(uint32_t id, uint32_t bus_number);
+    ~Chip();
+    Chip(const Chip &) = delete;
+    Chip &operator=(const Chip &) = delete;
+
+    bool ok() const;
+    uint32_t id() const { return id_; }
+    uint32_t bus_number() const { return bus_number_; }
+
+    tide_sim_identity identity;
+    std::array<bool, TIDE_SIM_ENGINE_COUNT> stalled{};
+
+    const Region &region(uint32_t ap) const { return regions_[ap]; }
+    // Aperture index of a BAR id, or -1.
+    static int aperture_of_bar(uint32_t bar);
+
+    // Register file in CPU order; false for an access outside the aperture
+    // or on a BAR that does not exist.
+    bool load(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value) const;
+    bool store(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value);
+
+    // The bus side: an access of the SDK through the hooks.  Writes are
+    // logged and run their handler.
+    int bus_read(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value);
+    int bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value);
+
+    void on_write(uint32_t bar, uint32_t addr, WriteHandler handler);
+
+    // Write log.
+    void log_get(tide_sim_write *out, uint32_t max, uint32_t *count);
+    void log_clear();
+
+    // Interrupt line.
+    int irq_wait();
+    void irq_exit();
+    void irq_raise();
+    std::atomic<uint64_t> irq_mask{0};
+
+    std::array<uint8_t, kPciConfigSize> pci_config{};
+    std::array<uint64_t, 3> vp_conf{};
+
+    // Counters.
+    uint64_t hook_reads = 0;
+    uint64_t hook_writes = 0;
+
+    std::mutex mutex; // guards the register file, handlers and log
+
+    // Back to the state after power-on: LSW registers at reset values.
+    void reset_core();
+
+private:
+    uint32_t id_;
+    uint32_t bus_number_;
+    std::array<Region, kApCount> regions_{};
+    std::unordered_map<uint64_t, WriteHandler> write_handlers_;
+    std::vector<tide_sim_write> log_;
+    size_t log_next_ = 0;
+    size_t log_count_ = 0;
+
+    std::mutex irq_mutex_;
+    std::condition_variable irq_cv_;
+    uint64_t irq_pending_ = 0;
+    uint64_t irq_exit_generation_ = 0;
+
+    void install_engines();
+};
+
+struct DmaBlock {
+    uint8_t *mem = nullptr;
+    uint64_t size = 0; // bytes reserved, a whole number of pages
+    uint32_t chip = 0;
+};
+
+class Model {
+public:
+    explicit Model(uint32_t chip_count);
+    bool ok() const;
+
+    uint32_t installed() const { return static_cast<uint32_t>(chips_.size()); }
+    std::atomic<uint32_t> reported{0}; // what CHIP_NUM_GET answers
+    Chip *chip(uint32_t id) { return id < chips_.size() ? chips_[id].get() : nullptr; }
+    // A chip the driver reports; NULL for one it does not.
+    Chip *reported_chip(uint32_t id) { return id < reported ? chip(id) : nullptr; }
+
+    // The device side.
+    int ioctl_drv(unsigned long request, hal_devio *io);
+    int ioctl_pkt(unsigned long request, hal_devio *io);
+    void *map(uint64_t paddr, uint64_t length);
+    // Whether an address lies in memory of the model.
+    bool owns(const void *addr) const;
+
+    std::atomic<uint64_t> ioctl_calls{0};
+    uint64_t dma_frees = 0; // under the DMA mutex
+    uint64_t dma_count() const;
+    uint64_t dma_frees_get() const;
+    ~Model();
+
+private:
+    std::vector<std::unique_ptr<Chip>> chips_;
+    mutable std::mutex dma_mutex_;
+    std::map<uint64_t, DmaBlock> dma_; // by physical address
+    uint64_t dma_next_ = kDmaPhysBase;
+
+    int dma_alloc(hal_devio *io);
+    int dma_free(hal_devio *io);
+};
+
+} // namespace tide::sim
+
+#endif // TIDE_SIM_INT_H

@@ -1,0 +1,198 @@
+// The family levels of bring-up.  Each level walks its modules in a fixed
+// order, logs every step, and stops at the first failure; a failed init
+// runs the matching deinit over all modules, so every module's deinit
+// accepts that its init never ran.
+#include <span>
+
+#include "api/api_families.h"
+#include "csl/common/reg_tab/csl_reg.h"
+#include "dpl/reef/base/dpl_reef_base.h"
+#include "dpl/reef/init/dpl_reef_init.h"
+#include "hal/hal_op/hal.h"
+#include "sal/linux_um/xsal_int.h"
+
+namespace {
+
+struct dpl_step {
+    const char *name;
+    i32 (*fn)(u32 chip_id);
+    // Text of a failure of this step, when it is not the walk's own.
+    const char *fail_fmt;
+};
+
+// Software init, in order.
+constexpr dpl_step kSoftInit[] = {
+    {"base", dpl_reef_base_soft_init, nullptr},
+};
+
+// Software deinit, in order.
+constexpr dpl_step kSoftDeinit[] = {
+    {"base", dpl_reef_base_soft_deinit, nullptr},
+};
+
+// Hardware init, in order, after the reset.
+constexpr dpl_step kHwInit[] = {
+    {"base", dpl_reef_base_hw_init, nullptr},
+};
+
+// Hardware deinit, in order.
+constexpr dpl_step kHwDeinit[] = {
+    {"base", dpl_reef_base_hw_deinit, nullptr},
+};
+
+constexpr const char *kSoftInitOk = "[SOFT-INIT: %13s]............[OK]\r\n";
+constexpr const char *kSoftInitFail = "[SOFT-INIT: %13s]init failed!!!!!!![ret=%d]\r\n";
+constexpr const char *kSoftDeinitOk = "[SOFT-DEINIT: %13s]............[OK]\r\n";
+constexpr const char *kSoftDeinitFail = "[SOFT-DEINIT: %13s]deinit failed!!!!!!![ret=%d]\r\n";
+constexpr const char *kChipInitOk = "[CHIP-INIT: %13s]............[OK]\r\n";
+constexpr const char *kChipInitFail = "[CHIP-INIT: %13s]init failed!!!!!!![ret=%d]\r\n";
+constexpr const char *kChipDeinitOk = "[CHIP-DEINIT: %13s]............[OK]\r\n";
+constexpr const char *kChipDeinitFail = "[CHIP-DEINIT: %13s]deinit failed!!!!!!![ret=%d]\r\n";
+
+// Logs the outcome of one step.
+void _dpl_step_log(u32 chip_id, const char *name, i32 rc, const char *ok_fmt, const char *fail_fmt)
+{
+    if (rc < 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, fail_fmt, name, (int)rc);
+    } else {
+        SHR_LOG_INF(chip_id, SHR_MOD_INIT, ok_fmt, name);
+    }
+}
+
+// Runs the steps in order; the status of the first failing step, or 0.
+i32 _dpl_run_steps(u32 chip_id, std::span<const dpl_step> steps, const char *ok_fmt, const char *fail_fmt)
+{
+    for (const dpl_step &step : steps) {
+        const i32 rc = step.fn(chip_id);
+        _dpl_step_log(chip_id, step.name, rc, ok_fmt, step.fail_fmt != nullptr ? step.fail_fmt : fail_fmt);
+        if (rc < 0) {
+            return rc;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+extern "C" {
+
+u32 g_dpl_reef_soft_inited[SHR_MAX_CHIPS];
+u32 g_dpl_reef_hw_inited[SHR_MAX_CHIPS];
+
+i32 dpl_reef_soft_init(u32 chip_id)
+{
+    if (g_dpl_reef_soft_inited[chip_id] == 1) {
+        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef software was already inited!\n");
+        return 0;
+    }
+    const i32 rc = _dpl_run_steps(chip_id, kSoftInit, kSoftInitOk, kSoftInitFail);
+    // Set in both cases: on a failure it lets the deinit walk all modules.
+    g_dpl_reef_soft_inited[chip_id] = 1;
+    if (rc < 0) {
+        dpl_reef_soft_deinit(chip_id);
+    }
+    return rc;
+}
+
+i32 dpl_reef_soft_deinit(u32 chip_id)
+{
+    if (g_dpl_reef_soft_inited[chip_id] == 0) {
+        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef software was not inited!\n");
+        return 0;
+    }
+    const i32 rc = _dpl_run_steps(chip_id, kSoftDeinit, kSoftDeinitOk, kSoftDeinitFail);
+    g_dpl_reef_soft_inited[chip_id] = 0;
+    return rc;
+}
+
+i32 dpl_reef_chip_hw_reset(u32 chip_id)
+{
+    static constexpr u32 kSequence[] = {0, 8, 10, 11, 15};
+    for (u32 value : kSequence) {
+        const i32 rc = csl_reg_general_write32(chip_id, HAL_BAR_AXI, DPL_REEF_RESET_SEQ_ADDR, value);
+        if (rc != 0) {
+            return rc;
+        }
+    }
+    const u32 type = shr_chip_type_get(chip_id);
+    u32 done_bit = 0;
+    if (type == SHR_CHIP_TYPE_KELPREEF || type == SHR_CHIP_TYPE_KELPREEF2) {
+        done_bit = 1u << 2;
+    } else if (type == SHR_CHIP_TYPE_ATOLREEF) {
+        done_bit = 1u << 0;
+    }
+    const u64 start = xsal_time_usecs();
+    i32 rc = 0;
+    bool done = done_bit == 0; // other types: the poll ends at once
+    for (u32 poll = 0; !done && poll < DPL_REEF_RESET_POLLS; poll++) {
+        u32 status = 0;
+        rc = csl_reg_general_read32(chip_id, HAL_BAR_AXI, DPL_REEF_RESET_STATUS_ADDR, &status);
+        if (rc == 0 && (status & done_bit) != 0) {
+            done = true;
+            break;
+        }
+        xsal_usleep(DPL_REEF_RESET_POLL_US);
+    }
+    SHR_LOG_DBG(chip_id, SHR_MOD_TOP, "chip hw reset: %lu ms\n", (unsigned long)((xsal_time_usecs() - start) / 1000));
+    if (!done) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_TOP, "chip hw reset opertion timeout\n");
+        return SHR_E_TIMEOUT;
+    }
+    return rc;
+}
+
+i32 dpl_reef_hw_init(u32 chip_id)
+{
+    if (g_dpl_reef_hw_inited[chip_id] == 1) {
+        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef hardware was already inited!\n");
+        return 0;
+    }
+    // Both switches default to 1: reset the chip, then program it.
+    const u32 chip_lsw_hw_reset = 1;
+    const u32 chip_hw_init = 1;
+    i32 rc = 0;
+    if (chip_lsw_hw_reset == 1) {
+        rc = dpl_reef_chip_hw_reset(chip_id);
+        _dpl_step_log(chip_id, "hw reset", rc, kChipInitOk, kChipInitFail);
+    }
+    if (rc >= 0 && chip_hw_init != 1) {
+        // The registers stay at their reset values; no module touches the
+        // hardware.
+        _dpl_step_log(chip_id, "no hw init", 0, kChipInitOk, kChipInitFail);
+        g_dpl_reef_hw_inited[chip_id] = 1;
+        return 0;
+    }
+    if (rc >= 0) {
+        rc = _dpl_run_steps(chip_id, kHwInit, kChipInitOk, kChipInitFail);
+    }
+    g_dpl_reef_hw_inited[chip_id] = 1;
+    if (rc < 0) {
+        dpl_reef_hw_deinit(chip_id);
+    }
+    return rc;
+}
+
+i32 dpl_reef_hw_deinit(u32 chip_id)
+{
+    if (g_dpl_reef_hw_inited[chip_id] == 0) {
+        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef hardware was not inited!\n");
+        return 0;
+    }
+    const i32 rc = _dpl_run_steps(chip_id, kHwDeinit, kChipDeinitOk, kChipDeinitFail);
+    g_dpl_reef_hw_inited[chip_id] = 0;
+    return rc;
+}
+
+// The contract of the init family: levels 0 to 3 are reached from the
+// exported calls, the resets have no exported door.  The soft reset slot
+// is empty until the registers it writes are described.
+extern const reef_init_dispatch_t reef_init_dispatch = {
+    .soft_init = dpl_reef_soft_init,
+    .soft_deinit = dpl_reef_soft_deinit,
+    .hw_init = dpl_reef_hw_init,
+    .hw_deinit = dpl_reef_hw_deinit,
+    .chip_hw_reset = dpl_reef_chip_hw_reset,
+    .chip_soft_reset = nullptr,
+};
+
+} // extern "C"

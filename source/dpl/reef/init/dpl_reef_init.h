@@ -1,0 +1,33 @@
+/*
+ * The family levels of a chip's bring-up: software init and deinit of all
+ * modules, hardware init and deinit, hard reset.
+ */
+#ifndef TIDE_DPL_REEF_INIT_H
+#define TIDE_DPL_REEF_INIT_H
+
+#include "tide_int.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+extern u32 g_dpl_reef_soft_inited[SHR_MAX_CHIPS];
+extern u32 g_dpl_reef_hw_inited[SHR_MAX_CHIPS];
+
+i32 dpl_reef_soft_init(u32 chip_id);
+i32 dpl_reef_soft_deinit(u32 chip_id);
+i32 dpl_reef_hw_init(u32 chip_id);
+i32 dpl_reef_hw_deinit(u32 chip_id);
+i32 dpl_reef_chip_hw_reset(u32 chip_id);
+
+/* The reset controller on BAR 3: the sequence register and its status. */
+#define DPL_REEF_RESET_SEQ_ADDR 0x47200u
+#define DPL_REEF_RESET_STATUS_ADDR 0x47014u
+#define DPL_REEF_RESET_POLLS 30u
+#define DPL_REEF_RESET_POLL_US 10000u
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* TIDE_DPL_REEF_INIT_H */

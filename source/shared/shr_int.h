@@ -1,0 +1,36 @@
+/*
+ * Shared helpers of libtide_sdk that are not part of the public headers.
+ */
+#ifndef TIDE_SHR_INT_H
+#define TIDE_SHR_INT_H
+
+#include "tide_int.h"
+
+#define SHR_DEVICE_ID_ATOLREEF 0x2025u
+#define SHR_DEVICE_ID_KELPREEF 0x9228u
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+extern shr_chip_info g_shr_chips[SHR_MAX_CHIPS];
+extern u32 g_shr_chip_cur_num;
+extern const char *const g_shr_chip_name[5];
+extern const char *const g_shr_errmsg[32];
+extern const char *const g_shr_mod_name[SHR_MODULE_COUNT];
+extern const char *const g_sal_loglevel_name[5];
+
+extern shr_log_func_t g_shr_debug_base_func;
+extern shr_output_func_t g_shr_debug_base_cli_func;
+extern u8 g_shr_current_dk_enable[SHR_MODULE_COUNT];
+extern u8 g_shr_current_ll[SHR_MODULE_COUNT];
+
+/* Number of significant bits of a little-endian byte buffer (index of the
+ * highest set bit plus one; 0 for an all-zero buffer). */
+u32 shr_buf_bitwidth_get(const u8 *buf, u32 bytes);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* TIDE_SHR_INT_H */

@@ -1,0 +1,35 @@
+#!/bin/sh
+# The shared library exports the public API under C names, and keeps the
+# layers below it to itself.
+#   check_exports.sh <libtide_sdk.so>
+set -eu
+lib=$1
+syms=$(nm -D --defined-only "$lib" | awk '{print $3}')
+fail=0
+for want in init_api_base_software_process init_api_software_process init_api_hardware_process \
+    deinit_api_software_process base_api_reg_set_by_addr base_api_reg_get_by_addr base_api_control_get \
+    l3_api_iif_create pkt_api_init pkt_api_deinit shr_errmsg shr_chip_valid_get xsal_malloc \
+    hal_ui_os_ops_set; do
+    if ! echo "$syms" | grep -qx "$want"; then
+        echo "missing export: $want"
+        fail=1
+    fi
+done
+for hidden in hal_ui_reg_read_32 csl_reg_read32 dpl_reef_soft_init dpl_lock_take; do
+    if echo "$syms" | grep -qx "$hidden"; then
+        echo "internal symbol exported: $hidden"
+        fail=1
+    fi
+done
+mangled=$(echo "$syms" | grep '^_Z' || true)
+if [ -n "$mangled" ]; then
+    echo "C++ names exported:"
+    echo "$mangled"
+    fail=1
+fi
+soname=$(objdump -p "$lib" | awk '/SONAME/ {print $2}')
+case "$soname" in
+libtide_sdk.so.[0-9]*) ;;
+*) echo "no versioned soname: '$soname'"; fail=1 ;;
+esac
+exit $fail

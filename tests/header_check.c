@@ -1,0 +1,16 @@
+/* Every public header compiles as C99 on its own. */
+#include <tide/base.h>
+#include <tide/hal_os.h>
+#include <tide/init.h>
+#include <tide/shr.h>
+#include <tide/sim.h>
+#include <tide/stub.h>
+#include <tide/tide.h>
+#include <tide/xsal.h>
+
+int tide_header_check(void);
+int tide_header_check(void)
+{
+    sdk_init_cfg cfg = {0};
+    return (int)sizeof(cfg) + (int)sizeof(hal_devio);
+}

@@ -1,0 +1,3 @@
+#include <gtest/gtest.h>
+#include <tide/tide.h>
+TEST(Registry, Placeholder) { EXPECT_STREQ(shr_errmsg(-1000), "Unknown error"); }
