@@ -36,7 +36,7 @@ add_executable(hello hello.c)
 target_link_libraries(hello PRIVATE tide::sim_static tide::sdk_static)
 CMAKE
 cmake -S "$tmp/proj" -B "$tmp/pb" -G Ninja -DCMAKE_PREFIX_PATH="$tmp/moved" \
-    -DCMAKE_C_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="$flags" >/dev/null
-cmake --build "$tmp/pb" >/dev/null
+    -DCMAKE_C_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="$flags"
+cmake --build "$tmp/pb"
 "$tmp/pb/hello" 2 0x300 0x0badcafe
 echo "install consumer: ok"

@@ -1,0 +1,30 @@
+#!/bin/sh
+# Installs the Debian packages that building and testing tide needs, when
+# they are missing.  As root it installs them with apt-get; otherwise it
+# names them and fails.
+set -eu
+need=""
+have_cmd() { command -v "$1" >/dev/null 2>&1; }
+have_cmd cmake || need="$need cmake"
+have_cmd ninja || need="$need ninja-build"
+have_cmd g++ || need="$need g++"
+have_cmd ccache || need="$need ccache"
+have_cmd pkg-config || need="$need pkg-config"
+have_cmd nm || need="$need binutils"
+[ -f /usr/include/gtest/gtest.h ] || need="$need libgtest-dev"
+[ -f /usr/include/gmock/gmock.h ] || need="$need libgmock-dev"
+[ -f /usr/include/benchmark/benchmark.h ] || need="$need libbenchmark-dev"
+if [ -z "$need" ]; then
+    exit 0
+fi
+if [ "$(id -u)" = "0" ]; then
+    echo "installing:$need"
+    export DEBIAN_FRONTEND=noninteractive
+    apt-get update -qq
+    # shellcheck disable=SC2086
+    apt-get install -y -qq --no-install-recommends $need
+else
+    echo "missing packages:$need" >&2
+    echo "install them as root: apt-get install$need" >&2
+    exit 1
+fi
