@@ -5,6 +5,8 @@
 #ifndef TIDE_XSAL_INT_H
 #define TIDE_XSAL_INT_H
 
+#include <pthread.h>
+#include <semaphore.h>
 #include <stdarg.h>
 
 #include "tide_int.h"
@@ -24,10 +26,55 @@ typedef struct xsal_calendar {
 } xsal_calendar;
 
 int xsal_get_current_time(xsal_calendar *out);
-/* Wall clock in microseconds. */
-u64 xsal_time_usecs(void);
-/* Sleep: select from 20 ms up, a spin on the clock below. */
-void xsal_usleep(u32 usec);
+
+/* The platform objects behind the handles. */
+struct xsal_mutex_s {
+    pthread_mutex_t m;
+};
+
+struct xsal_sem_s {
+    sem_t sem;
+};
+
+/* The record of a thread on the thread list. */
+typedef struct xsal_thread_info {
+    struct xsal_thread_info *next;
+    struct xsal_thread_info *prev;
+    xsal_thread_func_t entry;
+    const char *name; /* the creator's text, not copied */
+    pthread_t tid;
+    void *arg;
+    u32 stack_size; /* noted; the thread runs on the platform's default stack */
+    xsal_sem_t boot_sem;
+} xsal_thread_info;
+
+extern xsal_thread_info *g_list_thread_head;
+
+/* A timer, on the sorted list g_xsal_timer_head while started. */
+struct xsal_timer_s {
+    const char *name;
+    u32 stopped; /* 1 when not on the list */
+    u64 end_sec;
+    u64 end_usec; /* below 1,000,000 */
+    u32 timeout;  /* period, ms */
+    xsal_timer_func_t callback;
+    void *arg;
+    struct xsal_timer_s *next;
+    struct xsal_timer_s *prev;
+};
+
+extern struct xsal_timer_s *g_xsal_timer_head;
+extern u32 g_xsal_timer_inited;
+
+/* Loops of the busy delay's inner loop per microsecond; 0 until it is
+ * calibrated. */
+extern volatile u32 g_xsal_udelay_loops;
+
+/* The line end of this platform. */
+extern const char *const g_sal_new_line_symbol;
+
+/* xsal_ctoi that also tells where the number ended. */
+i64 xsal_ctoi_scan(const char *text, const char **end);
 
 extern xsal_mutex_t g_xsal_console_mutex;
 extern xsal_malloc_func_t g_xsal_malloc_base_func;

@@ -4,10 +4,6 @@
 
 #include "sal/linux_um/xsal_int.h"
 
-struct xsal_mutex_s {
-    pthread_mutex_t m;
-};
-
 struct xsal_rw_mutex_s {
     pthread_rwlock_t rw;
 };
