@@ -125,10 +125,17 @@ int xsal_file_write(xsal_file_t file, const void *buffer, i32 length)
         XSAL_FILE_ERR("xsal_file_write input NULL!");
         return -1;
     }
-    const ssize_t n = file->stream != nullptr
-                          ? static_cast<ssize_t>(fwrite(buffer, 1, static_cast<size_t>(length), file->stream))
-                          : write(file->fd, buffer, static_cast<size_t>(length));
-    if (n < 0 || n != length) {
+    ssize_t n;
+    if (file->stream != nullptr) {
+        // Written through at once, as a write on the descriptor would be.
+        n = static_cast<ssize_t>(fwrite(buffer, 1, static_cast<size_t>(length), file->stream));
+        if (fflush(file->stream) != 0) {
+            n = -1;
+        }
+    } else {
+        n = write(file->fd, buffer, static_cast<size_t>(length));
+    }
+    if (n != length) {
         XSAL_FILE_ERR("xsal_file_write failed!\n\r");
         return -1;
     }
