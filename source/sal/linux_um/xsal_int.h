@@ -93,3 +93,21 @@ void xsal_log_log_header_set(u32 state);
 #endif
 
 #endif /* TIDE_XSAL_INT_H */
+
+#ifdef __cplusplus
+namespace tide {
+
+// Holds a mutex of this layer for the life of a scope.
+class MutexGuard {
+public:
+    explicit MutexGuard(xsal_mutex_t mutex) : mutex_(mutex) { xsal_mutex_lock_(mutex_, __FILE__, __LINE__); }
+    ~MutexGuard() { xsal_mutex_unlock_(mutex_, __FILE__, __LINE__); }
+    MutexGuard(const MutexGuard &) = delete;
+    MutexGuard &operator=(const MutexGuard &) = delete;
+
+private:
+    xsal_mutex_t mutex_;
+};
+
+} // namespace tide
+#endif
