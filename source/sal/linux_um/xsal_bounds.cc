@@ -181,7 +181,7 @@ int vsnprintf_truncated_s(char *dest, std::size_t dest_size, const char *format,
 namespace {
 
 // One conversion of a scan format, as parsed.
-struct _ScanSpec {
+struct _Conversion {
     bool suppress = false;
     std::size_t width = 0; // 0: none given
     char length[3] = {};   // length modifier, at most two characters
@@ -194,15 +194,15 @@ constexpr std::size_t kSubFormatMax = 256;
 
 // Parses the conversion behind a '%'; the format position after it, or
 // NULL for a malformed one.
-const char *_parse_spec(const char *f, _ScanSpec *spec)
+const char *_parse_conversion(const char *f, _Conversion *cv)
 {
     if (*f == '*') {
-        spec->suppress = true;
+        cv->suppress = true;
         f++;
     }
     while (std::isdigit(static_cast<unsigned char>(*f))) {
-        spec->width = spec->width * 10 + static_cast<std::size_t>(*f - '0');
-        if (spec->width > kMaxSize) {
+        cv->width = cv->width * 10 + static_cast<std::size_t>(*f - '0');
+        if (cv->width > kMaxSize) {
             return nullptr;
         }
         f++;
@@ -212,13 +212,13 @@ const char *_parse_spec(const char *f, _ScanSpec *spec)
         if (len == 2) {
             return nullptr;
         }
-        spec->length[len++] = *f++;
+        cv->length[len++] = *f++;
     }
-    spec->conv = *f;
-    if (spec->conv == '\0' || std::strchr("diouxXaAeEfFgGpsc[n", spec->conv) == nullptr) {
+    cv->conv = *f;
+    if (cv->conv == '\0' || std::strchr("diouxXaAeEfFgGpsc[n", cv->conv) == nullptr) {
         return nullptr;
     }
-    if (spec->conv != '[') {
+    if (cv->conv != '[') {
         return f + 1;
     }
     // A ']' right behind '[' or '[^' belongs to the set.
@@ -233,30 +233,30 @@ const char *_parse_spec(const char *f, _ScanSpec *spec)
     if (p == nullptr) {
         return nullptr;
     }
-    spec->set = f;
-    spec->set_len = static_cast<std::size_t>(p - f) + 1;
+    cv->set = f;
+    cv->set_len = static_cast<std::size_t>(p - f) + 1;
     return p + 1;
 }
 
 // "%<*><width><length><conv or set>%n" into `out`; false if too long.
-bool _sub_format(const _ScanSpec &spec, bool suppress, char (&out)[kSubFormatMax])
+bool _sub_format(const _Conversion &cv, bool suppress, char (&out)[kSubFormatMax])
 {
     char width[24] = "";
-    if (spec.width != 0) {
-        std::snprintf(width, sizeof(width), "%zu", spec.width);
+    if (cv.width != 0) {
+        std::snprintf(width, sizeof(width), "%zu", cv.width);
     }
-    const int n = spec.set != nullptr
+    const int n = cv.set != nullptr
                       ? std::snprintf(out, sizeof(out), "%%%s%s%.*s%%n", suppress ? "*" : "", width,
-                                      static_cast<int>(spec.set_len), spec.set)
-                      : std::snprintf(out, sizeof(out), "%%%s%s%s%c%%n", suppress ? "*" : "", width, spec.length,
-                                      spec.conv);
+                                      static_cast<int>(cv.set_len), cv.set)
+                      : std::snprintf(out, sizeof(out), "%%%s%s%s%c%%n", suppress ? "*" : "", width, cv.length,
+                                      cv.conv);
     return n > 0 && static_cast<std::size_t>(n) < sizeof(out);
 }
 
-void _store_count(const _ScanSpec &spec, void *dest, long long count)
+void _store_count(const _Conversion &cv, void *dest, long long count)
 {
-    const char l0 = spec.length[0];
-    const char l1 = spec.length[1];
+    const char l0 = cv.length[0];
+    const char l1 = cv.length[1];
     if (l0 == 'h' && l1 == 'h') {
         *static_cast<signed char *>(dest) = static_cast<signed char>(count);
     } else if (l0 == 'h') {
@@ -272,10 +272,10 @@ void _store_count(const _ScanSpec &spec, void *dest, long long count)
 
 // Characters that %s, or the set of a %[, would take from `in`; -1 if
 // none.
-int _measure(const _ScanSpec &spec, const char *in)
+int _measure(const _Conversion &cv, const char *in)
 {
     char sub[kSubFormatMax];
-    if (!_sub_format(spec, true, sub)) {
+    if (!_sub_format(cv, true, sub)) {
         return -1;
     }
     int consumed = -1;
@@ -327,20 +327,20 @@ int vsscanf_s(const char *buffer, const char *format, va_list args_in)
             }
             continue;
         }
-        _ScanSpec spec;
-        f = _parse_spec(f + 1, &spec);
-        const bool string_conv = spec.conv == 's' || spec.conv == 'c' || spec.conv == '[';
-        if (f == nullptr || (string_conv && spec.length[0] != '\0')) {
+        _Conversion cv;
+        f = _parse_conversion(f + 1, &cv);
+        const bool string_conv = cv.conv == 's' || cv.conv == 'c' || cv.conv == '[';
+        if (f == nullptr || (string_conv && cv.length[0] != '\0')) {
             result = -1; // malformed, or wide characters
             break;
         }
-        if (spec.conv == 'n') {
-            if (!spec.suppress) {
-                _store_count(spec, va_arg(args, void *), in - buffer);
+        if (cv.conv == 'n') {
+            if (!cv.suppress) {
+                _store_count(cv, va_arg(args, void *), in - buffer);
             }
             continue;
         }
-        if (spec.conv != 'c' && spec.conv != '[') {
+        if (cv.conv != 'c' && cv.conv != '[') {
             _skip_space(&in);
         }
         if (*in == '\0') {
@@ -349,7 +349,7 @@ int vsscanf_s(const char *buffer, const char *format, va_list args_in)
         }
         char *dest = nullptr;
         std::size_t dest_size = 0;
-        if (string_conv && !spec.suppress) {
+        if (string_conv && !cv.suppress) {
             dest = va_arg(args, char *);
             dest_size = va_arg(args, std::size_t);
             if (dest == nullptr || dest_size == 0) {
@@ -358,14 +358,14 @@ int vsscanf_s(const char *buffer, const char *format, va_list args_in)
             }
         }
         std::size_t taken;
-        if (spec.conv == 'c') {
-            taken = spec.width != 0 ? spec.width : 1;
+        if (cv.conv == 'c') {
+            taken = cv.width != 0 ? cv.width : 1;
             if (strnlen(in, taken) < taken) {
                 result = input_failure();
                 break;
             }
         } else if (string_conv) {
-            const int n = _measure(spec, in);
+            const int n = _measure(cv, in);
             if (n <= 0) {
                 result = assigned;
                 break;
@@ -373,12 +373,12 @@ int vsscanf_s(const char *buffer, const char *format, va_list args_in)
             taken = static_cast<std::size_t>(n);
         } else {
             char sub[kSubFormatMax];
-            if (!_sub_format(spec, spec.suppress, sub)) {
+            if (!_sub_format(cv, cv.suppress, sub)) {
                 result = -1;
                 break;
             }
             int consumed = -1;
-            if (spec.suppress) {
+            if (cv.suppress) {
                 std::sscanf(in, sub, &consumed);
             } else {
                 std::sscanf(in, sub, va_arg(args, void *), &consumed);
@@ -391,20 +391,20 @@ int vsscanf_s(const char *buffer, const char *format, va_list args_in)
         }
         if (dest != nullptr) {
             // %c stores no terminator; the strings need room for one.
-            const std::size_t need = spec.conv == 'c' ? taken : taken + 1;
+            const std::size_t need = cv.conv == 'c' ? taken : taken + 1;
             if (need > dest_size) {
                 dest[0] = '\0';
                 result = assigned;
                 break;
             }
             std::memcpy(dest, in, taken);
-            if (spec.conv != 'c') {
+            if (cv.conv != 'c') {
                 dest[taken] = '\0';
             }
         }
         in += taken;
         converted = true;
-        if (!spec.suppress) {
+        if (!cv.suppress) {
             assigned++;
         }
     }

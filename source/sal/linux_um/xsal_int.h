@@ -109,5 +109,33 @@ private:
     xsal_mutex_t mutex_;
 };
 
+// Holds a static platform mutex of this layer for the life of a scope.
+class PthreadLock {
+public:
+    explicit PthreadLock(pthread_mutex_t *mutex) : mutex_(mutex) { pthread_mutex_lock(mutex_); }
+    ~PthreadLock() { pthread_mutex_unlock(mutex_); }
+    PthreadLock(const PthreadLock &) = delete;
+    PthreadLock &operator=(const PthreadLock &) = delete;
+
+private:
+    pthread_mutex_t *mutex_;
+};
+
+// Takes `node` off a NULL-ended doubly linked list of records with `next`
+// and `prev` links, and clears its links.
+template <typename T>
+void list_unlink(T **head, T *node)
+{
+    if (node->prev != nullptr) {
+        node->prev->next = node->next;
+    } else {
+        *head = node->next;
+    }
+    if (node->next != nullptr) {
+        node->next->prev = node->prev;
+    }
+    node->next = node->prev = nullptr;
+}
+
 } // namespace tide
 #endif

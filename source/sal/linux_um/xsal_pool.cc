@@ -57,14 +57,6 @@ bool g_sal_cache_cache_ready;
 // from: caches used by different threads make and free slabs at once.
 pthread_mutex_t g_sal_cache_cache_lock = PTHREAD_MUTEX_INITIALIZER;
 
-class _CacheCacheLock {
-public:
-    _CacheCacheLock() { pthread_mutex_lock(&g_sal_cache_cache_lock); }
-    ~_CacheCacheLock() { pthread_mutex_unlock(&g_sal_cache_cache_lock); }
-    _CacheCacheLock(const _CacheCacheLock &) = delete;
-    _CacheCacheLock &operator=(const _CacheCacheLock &) = delete;
-};
-
 // Distance of objects in a slab.  An object has room for the free-list
 // link and is 8-byte aligned: its size is rounded up to a multiple of 8.
 u32 _stride(u32 obj_size)
@@ -118,14 +110,14 @@ void _cache_free(void *obj);
 // A record from the cache of caches, under its lock.
 void *_record_alloc()
 {
-    _CacheCacheLock lock;
+    tide::PthreadLock lock(&g_sal_cache_cache_lock);
     _cache_cache_prepare();
     return _cache_alloc(&g_sal_cache_cache);
 }
 
 void _record_free(void *record)
 {
-    _CacheCacheLock lock;
+    tide::PthreadLock lock(&g_sal_cache_cache_lock);
     _cache_free(record);
 }
 
@@ -293,7 +285,7 @@ int xsal_malloc_list_unlock(void)
 
 void xsal_mem_cache_init(void)
 {
-    _CacheCacheLock lock;
+    tide::PthreadLock lock(&g_sal_cache_cache_lock);
     _cache_cache_prepare();
 }
 
@@ -326,7 +318,7 @@ void xsal_mem_cache_free(void *obj)
     _Slab *slab = *reinterpret_cast<_Slab **>(static_cast<char *>(obj) - kHeader);
     if (slab->used == 1) {
         // The slab goes away and its record back to the cache of caches.
-        _CacheCacheLock lock;
+        tide::PthreadLock lock(&g_sal_cache_cache_lock);
         _cache_free(obj);
     } else {
         _cache_free(obj);

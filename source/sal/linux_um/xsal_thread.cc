@@ -69,19 +69,6 @@ xsal_thread_info *_find_by_tid_locked(pthread_t tid)
     return nullptr;
 }
 
-void _unlink_locked(xsal_thread_info *info)
-{
-    if (info->prev != nullptr) {
-        info->prev->next = info->next;
-    } else {
-        g_list_thread_head = info->next;
-    }
-    if (info->next != nullptr) {
-        info->next->prev = info->prev;
-    }
-    info->next = info->prev = nullptr;
-}
-
 void *_xsal_thread_boot(void *arg)
 {
     auto *info = static_cast<xsal_thread_info *>(arg);
@@ -180,7 +167,7 @@ int xsal_thread_destroy(xsal_thread_t *thread)
         if (pthread_cancel(thread->tid) != 0) {
             return -1;
         }
-        _unlink_locked(info);
+        tide::list_unlink(&g_list_thread_head, info);
         xsal_mem_free(info);
     }
     return 0;
@@ -225,7 +212,7 @@ void xsal_thread_exit(void)
     _ListGuard guard;
     xsal_thread_info *info = _find_by_tid_locked(pthread_self());
     if (info != nullptr) {
-        _unlink_locked(info);
+        tide::list_unlink(&g_list_thread_head, info);
         xsal_mem_free(info);
     }
 }

@@ -42,19 +42,6 @@ int _xsal_timer_compare(const xsal_timer_s *a, const xsal_timer_s *b)
     return 0;
 }
 
-void _unlink_locked(xsal_timer_s *t)
-{
-    if (t->prev != nullptr) {
-        t->prev->next = t->next;
-    } else {
-        g_xsal_timer_head = t->next;
-    }
-    if (t->next != nullptr) {
-        t->next->prev = t->prev;
-    }
-    t->next = t->prev = nullptr;
-}
-
 // Before the first timer that expires later than `t`, else at the tail:
 // among equal expiries the newcomer goes behind.
 void _insert_locked(xsal_timer_s *t)
@@ -111,7 +98,7 @@ void _xsal_timer_check(void *)
         head->callback(head->arg);
         _add_ms(head, head->timeout);
         if (head->next != nullptr && _xsal_timer_compare(head, head->next) > 0) {
-            _unlink_locked(head);
+            tide::list_unlink(&g_xsal_timer_head, head);
             _insert_locked(head);
         }
         xsal_mutex_unlock_(g_xsal_timer_mutex, __FILE__, __LINE__);
@@ -129,21 +116,13 @@ void _release_manager_objects()
     g_xsal_timer_mutex = nullptr;
 }
 
-class _InitLock {
-public:
-    _InitLock() { pthread_mutex_lock(&g_xsal_timer_init_lock); }
-    ~_InitLock() { pthread_mutex_unlock(&g_xsal_timer_init_lock); }
-    _InitLock(const _InitLock &) = delete;
-    _InitLock &operator=(const _InitLock &) = delete;
-};
-
 } // namespace
 
 extern "C" {
 
 int xsal_timer_init(void)
 {
-    _InitLock lock;
+    tide::PthreadLock lock(&g_xsal_timer_init_lock);
     if (g_xsal_timer_inited != 0) {
         SHR_LOG_INF(SHR_NO_CHIP, SHR_MOD_TOP, "Notice!!!timer manager has been initialized\n");
         return 0;
@@ -167,14 +146,16 @@ int xsal_timer_init(void)
 
 int xsal_timer_deinit(void)
 {
-    _InitLock lock;
+    tide::PthreadLock lock(&g_xsal_timer_init_lock);
     if (g_xsal_timer_inited == 0) {
         SHR_LOG_INF(SHR_NO_CHIP, SHR_MOD_TOP, "Notice!!!No timer manager has initialized\n");
         return 0;
     }
-    xsal_mutex_lock_(g_xsal_timer_mutex, __FILE__, __LINE__);
-    const bool busy = g_xsal_timer_head != nullptr;
-    xsal_mutex_unlock_(g_xsal_timer_mutex, __FILE__, __LINE__);
+    bool busy;
+    {
+        tide::MutexGuard guard(g_xsal_timer_mutex);
+        busy = g_xsal_timer_head != nullptr;
+    }
     if (busy) {
         SHR_LOG_INF(SHR_NO_CHIP, SHR_MOD_TOP, "Notice!!!Please destroy all timers before deinit timer manager\n");
         return -1;
@@ -215,9 +196,8 @@ int xsal_timer_start(xsal_timer_t timer, u32 ms)
     if (g_xsal_timer_inited == 0 || timer->callback == nullptr) {
         return -1;
     }
-    xsal_mutex_lock_(g_xsal_timer_mutex, __FILE__, __LINE__);
+    tide::MutexGuard guard(g_xsal_timer_mutex);
     if (timer->stopped == 0) {
-        xsal_mutex_unlock_(g_xsal_timer_mutex, __FILE__, __LINE__);
         return 0;
     }
     const u64 now = xsal_time_usecs();
@@ -230,7 +210,6 @@ int xsal_timer_start(xsal_timer_t timer, u32 ms)
         xsal_event_set(g_xsal_timer_event);
     }
     timer->stopped = 0;
-    xsal_mutex_unlock_(g_xsal_timer_mutex, __FILE__, __LINE__);
     return 0;
 }
 
@@ -242,12 +221,11 @@ int xsal_timer_stop(xsal_timer_t timer)
     if (g_xsal_timer_inited == 0) {
         return 0; // with no manager no timer is started
     }
-    xsal_mutex_lock_(g_xsal_timer_mutex, __FILE__, __LINE__);
+    tide::MutexGuard guard(g_xsal_timer_mutex);
     if (timer->stopped == 0) {
-        _unlink_locked(timer);
+        tide::list_unlink(&g_xsal_timer_head, timer);
         timer->stopped = 1;
     }
-    xsal_mutex_unlock_(g_xsal_timer_mutex, __FILE__, __LINE__);
     return 0;
 }
 
