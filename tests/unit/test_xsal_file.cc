@@ -1,4 +1,4 @@
-// Files, disk space, raw packet sockets, the busy delay and random numbers.
+// Files, disk space, raw packet sockets and the busy delay.
 #include <gtest/gtest.h>
 #include <fcntl.h>
 #include <sys/vfs.h>
@@ -174,16 +174,4 @@ TEST(XsalDelay, CalibratedBusyDelayAndShortSleep)
     xsal_usleep(3000);
     ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     EXPECT_GE(ms, 3.0);
-}
-
-TEST(XsalRand, LinearCongruentialSteps)
-{
-    xsal_srand(0);
-    EXPECT_EQ(xsal_rand(), 1013904223u);
-    EXPECT_EQ(xsal_rand(), 1013904223u * 1664525u + 1013904223u);
-    xsal_srand_func(0);
-    EXPECT_EQ(xsal_rand_func(), 1013904223u);
-    EXPECT_EQ(xsal_udiv64(10000000000ull, 3), 3333333333ull);
-    EXPECT_EQ(xsal_umod64(10000000000ull, 3), 1u);
-    EXPECT_EQ(xsal_udiv64(1, 0), 0u);
 }

@@ -203,23 +203,3 @@ TEST(XsalEvent, SetWakesEveryWaiterOfAManualEvent)
     EXPECT_EQ(woken, 3);
     xsal_event_destroy(ev);
 }
-
-TEST(XsalCond, TimedWaitWithALayerMutex)
-{
-    xsal_mutex_t m = xsal_mutex_create("m");
-    xsal_cond_t cond;
-    ASSERT_EQ(xsal_cond_init(&cond), 0);
-    timespec deadline;
-    clock_gettime(CLOCK_REALTIME, &deadline);
-    deadline.tv_nsec += 20 * 1000 * 1000;
-    if (deadline.tv_nsec >= 1000000000) {
-        deadline.tv_sec++;
-        deadline.tv_nsec -= 1000000000;
-    }
-    xsal_mutex_lock(m);
-    EXPECT_EQ(xsal_cond_timedwait(&cond, m, &deadline), ETIMEDOUT);
-    // The mutex is held again after the wait.
-    EXPECT_EQ(xsal_mutex_unlock(m), 0);
-    EXPECT_EQ(xsal_cond_destroy(&cond), 0);
-    xsal_mutex_destroy(m);
-}
