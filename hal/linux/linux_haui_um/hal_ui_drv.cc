@@ -138,6 +138,11 @@ int _hal_ui_reg_base(u32 chip_id, u32 bar, u32 addr, u32 width, u8 **base, u32 *
         SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "vaddr is not inited\n");
         return SHR_E_INIT;
     }
+    // One access of the full width, naturally aligned as the bus does it.
+    if (addr % width != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "bar %u addr 0x%08x is not aligned to %u bytes\n", bar, addr, width);
+        return SHR_E_PARAM;
+    }
     if (static_cast<u64>(*offset) + width > span) {
         SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "bar %u addr 0x%08x is beyond the aperture (size 0x%lx)\n", bar, addr,
                     (unsigned long)span);
