@@ -206,6 +206,38 @@ TEST_F(HalOnModel, DmaBlocksAreMappedAndReturned)
     EXPECT_EQ(hal_ui_dma_alloc(1, nullptr, &pa1, 64, nullptr), -4);
 }
 
+void *_no_memory(size_t)
+{
+    return nullptr;
+}
+
+TEST_F(HalOnModel, DmaBlockThatCannotBeRecordedGoesBack)
+{
+    xsal_malloc_base_func_set(_no_memory);
+    u64 va = 0, pa = 0;
+    const int rc = hal_dma_alloc(0, &va, &pa, 4096, nullptr);
+    xsal_malloc_base_func_set(nullptr);
+    EXPECT_EQ(rc, -2);
+    tide_sim_stats stats{};
+    tide_sim_stats_get(0, &stats);
+    EXPECT_EQ(stats.dma_blocks, 0u);
+    EXPECT_EQ(stats.dma_frees, 1u);
+}
+
+TEST(HalSeam, EmptySlotsKeepTheCLibrary)
+{
+    hal_ui_os_ops ops{};
+    ops.ioctl = [](int, unsigned long, void *) { return 7; };
+    hal_ui_os_ops_set(&ops);
+    const hal_ui_os_ops *now = hal_ui_os_ops_get();
+    EXPECT_EQ(now->ioctl(0, 0, nullptr), 7);
+    EXPECT_NE(now->open, nullptr);
+    EXPECT_NE(now->mmap, nullptr);
+    EXPECT_EQ(now->open("/nonexistent/tide", 0), -1);
+    hal_ui_os_ops_set(nullptr);
+    EXPECT_NE(hal_ui_os_ops_get()->ioctl, ops.ioctl);
+}
+
 TEST_F(HalOnModel, BusNumbers)
 {
     u16 bus[16] = {};
