@@ -211,6 +211,33 @@ TEST_F(Frame, ExportedCallsOnInvalidAndValidChips)
     EXPECT_EQ(tide::api::dispatch<&reef_init_dispatch_t::chip_soft_reset>(init_dispatch, 0, 1u), -24);
 }
 
+// Calls an exported function with the chip and value-initialised arguments.
+template <typename... Args>
+i32 _call_with_zeros(i32 (*fn)(u32, Args...), u32 chip_id)
+{
+    return fn(chip_id, Args{}...);
+}
+
+TEST_F(Frame, EveryBaseCallRefusesInvalidChipsAndAnswersEmptySlots)
+{
+    std::set<std::string> filled;
+    for (u32 chip : {0u, 4u, 0xFFFFFFFFu}) {
+#define CHECK_INVALID(name, params, args) EXPECT_EQ(_call_with_zeros(base_api_##name, chip), -3) << #name;
+        TIDE_BASE_OPS(CHECK_INVALID)
+#undef CHECK_INVALID
+    }
+    shr_chip_type_assign(0, SHR_CHIP_TYPE_ATOLREEF, 0);
+#define CHECK_EMPTY(name, params, args)                                  \
+    if (reef_base_dispatch.name == nullptr) {                            \
+        EXPECT_EQ(_call_with_zeros(base_api_##name, 0), -24) << #name;   \
+    } else {                                                             \
+        filled.insert(#name);                                            \
+    }
+    TIDE_BASE_OPS(CHECK_EMPTY)
+#undef CHECK_EMPTY
+    EXPECT_EQ(filled, (std::set<std::string>{"reg_set_by_addr", "reg_get_by_addr"}));
+}
+
 TEST_F(Frame, StubRecordPointerIsCheckedAfterTheChip)
 {
     Capture::clear();

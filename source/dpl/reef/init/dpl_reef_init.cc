@@ -72,6 +72,21 @@ i32 _dpl_run_steps(u32 chip_id, std::span<const dpl_step> steps, const char *ok_
     return 0;
 }
 
+// Tear-down of a level: nothing to do if it is not up; otherwise walk its
+// modules until the first failure.  The level is down afterwards either
+// way: the modules behind a failure stay as they are.
+i32 _dpl_level_deinit(u32 chip_id, u32 *flags, const char *not_inited, std::span<const dpl_step> steps,
+                      const char *ok_fmt, const char *fail_fmt)
+{
+    if (flags[chip_id] == 0) {
+        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "%s", not_inited);
+        return 0;
+    }
+    const i32 rc = _dpl_run_steps(chip_id, steps, ok_fmt, fail_fmt);
+    flags[chip_id] = 0;
+    return rc;
+}
+
 } // namespace
 
 extern "C" {
@@ -96,13 +111,8 @@ i32 dpl_reef_soft_init(u32 chip_id)
 
 i32 dpl_reef_soft_deinit(u32 chip_id)
 {
-    if (g_dpl_reef_soft_inited[chip_id] == 0) {
-        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef software was not inited!\n");
-        return 0;
-    }
-    const i32 rc = _dpl_run_steps(chip_id, kSoftDeinit, kSoftDeinitOk, kSoftDeinitFail);
-    g_dpl_reef_soft_inited[chip_id] = 0;
-    return rc;
+    return _dpl_level_deinit(chip_id, g_dpl_reef_soft_inited, "sdk reef software was not inited!\n", kSoftDeinit,
+                             kSoftDeinitOk, kSoftDeinitFail);
 }
 
 i32 dpl_reef_chip_hw_reset(u32 chip_id)
@@ -174,13 +184,8 @@ i32 dpl_reef_hw_init(u32 chip_id)
 
 i32 dpl_reef_hw_deinit(u32 chip_id)
 {
-    if (g_dpl_reef_hw_inited[chip_id] == 0) {
-        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef hardware was not inited!\n");
-        return 0;
-    }
-    const i32 rc = _dpl_run_steps(chip_id, kHwDeinit, kChipDeinitOk, kChipDeinitFail);
-    g_dpl_reef_hw_inited[chip_id] = 0;
-    return rc;
+    return _dpl_level_deinit(chip_id, g_dpl_reef_hw_inited, "sdk reef hardware was not inited!\n", kHwDeinit,
+                             kChipDeinitOk, kChipDeinitFail);
 }
 
 // The contract of the init family: levels 0 to 3 are reached from the
