@@ -299,6 +299,36 @@ int tide_sim_reg_poke(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t value
     return c->store(bar, addr, 4, value) ? 0 : -4;
 }
 
+int tide_sim_stuck_bit_set(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t bit, uint32_t value)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    if (Chip::aperture_of_bar(bar) < 0 || bit > 31 || value > 1) {
+        return -4;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    if (c->stuck.size() >= 64) {
+        return -6;
+    }
+    c->stuck.push_back(Chip::Stuck{bar, addr & ~3u, bit, value});
+    return 0;
+}
+
+int tide_sim_stuck_bits_clear(uint32_t chip)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    c->stuck.clear();
+    return 0;
+}
+
 int tide_sim_irq_raise(uint32_t chip)
 {
     const int rc = _chip_status(chip);

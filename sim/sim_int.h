@@ -110,6 +110,15 @@ public:
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
 
+    // Bits that a test has made stick at a value, whatever is written.
+    struct Stuck {
+        uint32_t bar;
+        uint32_t addr;
+        uint32_t bit;
+        uint32_t value;
+    };
+    std::vector<Stuck> stuck;
+
 private:
     uint32_t id_;
     uint32_t bus_number_;
@@ -125,6 +134,11 @@ private:
     uint64_t irq_exit_generation_ = 0;
 
     void install_engines();
+    // A CPU access of one 32-bit word of the switch core, as its register
+    // or table describes it.
+    uint32_t core_read_word(uint32_t addr);
+    void core_write_word(uint32_t addr, uint32_t value);
+    void apply_stuck(uint32_t bar, uint32_t addr);
 };
 
 struct DmaBlock {

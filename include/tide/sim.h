@@ -85,6 +85,12 @@ TIDE_API int tide_sim_write_log_clear(uint32_t chip);
 TIDE_API int tide_sim_reg_peek(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t *value);
 TIDE_API int tide_sim_reg_poke(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t value);
 
+/* Makes one bit of a register word stick at `value` (0 or 1) whatever the
+ * CPU writes there, as a broken memory cell would: the RAM test finds it.
+ * Up to 64 stuck bits per chip; clear removes them all. */
+TIDE_API int tide_sim_stuck_bit_set(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t bit, uint32_t value);
+TIDE_API int tide_sim_stuck_bits_clear(uint32_t chip);
+
 /* Raises the chip's interrupt line: a thread blocked in the interrupt wait
  * returns with success.  An interrupt raised while nobody waits is held
  * until the next wait. */

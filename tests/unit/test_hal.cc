@@ -42,20 +42,20 @@ TEST_F(HalOnModel, RoundTripThroughTheWholeStack)
 {
     uint8_t out[4] = {0x78, 0x56, 0x34, 0x12};
     uint8_t in[4] = {};
-    ASSERT_EQ(base_api_reg_set_by_addr(0, 0x041C007C, out, 4), 0);
-    ASSERT_EQ(base_api_reg_get_by_addr(0, 0x041C007C, in, 4), 0);
+    ASSERT_EQ(base_api_reg_set_by_addr(0, 0x043F0100, out, 4), 0);
+    ASSERT_EQ(base_api_reg_get_by_addr(0, 0x043F0100, in, 4), 0);
     EXPECT_EQ(memcmp(in, out, 4), 0);
     // The model saw the write through its hooks.
     uint32_t v = 0;
-    EXPECT_EQ(tide_sim_reg_peek(0, 4, 0x041C007C, &v), 0);
+    EXPECT_EQ(tide_sim_reg_peek(0, 4, 0x043F0100, &v), 0);
     EXPECT_EQ(v, 0x12345678u);
     const auto writes = tide::test::sim_writes(0);
     ASSERT_FALSE(writes.empty());
-    EXPECT_EQ(writes.back().addr, 0x041C007Cu);
+    EXPECT_EQ(writes.back().addr, 0x043F0100u);
     EXPECT_EQ(writes.back().value, 0x12345678u);
     EXPECT_EQ(writes.back().width, 32u);
     // Chip 1 is attached but not brought up: the guard refuses it.
-    EXPECT_EQ(base_api_reg_get_by_addr(1, 0x041C007C, in, 4), -3);
+    EXPECT_EQ(base_api_reg_get_by_addr(1, 0x043F0100, in, 4), -3);
 }
 
 TEST_F(HalOnModel, BarIdsOtherThanZeroThreeFourAreRefusedSilently)

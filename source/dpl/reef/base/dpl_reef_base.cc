@@ -1,28 +1,38 @@
 // The base service of the reef family.
 #include "api/api_families.h"
 #include "csl/common/reg_tab/csl_reg.h"
+#include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 
 extern "C" {
 
 static u32 g_dpl_reef_base_soft_inited[SHR_MAX_CHIPS];
 
+// The catalogue comes first: everything after it speaks in its terms.  A
+// failure of it is logged and the sequence goes on.
 i32 dpl_reef_base_soft_init(u32 chip_id)
 {
+    if (csl_reef_reg_tab_soft_init(chip_id) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] reg tab soft init failed!\n", "base");
+    }
     g_dpl_reef_base_soft_inited[chip_id] = 1;
     return 0;
 }
 
 i32 dpl_reef_base_soft_deinit(u32 chip_id)
 {
+    const i32 rc = csl_reef_reg_tab_soft_deinit(chip_id);
     g_dpl_reef_base_soft_inited[chip_id] = 0;
-    return 0;
+    return rc;
 }
 
 i32 dpl_reef_base_hw_init(u32 chip_id)
 {
-    (void)chip_id;
-    return 0;
+    const i32 rc = csl_reef_reg_tab_hw_init(chip_id);
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[CHIP-INIT: %13s] reg tab soft init failed!\n", "base");
+    }
+    return rc;
 }
 
 i32 dpl_reef_base_hw_deinit(u32 chip_id)

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "api/api_families.h"
+#include "atolreef_cib.h"
 #include "csl/common/reg_tab/csl_reg.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/init/dpl_reef_init.h"
@@ -115,9 +116,31 @@ i32 dpl_reef_soft_deinit(u32 chip_id)
                              kSoftDeinitOk, kSoftDeinitFail);
 }
 
+// Clock gating and low power off before the reset, so that every block
+// sees it.  Only atolreef has these registers in its catalogue.
+static void _dpl_reef_reset_prepare(u32 chip_id)
+{
+    if (shr_chip_type_get(chip_id) != SHR_CHIP_TYPE_ATOLREEF) {
+        return;
+    }
+    cib_lsw_hreg_cfg_lp_en_t lp{};
+    u8 lp_mask[4] = {};
+    lp_mask[0] = 1u << cib_lsw_hreg_cfg_lp_en__cfg_lp_en;
+    i32 rc = csl_reef_cib_lsw_hreg_cfg_lp_en_set(chip_id, 0, &lp, lp_mask);
+    cib_lsw_hreg_tick_en_cfg0_t tick{};
+    u8 tick_mask[4] = {};
+    tick_mask[0] = (1u << cib_lsw_hreg_tick_en_cfg0__clk_static_div_cfg) |
+                   (1u << cib_lsw_hreg_tick_en_cfg0__clk_auto_gate_en_cfg);
+    rc |= csl_reef_cib_lsw_hreg_tick_en_cfg0_set(chip_id, 0, &tick, tick_mask);
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_TOP, "chip hw reset: low power and clock gating not cleared\n");
+    }
+}
+
 i32 dpl_reef_chip_hw_reset(u32 chip_id)
 {
     static constexpr u32 kSequence[] = {0, 8, 10, 11, 15};
+    _dpl_reef_reset_prepare(chip_id);
     for (u32 value : kSequence) {
         const i32 rc = csl_reg_general_write32(chip_id, HAL_BAR_AXI, DPL_REEF_RESET_SEQ_ADDR, value);
         if (rc != 0) {
