@@ -1,7 +1,14 @@
 // Register access by catalogue id: the id names a register of the chip's
 // catalogue and one of its instances (or all of them).
+#include <strings.h>
+
+#include <cstring>
+
+#include "atolreef_cib.h"
 #include "csl/common/reg_tab/csl_reg.h"
-#include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "csl/reef/reg_tbl/csl_reef_field.h"
+#include "sal/linux_um/xsal_int.h"
+#include "shared/shr_bits.h"
 
 extern "C" {
 
@@ -116,6 +123,148 @@ int csl_reef_reg_get_u32(u32 chip_id, u32 id, u32 *value)
                  static_cast<u32>(data[3]) << 24;
     }
     return rc;
+}
+
+} // extern "C"
+
+// ---- self tests of the registers ---------------------------------------------------
+
+namespace {
+
+// The registers a test covers: those of one module, or of all with "all".
+int _csl_reef_reg_test_range(u32 chip_id, const char *module, u32 *first, u32 *last)
+{
+    if (module == nullptr) {
+        return SHR_E_PARAM;
+    }
+    if (strcasecmp(module, "all") == 0) {
+        *first = 0;
+        *last = CIB_REG_ID_MAX;
+        return 0;
+    }
+    u32 module_id = 0;
+    if (_module_info_get(chip_id, module, &module_id) != 0) {
+        csl_output_func(chip_id, 0, "\nNo module name:%s!\n\n", module);
+        return SHR_E_NOT_FOUND;
+    }
+    const cib_module_info &mod = atolreef_allmodule_list[module_id];
+    if (mod.reg_first == CIB_NO_RANGE) {
+        csl_output_func(chip_id, 0, "\nMode:%s no register!\n\n", module);
+        return SHR_E_NOT_FOUND;
+    }
+    *first = mod.reg_first;
+    *last = mod.reg_last;
+    return 0;
+}
+
+// What a field reads back after all ones were written: 1 all ones, 0 zeros,
+// -1 not compared.
+int _csl_reef_expect_after_ones(u32 reg_id, const cib_field_info &f)
+{
+    switch (f.access) {
+    case CIB_ACC_RW:
+        return reg_id == cib_lsw_hreg_test_reg_n ? 0 : 1;
+    case CIB_ACC_RC_H:
+    case CIB_ACC_WC:
+    case CIB_ACC_RC_P:
+    case CIB_ACC_WC_H:
+        return 0;
+    default:
+        return -1;
+    }
+}
+
+} // namespace
+
+extern "C" {
+
+int csl_reef_reg_write_test(u32 chip_id, const char *module, u32 verbose)
+{
+    if (shr_chip_type_get(chip_id) != SHR_CHIP_TYPE_ATOLREEF) {
+        csl_output_func(chip_id, 0, "\nERR: module list is null or not support\n");
+        return SHR_E_PARAM;
+    }
+    u32 first = 0, last = 0;
+    int rc = _csl_reef_reg_test_range(chip_id, module, &first, &last);
+    if (rc != 0) {
+        return rc;
+    }
+    u32 tested = 0, failed = 0;
+    for (u32 r = first; r <= last && r < CIB_REG_LIST_SLOTS; r++) {
+        const cib_reg_info *reg = csl_reef_reg_info_get(chip_id, r);
+        if (reg == nullptr) {
+            continue;
+        }
+        for (u32 k = 0; k < static_cast<u32>(reg->a) * reg->b; k++) {
+            const u32 id = CIB_ID(r, k);
+            u32 kept = 0, back = 0;
+            rc = csl_reef_reg_get_u32(chip_id, id, &kept);
+            rc |= csl_reef_reg_set_u32(chip_id, id, 0xFFFFFFFF);
+            rc |= csl_reef_reg_get_u32(chip_id, id, &back);
+            rc |= csl_reef_reg_get_u32(chip_id, id, &back);
+            if (rc != 0) {
+                return rc;
+            }
+            bool compared = false, ok = true;
+            u8 data[4];
+            memcpy(data, &back, 4);
+            for (u32 i = 0; i < reg->field_count; i++) {
+                const cib_field_info &f = reg->fields[i];
+                const int want = strcmp(f.name, "rsv") == 0 ? -1 : _csl_reef_expect_after_ones(r, f);
+                if (want < 0) {
+                    continue;
+                }
+                compared = true;
+                u64 v = 0;
+                shr_field64_get_from_data(data, &v, f.low_bit, f.width);
+                const u64 ones = f.width >= 64 ? ~0ull : (1ull << f.width) - 1;
+                if (v != (want ? ones : 0)) {
+                    ok = false;
+                    csl_output_func(chip_id, 0, " %-35s %-20s %-4s  fail\n", reg->name, f.name,
+                                    g_cib_access_name[f.access]);
+                }
+            }
+            if (compared) {
+                csl_reef_reg_set_u32(chip_id, id, kept);
+            }
+            tested++;
+            failed += ok ? 0 : 1;
+            if (verbose && ok) {
+                csl_output_func(chip_id, 0, " %-35s %-20s %-4s  pass\n", reg->name, "", "");
+            }
+        }
+    }
+    csl_output_func(chip_id, 0, "register write test: %u tested, %u failed\n", tested, failed);
+    return failed == 0 ? 0 : SHR_E_FAIL;
+}
+
+int csl_reef_reg_force_test(u32 chip_id, const char *module, u32 times)
+{
+    u32 first = 0, last = 0;
+    const int rc = _csl_reef_reg_test_range(chip_id, module, &first, &last);
+    if (rc != 0) {
+        return rc;
+    }
+    const u64 start = xsal_time_usecs();
+    u64 items = 0;
+    for (u32 t = 0; t < times; t++) {
+        for (u32 r = first; r <= last && r < CIB_REG_LIST_SLOTS; r++) {
+            const cib_reg_info *reg = csl_reef_reg_info_get(chip_id, r);
+            if (reg == nullptr || reg->a == 0) {
+                continue;
+            }
+            u32 v = 0;
+            csl_reef_reg_get_u32(chip_id, r, &v);
+            csl_reef_reg_set_u32(chip_id, r, v);
+            items += 2;
+        }
+    }
+    const u64 used = xsal_time_usecs() - start;
+    csl_output_func(chip_id, 0, "\ntime_used = %lu us!\n", (unsigned long)used);
+    csl_output_func(chip_id, 0, "test times = %lu!\n", (unsigned long)items);
+    csl_output_func(chip_id, 0, "frequence(items/s) = %0.2f us!\n",
+                    used == 0 ? 0.0 : static_cast<double>(items) * 1e6 / static_cast<double>(used));
+    return 0;
 }
 
 } // extern "C"

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "csl/common/reg_tab/csl_reg.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 
 namespace {
@@ -153,6 +154,9 @@ int csl_reef_reg_tab_soft_init(u32 chip_id)
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[Base init] chip(%u) reg tab inited failed!\n", chip_id);
     }
     csl_reef_module_lock_init(chip_id);
+    if (csl_write_file_lock_init(chip_id) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[Base init] create write file lock failed!\n");
+    }
     return 0;
 }
 
@@ -168,6 +172,7 @@ int csl_reef_reg_tab_soft_deinit(u32 chip_id)
     }
     csl_reg_tab_cm_free(chip_id);
     csl_reef_module_lock_deinit(chip_id);
+    csl_write_file_lock_deinit(chip_id);
     return rc;
 }
 
