@@ -8,6 +8,7 @@
 #include "csl/reef/reg_tbl/csl_reef_field.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/base/dpl_reef_base.h"
+#include "dpl/reef/base/dpl_reef_base_index_manage.h"
 
 extern "C" {
 
@@ -20,12 +21,16 @@ i32 dpl_reef_base_soft_init(u32 chip_id)
     if (csl_reef_reg_tab_soft_init(chip_id) != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] reg tab soft init failed!\n", "base");
     }
+    if (dpl_reef_base_index_manage_init(chip_id) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] index manage init failed!\n", "base");
+    }
     g_dpl_reef_base_soft_inited[chip_id] = 1;
     return 0;
 }
 
 i32 dpl_reef_base_soft_deinit(u32 chip_id)
 {
+    dpl_reef_base_index_manage_deinit(chip_id);
     const i32 rc = csl_reef_reg_tab_soft_deinit(chip_id);
     g_dpl_reef_base_soft_inited[chip_id] = 0;
     return rc;
