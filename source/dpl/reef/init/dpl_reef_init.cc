@@ -50,12 +50,15 @@ constexpr const char *kChipInitFail = "[CHIP-INIT: %13s]init failed!!!!!!![ret=%
 constexpr const char *kChipDeinitOk = "[CHIP-DEINIT: %13s]............[OK]\r\n";
 constexpr const char *kChipDeinitFail = "[CHIP-DEINIT: %13s]deinit failed!!!!!!![ret=%d]\r\n";
 
-// Logs the outcome of one step.
+// Logs the outcome of one step: into the bring-up record of debug buffer
+// 0 and through the log hook.
 void _dpl_step_log(u32 chip_id, const char *name, i32 rc, const char *ok_fmt, const char *fail_fmt)
 {
     if (rc < 0) {
+        xsal_log(static_cast<i32>(chip_id), SHR_LOG_ERROR, __FILE__, __LINE__, fail_fmt, name, (int)rc);
         SHR_LOG_ERR(chip_id, SHR_MOD_INIT, fail_fmt, name, (int)rc);
     } else {
+        xsal_log(static_cast<i32>(chip_id), SHR_LOG_INFO, __FILE__, __LINE__, ok_fmt, name);
         SHR_LOG_INF(chip_id, SHR_MOD_INIT, ok_fmt, name);
     }
 }
