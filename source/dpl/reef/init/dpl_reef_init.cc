@@ -67,7 +67,10 @@ void _dpl_step_log(u32 chip_id, const char *name, i32 rc, const char *ok_fmt, co
 i32 _dpl_run_steps(u32 chip_id, std::span<const dpl_step> steps, const char *ok_fmt, const char *fail_fmt)
 {
     for (const dpl_step &step : steps) {
-        const i32 rc = step.fn(chip_id);
+        i32 rc = g_dpl_reef_step_hook != nullptr ? g_dpl_reef_step_hook(chip_id, ok_fmt, step.name) : 0;
+        if (rc == 0) {
+            rc = step.fn(chip_id);
+        }
         _dpl_step_log(chip_id, step.name, rc, ok_fmt, step.fail_fmt != nullptr ? step.fail_fmt : fail_fmt);
         if (rc < 0) {
             return rc;
@@ -95,6 +98,7 @@ i32 _dpl_level_deinit(u32 chip_id, u32 *flags, const char *not_inited, std::span
 
 extern "C" {
 
+dpl_reef_step_hook_t g_dpl_reef_step_hook;
 u32 g_dpl_reef_soft_inited[SHR_MAX_CHIPS];
 u32 g_dpl_reef_hw_inited[SHR_MAX_CHIPS];
 
