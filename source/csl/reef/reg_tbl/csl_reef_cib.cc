@@ -75,38 +75,6 @@ int _member_from_data(const cib_member &m, const cib_field_info &f, u8 *record, 
     }
 }
 
-// Holds a lock of a module for the length of a scope.
-template <int (*Lock)(u32, u32), int (*Unlock)(u32, u32)>
-class ModuleLock {
-public:
-    ModuleLock(u32 chip_id, u32 which) : chip_id_(chip_id), which_(which), held_(Lock(chip_id, which) == 0) {}
-    ~ModuleLock()
-    {
-        if (held_) {
-            Unlock(chip_id_, which_);
-        }
-    }
-    ModuleLock(const ModuleLock &) = delete;
-    ModuleLock &operator=(const ModuleLock &) = delete;
-
-private:
-    u32 chip_id_;
-    u32 which_;
-    bool held_;
-};
-using RegLock = ModuleLock<csl_reef_module_reg_get_lock, csl_reef_module_reg_get_unlock>;
-using TabLock = ModuleLock<csl_reef_module_tab_get_lock, csl_reef_module_tab_get_unlock>;
-
-// The word image of one entry, zeroed, from the heap.
-u8 *_entry_image(const cib_tab_info *tab, u32 *bytes)
-{
-    *bytes = cib_entry_words(tab->width) * 4;
-    u8 *data = static_cast<u8 *>(xsal_malloc(*bytes, "table", SHR_MOD_REG_TAB));
-    if (data != nullptr) {
-        memset(data, 0, *bytes);
-    }
-    return data;
-}
 
 } // namespace
 
@@ -143,7 +111,7 @@ int csl_reef_cib_reg_record_get(u32 chip_id, u32 reg_id, u32 addr_index, u32 cib
     if (out == nullptr) {
         return SHR_E_NULL_PTR;
     }
-    RegLock lock(chip_id, cib_module_id);
+    CslRegLock lock(chip_id, cib_module_id);
     u8 word[4] = {};
     int rc = csl_reef_reg_get(chip_id, CIB_ID(reg_id, addr_index), word, 4);
     rc |= csl_reef_cib_data_to_record(reg->fields, reg->members, reg->member_count, out, word);
@@ -156,7 +124,7 @@ int csl_reef_cib_reg_record_set(u32 chip_id, u32 reg_id, u32 addr_index, u32 cib
     if (in == nullptr || mask == nullptr) {
         return SHR_E_NULL_PTR;
     }
-    RegLock lock(chip_id, cib_module_id);
+    CslRegLock lock(chip_id, cib_module_id);
     u8 word[4] = {};
     int rc = 0;
     if (_all_ones(mask, 4)) {
@@ -175,18 +143,18 @@ int csl_reef_cib_tab_record_get(u32 chip_id, u32 tab_id, u32 addr_index, u32 ind
     if (out == nullptr) {
         return SHR_E_NULL_PTR;
     }
-    u32 bytes = 0;
-    u8 *data = _entry_image(tab, &bytes);
+    const u32 bytes = cib_tab_entry_bytes(tab);
+    CslHeapBytes entry(bytes, "table");
+    u8 *data = entry.get();
     if (data == nullptr) {
         return SHR_E_NULL_PTR;
     }
     int rc = 0;
     {
-        TabLock lock(chip_id, tab_id);
+        CslTabLock lock(chip_id, tab_id);
         rc = csl_reef_tab_get_direct(chip_id, CIB_ID(tab_id, addr_index), index, data, bytes, CSL_TAB_HW);
         rc |= csl_reef_cib_data_to_record(tab->modes[0].fields, tab->members, tab->member_count, out, data);
     }
-    xsal_mem_free(data);
     return rc;
 }
 
@@ -196,14 +164,15 @@ int csl_reef_cib_tab_record_set(u32 chip_id, u32 tab_id, u32 addr_index, u32 ind
     if (in == nullptr || mask == nullptr) {
         return SHR_E_NULL_PTR;
     }
-    u32 bytes = 0;
-    u8 *data = _entry_image(tab, &bytes);
+    const u32 bytes = cib_tab_entry_bytes(tab);
+    CslHeapBytes entry(bytes, "table");
+    u8 *data = entry.get();
     if (data == nullptr) {
         return SHR_E_NULL_PTR;
     }
     int rc = 0;
     {
-        TabLock lock(chip_id, tab_id);
+        CslTabLock lock(chip_id, tab_id);
         const u32 id = CIB_ID(tab_id, addr_index);
         const cib_field_info *fields = tab->modes[0].fields;
         if (mask[0] == ~0ull && mask[1] == ~0ull) {
@@ -216,7 +185,6 @@ int csl_reef_cib_tab_record_set(u32 chip_id, u32 tab_id, u32 addr_index, u32 ind
         }
         rc |= csl_reef_tab_set_direct(chip_id, id, index, data, bytes, CSL_TAB_HW_AND_IMAGE);
     }
-    xsal_mem_free(data);
     return rc;
 }
 

@@ -120,6 +120,18 @@ static inline u32 cib_entry_words(u32 width)
     return (width + 31) / 32;
 }
 
+/* Bytes of one entry of a table, whole words. */
+static inline u32 cib_tab_entry_bytes(const cib_tab_info *tab)
+{
+    return cib_entry_words(tab->width) * 4;
+}
+
+/* Entries of a table. */
+static inline u32 cib_tab_depth(const cib_tab_info *tab)
+{
+    return tab->index_max + 1 - tab->index_min;
+}
+
 /* Id packing: bits 19:0 the register or table id, bits 31:20 the
  * instance; 0xFFF for all instances. */
 #define CIB_ID_MASK 0xFFFFFu

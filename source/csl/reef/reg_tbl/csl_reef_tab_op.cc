@@ -7,16 +7,6 @@
 
 namespace {
 
-u32 _bytes_per_entry(const cib_tab_info *tab)
-{
-    return cib_entry_words(tab->width) * 4;
-}
-
-u32 _depth(const cib_tab_info *tab)
-{
-    return tab->index_max + 1 - tab->index_min;
-}
-
 csl_tab_cache *_image(u32 chip_id, u32 tab_id)
 {
     csl_reg_tab_cm *cm = csl_reg_tab_cm_get(chip_id);
@@ -55,9 +45,9 @@ int _csl_reef_tab_check(u32 chip_id, u32 tab_id, const u8 *data, u32 bytes, cons
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[TABLE INVALID]: table pointer is NULL!\n");
         return SHR_E_PARAM;
     }
-    if (bytes < _bytes_per_entry(tab)) {
+    if (bytes < cib_tab_entry_bytes(tab)) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[TABLE INVALID]: table(%u) bytes(%u) less than entry bytes(%u)!\n",
-                    tab_id, bytes, _bytes_per_entry(tab));
+                    tab_id, bytes, cib_tab_entry_bytes(tab));
         return SHR_E_PARAM;
     }
     *out = tab;
@@ -128,28 +118,6 @@ int _csl_reef_tab_hw_get_direct(u32 chip_id, const cib_tab_info *tab, u32 addr_i
     return 0;
 }
 
-// Holds a table lock for the length of a scope.
-class TabLock {
-public:
-    TabLock(u32 chip_id, u32 tab_id) : chip_id_(chip_id), tab_id_(tab_id)
-    {
-        held_ = csl_reef_module_tab_get_lock(chip_id, tab_id) == 0;
-    }
-    ~TabLock()
-    {
-        if (held_) {
-            csl_reef_module_tab_get_unlock(chip_id_, tab_id_);
-        }
-    }
-    TabLock(const TabLock &) = delete;
-    TabLock &operator=(const TabLock &) = delete;
-
-private:
-    u32 chip_id_;
-    u32 tab_id_;
-    bool held_;
-};
-
 } // namespace
 
 extern "C" {
@@ -163,11 +131,11 @@ int csl_reef_tab_set_direct(u32 chip_id, u32 id, u32 index, u8 *data, u32 bytes,
     if (rc != 0) {
         return rc;
     }
-    TabLock lock(chip_id, tab_id);
+    CslTabLock lock(chip_id, tab_id);
     SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "[SET %s]: index(%d)\n", tab->name, (int)index);
-    if (index >= _depth(tab)) {
+    if (index >= cib_tab_depth(tab)) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[%s]: cur_index(%d) >= tab_count(%d)\n", tab->name, (int)index,
-                    (int)_depth(tab));
+                    (int)cib_tab_depth(tab));
         return SHR_E_PARAM;
     }
     if (mode == CSL_TAB_HW || mode == CSL_TAB_HW_AND_IMAGE) {
@@ -184,15 +152,16 @@ int csl_reef_tab_set_direct(u32 chip_id, u32 id, u32 index, u8 *data, u32 bytes,
         }
         if (image != nullptr && image->enabled) {
             SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "[%s]: save in cache \n", tab->name);
-            _copy_bits(image->data + index * _bytes_per_entry(tab), data, tab->width);
+            _copy_bits(image->data + index * cib_tab_entry_bytes(tab), data, tab->width);
         }
     }
     // Tables that make their image at the first write: every entry not yet
-    // written reads as zero from it.
+    // written reads as zero from it.  A table that may not be cached gets
+    // none.
     if ((tab->flags & CIB_TAB_LAZY_IMAGE) && image != nullptr && !image->enabled) {
         rc = csl_reef_tab_cache_enable_set(chip_id, tab_id, 1);
-        if (rc == 0) {
-            _copy_bits(image->data + index * _bytes_per_entry(tab), data, tab->width);
+        if (rc == 0 && image->enabled) {
+            _copy_bits(image->data + index * cib_tab_entry_bytes(tab), data, tab->width);
         }
     }
     return rc;
@@ -207,10 +176,10 @@ int csl_reef_tab_get_direct(u32 chip_id, u32 id, u32 index, u8 *data, u32 bytes,
     if (rc != 0) {
         return rc;
     }
-    TabLock lock(chip_id, tab_id);
-    if (index >= _depth(tab)) {
+    CslTabLock lock(chip_id, tab_id);
+    if (index >= cib_tab_depth(tab)) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[%s]: cur_index(%d) >= tab_count(%d)\n", tab->name, (int)index,
-                    (int)_depth(tab));
+                    (int)cib_tab_depth(tab));
         return SHR_E_PARAM;
     }
     if (mode == CSL_TAB_HW) {
@@ -230,7 +199,7 @@ int csl_reef_tab_get_direct(u32 chip_id, u32 id, u32 index, u8 *data, u32 bytes,
             return SHR_E_NO_CACHE;
         }
         SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "[GET %s]: get from cache \n", tab->name);
-        _copy_bits(data, image->data + index * _bytes_per_entry(tab), tab->width);
+        _copy_bits(data, image->data + index * cib_tab_entry_bytes(tab), tab->width);
         return 0;
     }
     SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ERR: get from hard and cache at same time!\n");
@@ -269,6 +238,12 @@ int csl_reef_tab_get_direct_uint32(u32 chip_id, u32 id, u32 index, u32 *words, u
     return _csl_reef_tab_uint32(chip_id, id, index, words, word_count, mode, false);
 }
 
+u8 *csl_reef_tab_image_get(u32 chip_id, u32 tab_id)
+{
+    const csl_tab_cache *image = _image(chip_id, tab_id);
+    return image != nullptr && image->enabled ? image->data : nullptr;
+}
+
 int csl_reef_tab_cache_enable_set(u32 chip_id, u32 tab_id, u8 enable)
 {
     const cib_tab_info *tab = csl_reef_tab_info_get(chip_id, tab_id);
@@ -284,14 +259,14 @@ int csl_reef_tab_cache_enable_set(u32 chip_id, u32 tab_id, u8 enable)
         return 0;
     }
     if (on) {
-        const u64 size = static_cast<u64>(_bytes_per_entry(tab)) * _depth(tab);
+        const u64 size = static_cast<u64>(cib_tab_entry_bytes(tab)) * cib_tab_depth(tab);
         if (size == 0) {
             return 0;
         }
         image->data = static_cast<u8 *>(xsal_malloc(size, tab->name, SHR_MOD_REG_TAB));
         if (image->data == nullptr) {
             SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "memery alloc fail. tab_id=%d, byte per entry:%d\n", (int)tab_id,
-                        (int)_bytes_per_entry(tab));
+                        (int)cib_tab_entry_bytes(tab));
             return SHR_E_MEMORY;
         }
         memset(image->data, 0, size);
