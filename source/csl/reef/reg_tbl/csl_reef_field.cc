@@ -29,16 +29,6 @@ u32 _reg_count(const cib_reg_info *reg)
     return static_cast<u32>(reg->a) * reg->b;
 }
 
-u32 _tab_depth(const cib_tab_info *tab)
-{
-    return tab->index_max + 1 - tab->index_min;
-}
-
-u32 _entry_bytes(const cib_tab_info *tab)
-{
-    return cib_entry_words(tab->width) * 4;
-}
-
 const cib_field_info *_find_field(const cib_field_info *fields, u32 count, u32 field_id)
 {
     for (u32 i = 0; i < count; i++) {
@@ -409,7 +399,7 @@ int csl_reef_direct_tab_set_by_name(u32 chip_id, const char *name, u32 index, u8
     if (rc != 0) {
         return rc;
     }
-    return csl_reef_tab_set_direct(chip_id, CIB_ID(tab_id, addr_index), index, data, _entry_bytes(tab), CSL_TAB_HW);
+    return csl_reef_tab_set_direct(chip_id, CIB_ID(tab_id, addr_index), index, data, cib_tab_entry_bytes(tab), CSL_TAB_HW);
 }
 
 int csl_reef_direct_tab_get_by_name(u32 chip_id, const char *name, u32 index, u8 *data, u32 bytes)
@@ -446,7 +436,7 @@ int csl_reef_tab_size_get(u32 chip_id, u32 id, u32 *size)
         *size = share == 1 ? 18436 : 10244;
         return 0;
     }
-    *size = _tab_depth(tab);
+    *size = cib_tab_depth(tab);
     return 0;
 }
 
@@ -470,10 +460,10 @@ int csl_reef_reg_or_tab_info_get_by_addr(u32 chip_id, u32 addr, u32 *is_register
         if (tab == nullptr || (tab->flags & CIB_TAB_INDIRECT)) {
             continue;
         }
-        const u32 span = _tab_depth(tab) * _entry_bytes(tab);
+        const u32 span = cib_tab_depth(tab) * cib_tab_entry_bytes(tab);
         for (u32 k = 0; k < static_cast<u32>(tab->inst_a) * tab->inst_b; k++) {
             if (addr >= tab->addr[k] && addr - tab->addr[k] < span) {
-                *is_register = 0, *id = t, *addr_index = k, *index = (addr - tab->addr[k]) / _entry_bytes(tab);
+                *is_register = 0, *id = t, *addr_index = k, *index = (addr - tab->addr[k]) / cib_tab_entry_bytes(tab);
                 return 0;
             }
         }
@@ -608,7 +598,7 @@ static int _csl_reef_entry_print(u32 chip_id, u32 id, u32 index, u64 flags, u32 
     if (tab == nullptr) {
         return SHR_E_NOT_FOUND;
     }
-    const u32 bytes = _entry_bytes(tab);
+    const u32 bytes = cib_tab_entry_bytes(tab);
     u8 *data = static_cast<u8 *>(xsal_malloc(bytes, "table show", SHR_MOD_REG_TAB));
     if (data == nullptr) {
         return SHR_E_MEMORY;
@@ -685,7 +675,7 @@ int csl_table_data_to_string(u32 chip_id, const char *table_name, const u8 *data
     if (rc != 0) {
         return rc;
     }
-    if (len < _entry_bytes(tab)) {
+    if (len < cib_tab_entry_bytes(tab)) {
         return SHR_E_PARAM;
     }
     const u32 work_len = 8192;
@@ -698,7 +688,7 @@ int csl_table_data_to_string(u32 chip_id, const char *table_name, const u8 *data
     // opt0, high word: fields of value 0 too.  opt1, high word: the entry's
     // bytes first.
     if ((opt1 >> 32) != 0) {
-        const u32 bytes = _entry_bytes(tab);
+        const u32 bytes = cib_tab_entry_bytes(tab);
         pos += static_cast<u32>(snprintf(work + pos, work_len - pos, "0x : "));
         for (u32 i = bytes; i > 0 && pos + 4 < work_len; i--) {
             pos += static_cast<u32>(snprintf(work + pos, work_len - pos, "%02x", data[i - 1]));
@@ -840,7 +830,7 @@ static int _csl_reef_field_tab_by_name(u32 chip_id, base_field_op *op, u32 to_fi
         csl_output_func(chip_id, 0, "ERR: table name %s not found\n", op->name);
         return rc;
     }
-    const u32 depth = _tab_depth(tab);
+    const u32 depth = cib_tab_depth(tab);
     const u32 count = op->count == 0 ? 1 : op->count;
     if (op->start >= depth || count > depth - op->start) {
         csl_output_func(chip_id, 0,
@@ -868,7 +858,7 @@ static int _csl_reef_field_tab_by_name(u32 chip_id, base_field_op *op, u32 to_fi
         }
         return rc;
     }
-    const u32 bytes = _entry_bytes(tab);
+    const u32 bytes = cib_tab_entry_bytes(tab);
     u8 *entry = static_cast<u8 *>(xsal_malloc(bytes, "table field", SHR_MOD_REG_TAB));
     if (entry == nullptr) {
         return SHR_E_MEMORY;
@@ -1030,7 +1020,7 @@ int csl_reef_module_cnt_show(u32 chip_id, const char *module, u32 to_file, u32 m
             if (tab == nullptr || (tab->flags & CIB_TAB_INDIRECT) || k >= static_cast<u32>(tab->inst_a) * tab->inst_b) {
                 continue;
             }
-            for (u32 i = 0; i < _tab_depth(tab) && rc == 0; i++) {
+            for (u32 i = 0; i < cib_tab_depth(tab) && rc == 0; i++) {
                 rc = _csl_reef_entry_print(chip_id, CIB_ID(t, k), i, flags, to_file, CSL_TAB_HW);
             }
         }
