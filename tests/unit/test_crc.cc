@@ -150,6 +150,11 @@ TEST(Crc, D64OfThe04C11DB7PolynomialIsTwoByteRoundSteps)
 TEST(Crc, AlgorithmIdsEightToEleven)
 {
     const Bits64 bits = bits_of(0x0123456789ABCDEFull);
+    // The array as the engine makes it from the word's little-endian bytes.
+    const u8 word[8] = {0xEF, 0xCD, 0xAB, 0x89, 0x67, 0x45, 0x23, 0x01};
+    Bits64 made{};
+    ASSERT_EQ(shr_data_to_bits_array(word, 8, made.data(), 64), 0);
+    EXPECT_EQ(made, bits);
     for (u32 t = 0; t < 4; t++) {
         u32 v = 0;
         ASSERT_EQ(csl_reef_hash_get_alg_value(8 + t, bits.data(), &v), 0);

@@ -580,6 +580,11 @@ TEST_F(Bits, TimeoutFreePollsThenClock)
         EXPECT_EQ(line.module, 54u);
         EXPECT_EQ(line.level, SHR_LOG_WARN);
     }
+    // A count of free polls beyond the signed range is the largest one.
+    ASSERT_EQ(shr_timeout_init(&to, 1, 0xFFFFFFFFu), 0);
+    EXPECT_EQ(to.min_polls, INT32_MAX);
+    EXPECT_EQ(shr_timeout_check(&to), 0);
+    EXPECT_EQ(to.min_polls, INT32_MAX);
     EXPECT_EQ(shr_timeout_init(nullptr, 1, 1), -4);
     EXPECT_NE(shr_timeout_check(nullptr), 0);
 }
