@@ -12,29 +12,6 @@
 namespace {
 
 template <typename T>
-struct Field;
-template <>
-struct Field<u8> {
-    static void set(u8 *d, u8 v, u16 s, u16 w) { shr_field8_set_to_data(d, v, s, w); }
-    static void get(const u8 *d, u8 *v, u16 s, u16 w) { shr_field8_get_from_data(d, v, s, w); }
-};
-template <>
-struct Field<u16> {
-    static void set(u8 *d, u16 v, u16 s, u16 w) { shr_field16_set_to_data(d, v, s, w); }
-    static void get(const u8 *d, u16 *v, u16 s, u16 w) { shr_field16_get_from_data(d, v, s, w); }
-};
-template <>
-struct Field<u32> {
-    static void set(u8 *d, u32 v, u16 s, u16 w) { shr_field32_set_to_data(d, v, s, w); }
-    static void get(const u8 *d, u32 *v, u16 s, u16 w) { shr_field32_get_from_data(d, v, s, w); }
-};
-template <>
-struct Field<u64> {
-    static void set(u8 *d, u64 v, u16 s, u16 w) { shr_field64_set_to_data(d, v, s, w); }
-    static void get(const u8 *d, u64 *v, u16 s, u16 w) { shr_field64_get_from_data(d, v, s, w); }
-};
-
-template <typename T>
 struct Placement {
     u16 start;
     u16 width;
@@ -58,9 +35,9 @@ void BM_FieldSetGet(benchmark::State &state)
     size_t i = 0;
     for (auto _ : state) {
         const Placement<T> &f = fields[i++ & 1023];
-        Field<T>::set(data, f.value, f.start, f.width);
+        tide::bits::field_set<T>(data, f.value, f.start, f.width);
         T out = 0;
-        Field<T>::get(data, &out, f.start, f.width);
+        tide::bits::field_get<T>(data, &out, f.start, f.width);
         benchmark::DoNotOptimize(out);
     }
     state.SetItemsProcessed(state.iterations() * 2);

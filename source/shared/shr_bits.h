@@ -175,6 +175,7 @@ u64 shr_timeout_elapsed(const shr_timeout *to);
 }
 
 #include <array>
+#include <type_traits>
 
 extern "C" {
 /* Nibble table of the reflected polynomial 0xA001: entry i is i shifted
@@ -200,6 +201,44 @@ constexpr u32 msb_step(u32 crc, u32 in_bit, u32 poly)
 }
 
 } // namespace tide::crc
+
+namespace tide::bits {
+
+// The typed field calls by the value's type, for code that is generic over
+// the four widths.
+template <typename T>
+concept field_value = std::is_same_v<T, u8> || std::is_same_v<T, u16> || std::is_same_v<T, u32> ||
+                      std::is_same_v<T, u64>;
+
+template <field_value T>
+inline int32_t field_set(u8 *data, T value, u16 start, u16 width)
+{
+    if constexpr (sizeof(T) == 1) {
+        return shr_field8_set_to_data(data, value, start, width);
+    } else if constexpr (sizeof(T) == 2) {
+        return shr_field16_set_to_data(data, value, start, width);
+    } else if constexpr (sizeof(T) == 4) {
+        return shr_field32_set_to_data(data, value, start, width);
+    } else {
+        return shr_field64_set_to_data(data, value, start, width);
+    }
+}
+
+template <field_value T>
+inline int32_t field_get(const u8 *data, T *out, u16 start, u16 width)
+{
+    if constexpr (sizeof(T) == 1) {
+        return shr_field8_get_from_data(data, out, start, width);
+    } else if constexpr (sizeof(T) == 2) {
+        return shr_field16_get_from_data(data, out, start, width);
+    } else if constexpr (sizeof(T) == 4) {
+        return shr_field32_get_from_data(data, out, start, width);
+    } else {
+        return shr_field64_get_from_data(data, out, start, width);
+    }
+}
+
+} // namespace tide::bits
 #endif
 
 #endif /* TIDE_SHR_BITS_H */

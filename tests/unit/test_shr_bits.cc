@@ -12,6 +12,8 @@
 #include "shared/shr_int.h"
 #include "support/fixture.h"
 
+using tide::bits::field_get;
+using tide::bits::field_set;
 using tide::test::Capture;
 
 namespace {
@@ -46,30 +48,6 @@ protected:
     std::mt19937_64 rng_{0x7e1de};
 };
 
-// The four typed forms behind one interface for the property tests.
-template <typename T>
-struct Typed;
-template <>
-struct Typed<u8> {
-    static int32_t set(u8 *d, u8 v, u16 s, u16 w) { return shr_field8_set_to_data(d, v, s, w); }
-    static int32_t get(const u8 *d, u8 *v, u16 s, u16 w) { return shr_field8_get_from_data(d, v, s, w); }
-};
-template <>
-struct Typed<u16> {
-    static int32_t set(u8 *d, u16 v, u16 s, u16 w) { return shr_field16_set_to_data(d, v, s, w); }
-    static int32_t get(const u8 *d, u16 *v, u16 s, u16 w) { return shr_field16_get_from_data(d, v, s, w); }
-};
-template <>
-struct Typed<u32> {
-    static int32_t set(u8 *d, u32 v, u16 s, u16 w) { return shr_field32_set_to_data(d, v, s, w); }
-    static int32_t get(const u8 *d, u32 *v, u16 s, u16 w) { return shr_field32_get_from_data(d, v, s, w); }
-};
-template <>
-struct Typed<u64> {
-    static int32_t set(u8 *d, u64 v, u16 s, u16 w) { return shr_field64_set_to_data(d, v, s, w); }
-    static int32_t get(const u8 *d, u64 *v, u16 s, u16 w) { return shr_field64_get_from_data(d, v, s, w); }
-};
-
 template <typename T>
 class BitsTyped : public Bits {};
 using Widths = ::testing::Types<u8, u16, u32, u64>;
@@ -92,10 +70,10 @@ TYPED_TEST(BitsTyped, SetThenGetMatchesBitReference)
             const T value = static_cast<T>(this->rng_() & max);
             std::vector<u8> want = data;
             ref_set(want, start, width, value);
-            ASSERT_EQ(Typed<T>::set(data.data(), value, static_cast<u16>(start), static_cast<u16>(width)), 0);
+            ASSERT_EQ(field_set<T>(data.data(), value, static_cast<u16>(start), static_cast<u16>(width)), 0);
             ASSERT_EQ(data, want) << "start " << start << " width " << width;
             T out = static_cast<T>(~T{0});
-            ASSERT_EQ(Typed<T>::get(data.data(), &out, static_cast<u16>(start), static_cast<u16>(width)), 0);
+            ASSERT_EQ(field_get<T>(data.data(), &out, static_cast<u16>(start), static_cast<u16>(width)), 0);
             ASSERT_EQ(static_cast<u64>(out), static_cast<u64>(value)) << "start " << start << " width " << width;
         }
     }
@@ -116,9 +94,9 @@ TYPED_TEST(BitsTyped, FieldEndingAtAByteEndTouchesNoFurtherByte)
             auto data = std::make_unique<u8[]>(bytes);
             std::memset(data.get(), 0xA5, bytes);
             const T value = static_cast<T>(width == 64 ? ~0ull : (1ull << width) - 1);
-            ASSERT_EQ(Typed<T>::set(data.get(), value, static_cast<u16>(shift), static_cast<u16>(width)), 0);
+            ASSERT_EQ(field_set<T>(data.get(), value, static_cast<u16>(shift), static_cast<u16>(width)), 0);
             T out = 0;
-            ASSERT_EQ(Typed<T>::get(data.get(), &out, static_cast<u16>(shift), static_cast<u16>(width)), 0);
+            ASSERT_EQ(field_get<T>(data.get(), &out, static_cast<u16>(shift), static_cast<u16>(width)), 0);
             EXPECT_EQ(out, value);
             EXPECT_EQ(data[0] & ((1u << shift) - 1), 0xA5u & ((1u << shift) - 1));
         }
@@ -133,25 +111,25 @@ TYPED_TEST(BitsTyped, RefusesWithoutChangingTheData)
     std::memset(data, 0x5A, sizeof data);
     const std::vector<u8> before(data, data + sizeof data);
     // One above the largest value of a 4-bit field.
-    EXPECT_EQ(Typed<T>::set(data, 16, 3, 4), -23);
+    EXPECT_EQ(field_set<T>(data, 16, 3, 4), -23);
     EXPECT_TRUE(Capture::has("field(bits=4) max value=0xf\n"));
     // A field wider than the type.
-    EXPECT_EQ(Typed<T>::set(data, 0, 0, bits + 1), -4);
+    EXPECT_EQ(field_set<T>(data, 0, 0, bits + 1), -4);
     T out = 7;
-    EXPECT_EQ(Typed<T>::get(data, &out, 0, bits + 1), -4);
+    EXPECT_EQ(field_get<T>(data, &out, 0, bits + 1), -4);
     EXPECT_EQ(std::vector<u8>(data, data + sizeof data), before);
     // Width 0 takes only the value 0 and reads as 0.
-    EXPECT_EQ(Typed<T>::set(data, 1, 5, 0), -23);
-    EXPECT_EQ(Typed<T>::set(data, 0, 5, 0), 0);
-    EXPECT_EQ(Typed<T>::get(data, &out, 5, 0), 0);
+    EXPECT_EQ(field_set<T>(data, 1, 5, 0), -23);
+    EXPECT_EQ(field_set<T>(data, 0, 5, 0), 0);
+    EXPECT_EQ(field_get<T>(data, &out, 5, 0), 0);
     EXPECT_EQ(out, 0);
     EXPECT_EQ(std::vector<u8>(data, data + sizeof data), before);
 
     Capture::clear();
-    EXPECT_EQ(Typed<T>::set(nullptr, 0, 0, 1), -20);
+    EXPECT_EQ(field_set<T>(nullptr, 0, 0, 1), -20);
     EXPECT_TRUE(Capture::has("data is NULL\n"));
-    EXPECT_EQ(Typed<T>::get(nullptr, &out, 0, 1), -20);
-    EXPECT_EQ(Typed<T>::get(data, nullptr, 0, 1), -20);
+    EXPECT_EQ(field_get<T>(nullptr, &out, 0, 1), -20);
+    EXPECT_EQ(field_get<T>(data, nullptr, 0, 1), -20);
     EXPECT_EQ(Capture::count("data or fdata is NULL\n"), 2u);
     for (const auto &line : Capture::lines()) {
         EXPECT_EQ(line.chip, -1);
