@@ -10,6 +10,20 @@
 #include "sal/linux_um/xsal_int.h"
 #include "shared/shr_bits.h"
 
+// A register's byte buffer: present, and room for a word.
+static int _csl_reef_reg_buf_check(u32 chip_id, const u8 *data, u8 bytes)
+{
+    if (data == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[REG INVALID]: reg_data is NULL!\n");
+        return SHR_E_PARAM;
+    }
+    if (bytes < 4) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[REG INVALID]: reg_bytes must be 4!\n");
+        return SHR_E_PARAM;
+    }
+    return 0;
+}
+
 extern "C" {
 
 int csl_reef_reg_set_u32(u32 chip_id, u32 id, u32 value)
@@ -52,13 +66,9 @@ int csl_reef_reg_set_u32(u32 chip_id, u32 id, u32 value)
 
 int csl_reef_reg_set(u32 chip_id, u32 id, u8 *data, u8 bytes)
 {
-    if (data == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[REG INVALID]: reg_data is NULL!\n");
-        return SHR_E_PARAM;
-    }
-    if (bytes < 4) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[REG INVALID]: reg_bytes must be 4!\n");
-        return SHR_E_PARAM;
+    const int bad = _csl_reef_reg_buf_check(chip_id, data, bytes);
+    if (bad != 0) {
+        return bad;
     }
     const u32 value = static_cast<u32>(data[0]) | static_cast<u32>(data[1]) << 8 | static_cast<u32>(data[2]) << 16 |
                       static_cast<u32>(data[3]) << 24;
@@ -67,13 +77,9 @@ int csl_reef_reg_set(u32 chip_id, u32 id, u8 *data, u8 bytes)
 
 int csl_reef_reg_get(u32 chip_id, u32 id, u8 *data, u8 bytes)
 {
-    if (data == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[REG INVALID]: reg_data is NULL!\n");
-        return SHR_E_PARAM;
-    }
-    if (bytes < 4) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[REG INVALID]: reg_bytes must be 4!\n");
-        return SHR_E_PARAM;
+    const int bad = _csl_reef_reg_buf_check(chip_id, data, bytes);
+    if (bad != 0) {
+        return bad;
     }
     const u32 reg_id = id & CIB_ID_MASK;
     u32 addr_index = id >> CIB_INDEX_SHIFT;
