@@ -615,16 +615,27 @@ def gen_model(modules):
         out.append('    %s, // %s' % (', '.join('0x%x' % v for v in vals), it.name))
         pos += 5 * words
     out.append('};\n')
+    out.append('static const Field kFields[] = {')
+    foff = {}
+    pos = 0
+    for it in regs + tabs:
+        foff[it.name] = pos
+        named = [f for f in it.records if f.name != 'rsv']
+        out.append('    %s // %s' % (' '.join('{"%s", %d, %d},' % (f.name, f.low, f.width) for f in named), it.name))
+        pos += len(named)
+    out.append('};\n')
     out.append('const Register kRegisters[] = {')
     for it in regs:
-        out.append('    {"%s", %d, &kAddrs[%d], %d, &kMasks[%d], %s},' % (
+        out.append('    {"%s", %d, &kAddrs[%d], %d, &kMasks[%d], %s, &kFields[%d], %d},' % (
             it.name, it.id, offsets[it.name], len(it.addrs), moff[it.name],
-            'true' if it.special == 'complement' else 'false'))
+            'true' if it.special == 'complement' else 'false', foff[it.name],
+            len([f for f in it.records if f.name != 'rsv'])))
     out.append('};\nconst size_t kRegisterCount = sizeof(kRegisters) / sizeof(kRegisters[0]);\n')
     out.append('const Table kTables[] = {')
     for it in tabs:
-        out.append('    {"%s", %d, &kAddrs[%d], %d, %d, %d, %d, &kMasks[%d]},' % (
-            it.name, it.id, offsets[it.name], len(it.addrs), it.depth, it.words, it.flags, moff[it.name]))
+        out.append('    {"%s", %d, &kAddrs[%d], %d, %d, %d, %d, &kMasks[%d], &kFields[%d], %d},' % (
+            it.name, it.id, offsets[it.name], len(it.addrs), it.depth, it.words, it.flags, moff[it.name],
+            foff[it.name], len([f for f in it.records if f.name != 'rsv'])))
     out.append('};\nconst size_t kTableCount = sizeof(kTables) / sizeof(kTables[0]);\n')
     out.append('} // namespace tide::sim::desc\n')
     return '\n'.join(out)

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "sim/sim_int.h"
+#include "sim/sim_arl.h"
 #include "sim/sim_regmap.h"
 
 namespace tide::sim {
@@ -41,6 +42,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
         regions_[ap] = Region{static_cast<uint8_t *>(p), kApSize[ap], kPhysBase + id * kChipStride + kApOffset[ap]};
     }
     log_.resize(TIDE_SIM_WRITE_LOG_DEPTH);
+    arl = std::make_unique<ArlEngine>(*this);
     if (ok()) {
         reset_core();
     }
@@ -51,6 +53,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
 
 Chip::~Chip()
 {
+    arl.reset();
     for (Region &r : regions_) {
         if (r.mem != nullptr) {
             munmap(r.mem, r.size);
@@ -65,7 +68,7 @@ bool Chip::ok() const
             return false;
         }
     }
-    return true;
+    return arl == nullptr || arl->ok();
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -230,12 +233,16 @@ void Chip::reset_core()
     Region &lsw = regions_[kApLsw];
     madvise(lsw.mem, lsw.size, MADV_DONTNEED);
     RegMap::get().for_each_reset([this](uint32_t addr, uint32_t reset) { store(4, addr, 4, reset); });
+    if (arl) {
+        arl->clear();
+    }
 }
 
 // ---- engines -----------------------------------------------------------------
 
 void Chip::install_engines()
 {
+    arl->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,

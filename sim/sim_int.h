@@ -50,6 +50,7 @@ constexpr uint32_t kResetSeqLast = 15;
 constexpr uint32_t kPciConfigSize = 4096;
 
 class Chip;
+class ArlEngine;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 
 struct Region {
@@ -105,7 +106,10 @@ public:
     uint64_t hook_reads = 0;
     uint64_t hook_writes = 0;
 
-    std::mutex mutex; // guards the register file, handlers and log
+    std::mutex mutex; // guards the register file, handlers, engines and log
+
+    // The MAC table.
+    std::unique_ptr<ArlEngine> arl;
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
