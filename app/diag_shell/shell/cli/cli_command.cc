@@ -235,8 +235,14 @@ i32 cli_command_parse(u32 chip_id, const char *line, char *buf, i32 size)
             result = _cli_run(t, chip_id);
             failed = result != 0;
         } else if (r != CLI_PARSE_EMPTY) {
-            const bool near = r == CLI_PARSE_INCOMPLETE || r == CLI_PARSE_INCOMPLETE_PIPE || r == CLI_PARSE_AMBIGUOUS;
-            const char **words = near ? cli_cmdstr_complete(t, t->mode, CLI_PRIV_MAX, work.text) : nullptr;
+            // An incomplete line names the keywords that could end it; an
+            // ambiguous one those of the word that could be several.
+            const char **words = nullptr;
+            if (r == CLI_PARSE_AMBIGUOUS) {
+                words = cli_cmdstr_ambiguous(t, t->mode, CLI_PRIV_MAX, work.text);
+            } else if (r == CLI_PARSE_INCOMPLETE || r == CLI_PARSE_INCOMPLETE_PIPE) {
+                words = cli_cmdstr_complete(t, t->mode, CLI_PRIV_MAX, work.text);
+            }
             if (!_print_candidates(words)) {
                 cli_printf("Unrecognized command\r\n");
             }

@@ -308,6 +308,9 @@ i32 cli_cmdstr_parse(cli_tree *root, u32 mode, u32 priv, const char *line, u32 s
 /* Keywords that could be typed at the end of `line`, NULL-terminated,
  * freed by xsal_mem_free; NULL for none. */
 const char **cli_cmdstr_complete(cli_tree *root, u32 mode, u32 priv, const char *line);
+/* The keywords that the word where the parse found several could be;
+ * NULL unless `line` is ambiguous. */
+const char **cli_cmdstr_ambiguous(cli_tree *root, u32 mode, u32 priv, const char *line);
 void cli_cmdstr_describe(cli_tree *root, u32 mode, u32 priv, const char *line, u32 width);
 /* Frees the parameters of the last parse. */
 void cli_free_params(cli_tree *root);

@@ -292,6 +292,32 @@ void _print_help_list(const cli_tree *t, const cli_carrier *from, u32 priv, cons
     }
 }
 
+// The keywords among `from` that the operator may type, each once; freed
+// by xsal_mem_free.  nullptr for none.
+const char **_keyword_list(const cli_tree *t, const cli_carrier *from, u32 priv)
+{
+    if (from == nullptr || from->count == 0) {
+        return nullptr;
+    }
+    auto **out = static_cast<const char **>(xsal_malloc((from->count + 1) * sizeof(char *), "cli", SHR_MOD_CLI));
+    if (out == nullptr) {
+        return nullptr;
+    }
+    u32 n = 0;
+    for (u32 i = 0; i < from->count; i++) {
+        const auto *node = static_cast<const cli_node *>(from->items[i]);
+        if (node->type == CLI_TK_KEYWORD && _listed(t, node, priv) && !_shown_before(from, i)) {
+            out[n++] = node->str;
+        }
+    }
+    out[n] = nullptr;
+    if (n == 0) {
+        xsal_mem_free(out);
+        return nullptr;
+    }
+    return out;
+}
+
 } // namespace
 
 extern "C" {
@@ -369,34 +395,13 @@ const char **cli_cmdstr_complete(cli_tree *root, u32 mode, u32 priv, const char 
         return nullptr;
     }
     const cli_node *last = nullptr;
-    const cli_carrier *from = _cli_next_words(root, r, &last);
-    if (from == nullptr || from->count == 0) {
-        return nullptr;
-    }
-    auto **out = static_cast<const char **>(xsal_malloc((from->count + 1) * sizeof(char *), "cli", SHR_MOD_CLI));
-    if (out == nullptr) {
-        return nullptr;
-    }
-    u32 n = 0;
-    for (u32 i = 0; i < from->count; i++) {
-        const auto *node = static_cast<const cli_node *>(from->items[i]);
-        if (node->type != CLI_TK_KEYWORD || !_listed(root, node, priv)) {
-            continue;
-        }
-        bool seen = false;
-        for (u32 j = 0; j < n && !seen; j++) {
-            seen = std::strcmp(out[j], node->str) == 0;
-        }
-        if (!seen) {
-            out[n++] = node->str;
-        }
-    }
-    out[n] = nullptr;
-    if (n == 0) {
-        xsal_mem_free(out);
-        return nullptr;
-    }
-    return out;
+    return _keyword_list(root, _cli_next_words(root, r, &last), priv);
+}
+
+const char **cli_cmdstr_ambiguous(cli_tree *root, u32 mode, u32 priv, const char *line)
+{
+    const i32 r = cli_cmdstr_parse(root, mode, priv, line, 0);
+    return r == CLI_PARSE_AMBIGUOUS ? _keyword_list(root, root->candidates, priv) : nullptr;
 }
 
 void cli_cmdstr_describe(cli_tree *root, u32 mode, u32 priv, const char *line, u32 width)
