@@ -66,6 +66,50 @@ inline int register_catalogue(cli_cmd_handler_t handler)
     return refused;
 }
 
+// Definitions that use every kind of word the language has.
+inline constexpr const char *k_every_kind[] = {
+    "test ip A.B.C.D mask A.B.C.D/M",
+    "test mac XX:XX:XX:XX:XX:XX MAC",
+    "test time HH:MM:SS (<0-16> | <-100-100>)",
+    "test say LINE",
+    "test echo .WORD",
+    "test join (WORD WORD' end",
+    "test opt [a | b] ?WORD",
+    "test v6 X:X::X:X X:X::X:X/M AA:NN IFNAME",
+    "test set {one | two WORD | three (x | y |)} done",
+    "show test `",
+};
+
+// The library's vocabulary as a client sees it: the whole catalogue, the
+// mode-switching words, `exit` and `chip-id` of every mode, the
+// definitions of every kind in mode 0 and a pipe tree.  The number of
+// definitions refused.
+inline int build_realistic_tree(cli_cmd_handler_t handler)
+{
+    int refused = register_catalogue(handler);
+    for (u32 mode = 0; mode < CLI_MODE_NAMES; mode++) {
+        for (u32 target = 1; target < CLI_MODE_NAMES; target++) {
+            const std::string help = std::string("(G) Access ") + g_cli_mode_array[target].name + " mode";
+            const char *lines[] = {help.c_str(), nullptr};
+            refused += cli_register_cmd(nullptr, -1, g_cli_mode_array[target].name, mode,
+                                        CLI_FLAG_GLOBAL | CLI_FLAG_VIEW, CLI_PRIV_MAX, lines) != 0;
+        }
+        if (mode != 0) {
+            refused += register_with_help(nullptr, "exit", mode, CLI_FLAG_VIEW) != 0;
+        }
+        refused += register_with_help(handler, "chip-id <0-16>", mode, CLI_FLAG_GLOBAL) != 0;
+    }
+    for (const char *def : k_every_kind) {
+        refused += register_with_help(handler, def, 0) != 0;
+    }
+    refused += register_with_help(handler, "test hidden-word", 0, CLI_FLAG_HIDDEN) != 0;
+    static cli_cmd_desc include = {"|| include LINE", -1, nullptr, nullptr, 0};
+    static cli_cmd_desc redirect = {"> WORD", -1, nullptr, nullptr, 0};
+    refused += cli_pipe_cmd_install(g_main_clitree, CLI_PRIV_MAX, 0, &include) != 0;
+    refused += cli_pipe_cmd_install(g_main_clitree, CLI_PRIV_MAX, 0, &redirect) != 0;
+    return refused;
+}
+
 } // namespace tide::test
 
 #endif // TIDE_TEST_CLI_CATALOGUE_H
