@@ -23,13 +23,4 @@ int xsal_vprintf(const char *format, va_list args)
     return std::vprintf(format, args);
 }
 
-int xsal_printf(const char *format, ...)
-{
-    va_list args;
-    va_start(args, format);
-    const int n = xsal_vprintf(format, args);
-    va_end(args);
-    return n;
-}
-
 } // extern "C"

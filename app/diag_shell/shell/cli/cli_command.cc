@@ -12,11 +12,9 @@ namespace {
 u32 g_fdebug;
 cli_print_func_t g_cli_print_func;
 
-void _cli_print_default(const char *text, size_t len)
+bool _capturing()
 {
-    if (cli_capture_append(text, len) == 0) {
-        xsal_printf("%.*s", static_cast<int>(len), text);
-    }
+    return g_clitree != nullptr && g_clitree->out_buf != nullptr && g_clitree->out_size > 0;
 }
 
 // A working copy of the line: trailing white space cut, and a trailing
@@ -36,22 +34,12 @@ struct _line {
         }
         std::memcpy(text, line, n + 1);
         len = n;
-        _trim();
-        if (len > 0 && text[len - 1] == '?') {
-            help = true;
-            text[--len] = '\0';
-        }
+        help = cli_cmdstr_preprocessing(text, &len) != 0;
     }
     ~_line() { xsal_mem_free(text); }
     _line(const _line &) = delete;
     _line &operator=(const _line &) = delete;
 
-    void _trim()
-    {
-        while (len > 0 && cli_is_space(text[len - 1])) {
-            text[--len] = '\0';
-        }
-    }
     bool blank() const
     {
         for (size_t i = 0; i < len; i++) {
@@ -154,10 +142,10 @@ void cli_print_func_set(cli_print_func_t func)
 
 i32 cli_capture_append(const char *text, size_t len)
 {
-    cli_tree *t = g_clitree;
-    if (t == nullptr || t->out_buf == nullptr || t->out_size <= 0) {
+    if (!_capturing()) {
         return 0;
     }
+    cli_tree *t = g_clitree;
     const size_t size = static_cast<size_t>(t->out_size);
     const size_t used = strnlen(t->out_buf, size);
     if (used + len < size) {
@@ -169,6 +157,11 @@ i32 cli_capture_append(const char *text, size_t len)
 
 i32 cli_vprintf(const char *format, va_list args)
 {
+    // The capture buffer of the running line takes the text first; else the
+    // sink, or the console.
+    if (g_cli_print_func == nullptr && !_capturing()) {
+        return xsal_vprintf(format, args);
+    }
     char small[512];
     va_list copy;
     va_copy(copy, args);
@@ -185,7 +178,9 @@ i32 cli_vprintf(const char *format, va_list args)
         }
         std::vsnprintf(text, static_cast<size_t>(n) + 1, format, args);
     }
-    (g_cli_print_func != nullptr ? g_cli_print_func : _cli_print_default)(text, static_cast<size_t>(n));
+    if (cli_capture_append(text, static_cast<size_t>(n)) == 0) {
+        g_cli_print_func(text, static_cast<size_t>(n));
+    }
     if (text != small) {
         xsal_mem_free(text);
     }
@@ -207,6 +202,19 @@ u32 cli_debug_on_off(i32 op, u32 value)
         g_fdebug = value;
     }
     return g_fdebug;
+}
+
+u32 cli_cmdstr_preprocessing(char *line, size_t *len)
+{
+    size_t n = *len;
+    while (n > 0 && cli_is_space(line[n - 1])) {
+        n--;
+    }
+    const u32 help = n > 0 && line[n - 1] == '?' ? 1 : 0;
+    n -= help;
+    line[n] = '\0';
+    *len = n;
+    return help;
 }
 
 i32 cli_command_parse(u32 chip_id, const char *line, char *buf, i32 size)

@@ -284,6 +284,15 @@ static inline int cli_is_space(char c)
 
 /* ---- the tree ---------------------------------------------------------------- */
 
+/* The state of one definition being compiled. */
+typedef struct cli_build_ctx cli_build_ctx;
+/* Compiles tokens of the definition until one that ends a sequence (an
+ * alternative's `|`, a closing token, the end); `cur` goes from the entry
+ * set to the set of the sequence's last words.  The ending token, or -1. */
+i32 cli_ctree_build(cli_build_ctx *build, cli_carrier *cur);
+/* A node of this type and text among the successors of the set `cur`. */
+cli_node *cli_search_SametypeAndStr_node(const cli_carrier *cur, u32 type, const char *str, u32 len);
+
 i32 cli_ctree_init(void);
 i32 cli_ctree_create(void);
 void cli_ctree_delete(void);
@@ -305,6 +314,16 @@ i32 cli_cmd_register(cli_cmd_handler_t handler, i32 funcid, const char *cmd, u32
 /* ---- parsing -------------------------------------------------------------------- */
 
 i32 cli_cmdstr_parse(cli_tree *root, u32 mode, u32 priv, const char *line, u32 set_params);
+/* Matches the words of [text, end) from the successors of `node` on; into
+ * the pipe's results with `pipe` set. */
+i32 cli_parse_cmdstr(cli_tree *root, const cli_node *node, const char *text, const char *end, u32 set_params,
+                     u32 pipe);
+/* Stores the word [p, word_end) that matched `node` with `grade` as a
+ * parameter, if it is one; a parse result. */
+i32 cli_setparameters(cli_tree *root, u32 pipe, const cli_node *node, u32 grade, const char *p, const char *word_end);
+/* The first pipe or redirect character outside double quotes; a backslash
+ * escapes the character behind it.  NULL for none. */
+const char *cli_parsepipe(const char *p, const char *end);
 /* Keywords that could be typed at the end of `line`, NULL-terminated,
  * freed by xsal_mem_free; NULL for none. */
 const char **cli_cmdstr_complete(cli_tree *root, u32 mode, u32 priv, const char *line);
@@ -318,6 +337,9 @@ void cli_free_params(cli_tree *root);
 /* ---- running lines ---------------------------------------------------------------- */
 
 i32 cli_command_parse(u32 chip_id, const char *line, char *buf, i32 size);
+/* Cuts trailing white space and a trailing "?" from `line` of `*len`
+ * characters; 1 if the "?" was there (a request for help). */
+u32 cli_cmdstr_preprocessing(char *line, size_t *len);
 i32 cli_view_setup(u32 chip_id, u32 mode, i32 argc, char **argv);
 /* Mode number of a name; -1 for none. */
 i32 cli_mode_by_name(const char *name);
@@ -328,10 +350,9 @@ u32 cli_debug_on_off(i32 op, u32 value);
 
 /* ---- output ------------------------------------------------------------------------- */
 
-/* The sink of everything the core prints. */
+/* Where the core prints: the capture buffer of the running line if it has
+ * one, else this sink.  NULL puts the console back. */
 typedef void (*cli_print_func_t)(const char *text, size_t len);
-/* NULL puts the default back: the capture buffer of cli_cmd_execute if
- * one is set, else the console. */
 void cli_print_func_set(cli_print_func_t func);
 i32 cli_printf(const char *format, ...) TIDE_PRINTF(1, 2);
 i32 cli_vprintf(const char *format, va_list args);

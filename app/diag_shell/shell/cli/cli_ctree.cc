@@ -22,21 +22,17 @@ const cli_mode_row g_cli_mode_array[CLI_MODE_NAMES] = {CLI_MODE_LIST(CLI_MODE_RO
 
 } // extern "C"
 
-namespace {
-
-// Carriers of the tree start with this many slots.
-constexpr u32 k_carrier_start = 8;
 // Groups nest at most this deep in one definition.
-constexpr u32 k_max_depth = 32;
+constexpr u32 k_cli_max_depth = 32;
 
 // An open group of the definition being compiled.
-struct _group_frame {
+struct cli_group_frame {
     cli_carrier *entry;   // current set when the group opened
     cli_carrier *starts;  // words that can come first in the group
     cli_carrier *members; // every word of the group
 };
 
-struct _build_ctx {
+struct cli_build_ctx {
     cli_tree *root;
     cli_cmd_desc *desc;
     u16 priv;
@@ -47,9 +43,13 @@ struct _build_ctx {
     bool repeat_next;
     bool once_next;
     u32 depth;
-    _group_frame frames[k_max_depth];
+    cli_group_frame frames[k_cli_max_depth];
 };
 
+namespace {
+
+// Carriers of the tree start with this many slots.
+constexpr u32 k_carrier_start = 8;
 // A carrier that frees itself.
 struct _carrier_ref {
     cli_carrier *c;
@@ -104,7 +104,7 @@ cli_node *_node_new(u32 type, const char *str, u32 len)
     return node;
 }
 
-void _report(const _build_ctx &ctx, const char *fmt, const cli_node *node)
+void _report(const cli_build_ctx &ctx, const char *fmt, const cli_node *node)
 {
     cli_printf("\r\ncli register wrong:[%s]\n", ctx.desc->cmd);
     cli_printf(fmt, node->str);
@@ -131,23 +131,9 @@ char *_parent_string(const cli_carrier *cur)
     return s;
 }
 
-cli_node *_find_same(const cli_carrier *cur, u32 type, const char *str, u32 len)
-{
-    for (u32 i = 0; i < cur->count; i++) {
-        const cli_carrier *next = static_cast<cli_node *>(cur->items[i])->next;
-        for (u32 j = 0; j < next->count; j++) {
-            auto *n = static_cast<cli_node *>(next->items[j]);
-            if (n->type == type && std::strncmp(n->str, str, len) == 0 && n->str[len] == '\0') {
-                return n;
-            }
-        }
-    }
-    return nullptr;
-}
-
 // Places one word behind the current set: a node of the same type and
 // text among the successors is shared, else a new node is made.
-cli_node *_build_word(_build_ctx &ctx, cli_carrier *cur, u32 type, const char *str, u32 len)
+cli_node *_build_word(cli_build_ctx &ctx, cli_carrier *cur, u32 type, const char *str, u32 len)
 {
     const bool grouped = ctx.depth > 0;
     const bool hidden = (ctx.flags & CLI_FLAG_HIDDEN) != 0;
@@ -156,7 +142,7 @@ cli_node *_build_word(_build_ctx &ctx, cli_carrier *cur, u32 type, const char *s
     if (cur->count > 1 && parents == nullptr) {
         return nullptr;
     }
-    cli_node *node = _find_same(cur, type, str, len);
+    cli_node *node = cli_search_SametypeAndStr_node(cur, type, str, len);
     if (node == nullptr) {
         node = _node_new(type, str, len);
         if (node == nullptr) {
@@ -209,7 +195,7 @@ cli_node *_build_word(_build_ctx &ctx, cli_carrier *cur, u32 type, const char *s
     // Group bookkeeping: a word placed behind a group's entry can come
     // first in that group.
     for (u32 d = 0; d < ctx.depth; d++) {
-        _group_frame &f = ctx.frames[d];
+        cli_group_frame &f = ctx.frames[d];
         bool first = false;
         for (u32 i = 0; i < cur->count && !first; i++) {
             first = _contains(f.entry, cur->items[i]);
@@ -219,62 +205,6 @@ cli_node *_build_word(_build_ctx &ctx, cli_carrier *cur, u32 type, const char *s
         }
     }
     return node;
-}
-
-i32 _build_group(_build_ctx &ctx, cli_carrier *cur, u32 open);
-
-// Compiles tokens until one that ends a sequence (an alternative's `|`, a
-// closing token or the end); `cur` goes from the entry set to the set of
-// the sequence's last words.  The ending token, or -1 for a fault.
-i32 _build_seq(_build_ctx &ctx, cli_carrier *cur)
-{
-    for (;;) {
-        const char *tok = nullptr;
-        u32 len = 0;
-        const u32 type = cli_match_type_from_str(&ctx.pos, &tok, &len);
-        switch (type) {
-        case CLI_TK_GROUP_OPEN:
-        case CLI_TK_SET_OPEN:
-        case CLI_TK_OPT_OPEN:
-            if (_build_group(ctx, cur, type) != 0) {
-                return -1;
-            }
-            break;
-        case CLI_TK_GROUP_CLOSE:
-        case CLI_TK_SET_CLOSE:
-        case CLI_TK_OPT_CLOSE:
-        case CLI_TK_JOIN_CLOSE:
-        case CLI_TK_ALT:
-        case CLI_TK_END:
-            return static_cast<i32>(type);
-        case CLI_TK_MARK:
-            // A backquote marks the words before it as ones a pipe may
-            // follow.
-            for (u32 i = 0; i < cur->count; i++) {
-                static_cast<cli_node *>(cur->items[i])->attr |= CLI_ATTR_PIPE;
-            }
-            break;
-        case CLI_TK_REPEAT:
-            ctx.repeat_next = true;
-            break;
-        case CLI_TK_ONCE:
-            ctx.once_next = true;
-            break;
-        case CLI_TK_BAD:
-            return -1;
-        default: {
-            cli_node *node = _build_word(ctx, cur, type, tok, len);
-            if (node == nullptr) {
-                return -1;
-            }
-            cur->count = 0;
-            if (cli_set_carrier(cur, node) != 0) {
-                return -1;
-            }
-            break;
-        }
-        }
-    }
 }
 
 bool _closes(u32 open, i32 close)
@@ -306,9 +236,9 @@ i32 _link_back(const cli_carrier *ends, const cli_carrier *starts)
 
 // One group, from behind its opening token to its closing token, each
 // alternative from the same entry set; `cur` becomes the group's ends.
-i32 _build_group(_build_ctx &ctx, cli_carrier *cur, u32 open)
+i32 _build_group(cli_build_ctx &ctx, cli_carrier *cur, u32 open)
 {
-    if (ctx.depth >= k_max_depth) {
+    if (ctx.depth >= k_cli_max_depth) {
         return -1;
     }
     _carrier_ref entry(_copy(cur));
@@ -328,7 +258,7 @@ i32 _build_group(_build_ctx &ctx, cli_carrier *cur, u32 open)
             ctx.depth--;
             return -1;
         }
-        close = _build_seq(ctx, alt.c);
+        close = cli_ctree_build(&ctx, alt.c);
         for (u32 i = 0; close >= 0 && i < alt.c->count; i++) {
             if (_add_unique(ends.c, alt.c->items[i]) != 0) {
                 close = -1;
@@ -378,7 +308,7 @@ i32 _install(cli_tree *root, u32 mode, u32 priv, u32 flags, cli_cmd_desc *desc)
         }
     }
     desc->attr = flags;
-    _build_ctx ctx{};
+    cli_build_ctx ctx{};
     ctx.root = root;
     ctx.desc = desc;
     ctx.priv = static_cast<u16>(priv);
@@ -391,7 +321,7 @@ i32 _install(cli_tree *root, u32 mode, u32 priv, u32 flags, cli_cmd_desc *desc)
     if (cur.c == nullptr || cli_set_carrier(cur.c, top) != 0) {
         return -1;
     }
-    if (_build_seq(ctx, cur.c) != CLI_TK_END) {
+    if (cli_ctree_build(&ctx, cur.c) != CLI_TK_END) {
         return -1;
     }
     for (u32 i = 0; i < cur.c->count; i++) {
@@ -429,6 +359,75 @@ void _set_mode(u32 chip_id, u32 mode)
 } // namespace
 
 extern "C" {
+
+cli_node *cli_search_SametypeAndStr_node(const cli_carrier *cur, u32 type, const char *str, u32 len)
+{
+    for (u32 i = 0; i < cur->count; i++) {
+        const cli_carrier *next = static_cast<cli_node *>(cur->items[i])->next;
+        for (u32 j = 0; j < next->count; j++) {
+            auto *n = static_cast<cli_node *>(next->items[j]);
+            if (n->type == type && std::strncmp(n->str, str, len) == 0 && n->str[len] == '\0') {
+                return n;
+            }
+        }
+    }
+    return nullptr;
+}
+
+// Compiles tokens until one that ends a sequence (an alternative's `|`, a
+// closing token or the end); `cur` goes from the entry set to the set of
+// the sequence's last words.  The ending token, or -1 for a fault.
+i32 cli_ctree_build(cli_build_ctx *build, cli_carrier *cur)
+{
+    cli_build_ctx &ctx = *build;
+    for (;;) {
+        const char *tok = nullptr;
+        u32 len = 0;
+        const u32 type = cli_match_type_from_str(&ctx.pos, &tok, &len);
+        switch (type) {
+        case CLI_TK_GROUP_OPEN:
+        case CLI_TK_SET_OPEN:
+        case CLI_TK_OPT_OPEN:
+            if (_build_group(ctx, cur, type) != 0) {
+                return -1;
+            }
+            break;
+        case CLI_TK_GROUP_CLOSE:
+        case CLI_TK_SET_CLOSE:
+        case CLI_TK_OPT_CLOSE:
+        case CLI_TK_JOIN_CLOSE:
+        case CLI_TK_ALT:
+        case CLI_TK_END:
+            return static_cast<i32>(type);
+        case CLI_TK_MARK:
+            // A backquote marks the words before it as ones a pipe may
+            // follow.
+            for (u32 i = 0; i < cur->count; i++) {
+                static_cast<cli_node *>(cur->items[i])->attr |= CLI_ATTR_PIPE;
+            }
+            break;
+        case CLI_TK_REPEAT:
+            ctx.repeat_next = true;
+            break;
+        case CLI_TK_ONCE:
+            ctx.once_next = true;
+            break;
+        case CLI_TK_BAD:
+            return -1;
+        default: {
+            cli_node *node = _build_word(ctx, cur, type, tok, len);
+            if (node == nullptr) {
+                return -1;
+            }
+            cur->count = 0;
+            if (cli_set_carrier(cur, node) != 0) {
+                return -1;
+            }
+            break;
+        }
+        }
+    }
+}
 
 i32 cli_ctree_init(void)
 {
@@ -490,6 +489,8 @@ void cli_ctree_delete(void)
 
 void cli_ctree_deinit(void)
 {
+    // The working copy shares the carriers of the tree.
+    cli_ctree_delete();
     if (g_main_clitree != nullptr) {
         cli_free_params(g_main_clitree);
         cli_free_carrier(g_main_clitree->roots);
@@ -503,7 +504,6 @@ void cli_ctree_deinit(void)
 
 void cli_ctree_free(void)
 {
-    cli_ctree_delete();
     cli_ctree_deinit();
 }
 

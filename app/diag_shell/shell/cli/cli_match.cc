@@ -60,21 +60,6 @@ const char *_range_bound(const char *p, const char *end)
     return n >= 1 && n <= 10 ? p : nullptr;
 }
 
-i64 _read_signed(const char *p, const char *end)
-{
-    bool neg = false;
-    if (p < end && (*p == '+' || *p == '-')) {
-        neg = *p == '-';
-        p++;
-    }
-    i64 v = 0;
-    while (p < end && *p >= '0' && *p <= '9') {
-        v = v * 10 + (*p - '0');
-        p++;
-    }
-    return neg ? -v : v;
-}
-
 // Shape of a value of fixed groups, such as an IPv4 address or a MAC.
 struct _group_shape {
     u32 groups;
@@ -384,8 +369,10 @@ i32 cli_set_range_value(const char *token, u32 len, i64 *min, i64 *max)
     if (mid == nullptr || *mid != '-' || _range_bound(mid + 1, end - 1) != end - 1) {
         return -1;
     }
-    *min = _read_signed(token + 1, mid);
-    *max = _read_signed(mid + 1, end - 1);
+    const char *stop = nullptr;
+    if (cli_string_to_int(token + 1, mid, min, &stop) != 0 || cli_string_to_int(mid + 1, end - 1, max, &stop) != 0) {
+        return -1;
+    }
     return 0;
 }
 

@@ -16,23 +16,6 @@ const char *_skip_space(const char *p, const char *end)
     return p;
 }
 
-// The first pipe or redirect character outside double quotes; a backslash
-// escapes the character behind it.  nullptr for none.
-const char *_cli_parsepipe(const char *p, const char *end)
-{
-    bool quoted = false;
-    for (; p < end; p++) {
-        if (*p == '\\' && p + 1 < end) {
-            p++;
-        } else if (*p == '"') {
-            quoted = !quoted;
-        } else if (!quoted && (*p == '|' || *p == '>')) {
-            return p;
-        }
-    }
-    return nullptr;
-}
-
 char *_copy_text(const char *text, size_t len)
 {
     auto *s = static_cast<char *>(xsal_malloc(len + 1, "cli_setarg", SHR_MOD_CLI));
@@ -43,143 +26,10 @@ char *_copy_text(const char *text, size_t len)
     return s;
 }
 
-// Stores the word that matched `node` as a parameter, if it is one.
-i32 _cli_setparameters(cli_tree *t, bool pipe, const cli_node *node, u32 grade, const char *p, const char *word_end)
-{
-    if (grade == CLI_GRADE_PARTIAL) {
-        return CLI_PARSE_NO_MATCH;
-    }
-    const char *text = nullptr;
-    size_t len = 0;
-    if (node->type == CLI_TK_KEYWORD) {
-        // Keywords of groups are parameters, in their defined spelling.
-        if ((node->attr & (CLI_ATTR_GROUP | CLI_ATTR_JOINED)) == 0) {
-            return CLI_PARSE_OK;
-        }
-        text = node->str;
-        len = std::strlen(text);
-    } else if (grade >= CLI_GRADE_LINE && grade <= CLI_GRADE_MAC) {
-        text = p;
-        len = static_cast<size_t>(word_end - p);
-    } else {
-        return CLI_PARSE_OK;
-    }
-    if (len > CLI_MAX_WORD) {
-        return CLI_PARSE_BAD_ARG;
-    }
-    i32 &argc = pipe ? t->pipe_argc : t->argc;
-    char **argv = pipe ? t->pipe_argv : t->argv;
-    if ((node->attr & CLI_ATTR_JOINED) != 0 && argc > 0) {
-        const size_t old = std::strlen(argv[argc - 1]);
-        char *joined = static_cast<char *>(xsal_malloc(old + 1 + len + 1, "cli_setarg", SHR_MOD_CLI));
-        if (joined == nullptr) {
-            return CLI_PARSE_BAD_ARG;
-        }
-        std::memcpy(joined, argv[argc - 1], old);
-        joined[old] = ' ';
-        std::memcpy(joined + old + 1, text, len);
-        joined[old + 1 + len] = '\0';
-        xsal_mem_free(argv[argc - 1]);
-        argv[argc - 1] = joined;
-        t->last_joined = joined;
-        return CLI_PARSE_OK;
-    }
-    if (argc >= CLI_MAX_ARGS) {
-        return CLI_PARSE_NO_MATCH;
-    }
-    char *copy = _copy_text(text, len);
-    if (copy == nullptr) {
-        return CLI_PARSE_BAD_ARG;
-    }
-    argv[argc++] = copy;
-    return CLI_PARSE_OK;
-}
-
 bool _skipped(const cli_tree *t, const cli_node *n, u32 set_params)
 {
     return n->priv > t->priv || ((n->attr & CLI_ATTR_ONCE) != 0 && cli_search_value_carrier(t->used, n) >= 0) ||
            ((n->attr & CLI_ATTR_HIDDEN) != 0 && set_params == 0);
-}
-
-// Matches the words of [p, end) from the successors of `node` on.
-i32 _cli_parse_cmdstr(cli_tree *t, const cli_node *node, const char *p, const char *end, u32 set_params, bool pipe)
-{
-    for (;;) {
-        p = _skip_space(p, end);
-        const cli_carrier *next = node->next;
-        if (next == nullptr || next->count == 0) {
-            return CLI_PARSE_NO_MATCH;
-        }
-        if (set_params == 0) {
-            t->candidates->count = 0;
-        }
-        cli_node *best = nullptr;
-        u32 best_grade = CLI_GRADE_NONE;
-        u32 best_count = 0;
-        const char *best_end = p;
-        for (u32 i = 0; i < next->count; i++) {
-            auto *n = static_cast<cli_node *>(next->items[i]);
-            if (_skipped(t, n, set_params)) {
-                continue;
-            }
-            const char *word_end = p;
-            const char *reach = p;
-            const u32 grade = cli_matchNode(n)(n, p, end, &word_end, &reach);
-            if ((n->attr & CLI_ATTR_HIDDEN) == 0 && reach > t->error_pos) {
-                t->error_pos = reach;
-            }
-            if (grade == CLI_GRADE_NONE) {
-                continue;
-            }
-            if (set_params == 0 && cli_set_carrier(t->candidates, n) != 0) {
-                return CLI_PARSE_BAD_ARG;
-            }
-            if (grade > best_grade) {
-                best = n;
-                best_grade = grade;
-                best_count = 1;
-                best_end = word_end;
-            } else if (grade == best_grade) {
-                best_count++;
-            }
-        }
-        if (best == nullptr) {
-            return CLI_PARSE_NO_MATCH;
-        }
-        if (set_params != 0) {
-            const i32 r = _cli_setparameters(t, pipe, best, best_grade, p, best_end);
-            if (r != CLI_PARSE_OK) {
-                return r;
-            }
-        }
-        const char *after = _skip_space(best_end, end);
-        const bool space = after > best_end;
-        t->last_word = after == end;
-        t->trailing_space = space ? 1 : 0;
-        if (best_grade == CLI_GRADE_PARTIAL && space) {
-            return CLI_PARSE_NO_MATCH;
-        }
-        if (best_count != 1) {
-            return CLI_PARSE_AMBIGUOUS;
-        }
-        if ((best->attr & CLI_ATTR_PIPE) != 0) {
-            t->pipe_allowed = 1;
-        }
-        if ((best->attr & CLI_ATTR_ONCE) != 0 && space && cli_set_carrier(t->used, best) != 0) {
-            return CLI_PARSE_BAD_ARG;
-        }
-        if (after < end) {
-            node = best;
-            p = after;
-            continue;
-        }
-        if (pipe) {
-            t->pipe_matched = best;
-        } else {
-            t->matched = best;
-        }
-        return best->cmd != nullptr && best_grade != CLI_GRADE_PARTIAL ? CLI_PARSE_OK : CLI_PARSE_INCOMPLETE;
-    }
 }
 
 const cli_node *_mode_root(const cli_tree *t, u32 mode)
@@ -322,6 +172,156 @@ const char **_keyword_list(const cli_tree *t, const cli_carrier *from, u32 priv)
 
 extern "C" {
 
+// The first pipe or redirect character outside double quotes; a backslash
+// escapes the character behind it.  nullptr for none.
+const char *cli_parsepipe(const char *p, const char *end)
+{
+    bool quoted = false;
+    for (; p < end; p++) {
+        if (*p == '\\' && p + 1 < end) {
+            p++;
+        } else if (*p == '"') {
+            quoted = !quoted;
+        } else if (!quoted && (*p == '|' || *p == '>')) {
+            return p;
+        }
+    }
+    return nullptr;
+}
+
+// Stores the word that matched `node` as a parameter, if it is one.
+i32 cli_setparameters(cli_tree *t, u32 pipe, const cli_node *node, u32 grade, const char *p, const char *word_end)
+{
+    if (grade == CLI_GRADE_PARTIAL) {
+        return CLI_PARSE_NO_MATCH;
+    }
+    const char *text = nullptr;
+    size_t len = 0;
+    if (node->type == CLI_TK_KEYWORD) {
+        // Keywords of groups are parameters, in their defined spelling.
+        if ((node->attr & (CLI_ATTR_GROUP | CLI_ATTR_JOINED)) == 0) {
+            return CLI_PARSE_OK;
+        }
+        text = node->str;
+        len = std::strlen(text);
+    } else if (grade >= CLI_GRADE_LINE && grade <= CLI_GRADE_MAC) {
+        text = p;
+        len = static_cast<size_t>(word_end - p);
+    } else {
+        return CLI_PARSE_OK;
+    }
+    if (len > CLI_MAX_WORD) {
+        return CLI_PARSE_BAD_ARG;
+    }
+    i32 &argc = pipe != 0 ? t->pipe_argc : t->argc;
+    char **argv = pipe != 0 ? t->pipe_argv : t->argv;
+    if ((node->attr & CLI_ATTR_JOINED) != 0 && argc > 0) {
+        const size_t old = std::strlen(argv[argc - 1]);
+        char *joined = static_cast<char *>(xsal_malloc(old + 1 + len + 1, "cli_setarg", SHR_MOD_CLI));
+        if (joined == nullptr) {
+            return CLI_PARSE_BAD_ARG;
+        }
+        std::memcpy(joined, argv[argc - 1], old);
+        joined[old] = ' ';
+        std::memcpy(joined + old + 1, text, len);
+        joined[old + 1 + len] = '\0';
+        xsal_mem_free(argv[argc - 1]);
+        argv[argc - 1] = joined;
+        t->last_joined = joined;
+        return CLI_PARSE_OK;
+    }
+    if (argc >= CLI_MAX_ARGS) {
+        return CLI_PARSE_NO_MATCH;
+    }
+    char *copy = _copy_text(text, len);
+    if (copy == nullptr) {
+        return CLI_PARSE_BAD_ARG;
+    }
+    argv[argc++] = copy;
+    return CLI_PARSE_OK;
+}
+
+// Matches the words of [p, end) from the successors of `node` on.
+i32 cli_parse_cmdstr(cli_tree *t, const cli_node *node, const char *p, const char *end, u32 set_params, u32 pipe)
+{
+    for (;;) {
+        p = _skip_space(p, end);
+        const cli_carrier *next = node->next;
+        if (next == nullptr || next->count == 0) {
+            return CLI_PARSE_NO_MATCH;
+        }
+        if (set_params == 0) {
+            t->candidates->count = 0;
+        }
+        cli_node *best = nullptr;
+        u32 best_grade = CLI_GRADE_NONE;
+        u32 best_count = 0;
+        const char *best_end = p;
+        for (u32 i = 0; i < next->count; i++) {
+            auto *n = static_cast<cli_node *>(next->items[i]);
+            if (_skipped(t, n, set_params)) {
+                continue;
+            }
+            const char *word_end = p;
+            const char *reach = p;
+            const u32 grade = cli_matchNode(n)(n, p, end, &word_end, &reach);
+            if ((n->attr & CLI_ATTR_HIDDEN) == 0 && reach > t->error_pos) {
+                t->error_pos = reach;
+            }
+            if (grade == CLI_GRADE_NONE) {
+                continue;
+            }
+            if (set_params == 0 && cli_set_carrier(t->candidates, n) != 0) {
+                return CLI_PARSE_BAD_ARG;
+            }
+            if (grade > best_grade) {
+                best = n;
+                best_grade = grade;
+                best_count = 1;
+                best_end = word_end;
+            } else if (grade == best_grade) {
+                best_count++;
+            }
+        }
+        if (best == nullptr) {
+            return CLI_PARSE_NO_MATCH;
+        }
+        if (set_params != 0) {
+            const i32 r = cli_setparameters(t, pipe, best, best_grade, p, best_end);
+            if (r != CLI_PARSE_OK) {
+                return r;
+            }
+        }
+        const char *after = _skip_space(best_end, end);
+        const bool space = after > best_end;
+        t->last_word = after == end;
+        t->trailing_space = space ? 1 : 0;
+        if (best_grade == CLI_GRADE_PARTIAL && space) {
+            return CLI_PARSE_NO_MATCH;
+        }
+        if (best_count != 1) {
+            return CLI_PARSE_AMBIGUOUS;
+        }
+        if ((best->attr & CLI_ATTR_PIPE) != 0) {
+            t->pipe_allowed = 1;
+        }
+        if ((best->attr & CLI_ATTR_ONCE) != 0 && space && cli_set_carrier(t->used, best) != 0) {
+            return CLI_PARSE_BAD_ARG;
+        }
+        if (after < end) {
+            node = best;
+            p = after;
+            continue;
+        }
+        if (pipe != 0) {
+            t->pipe_matched = best;
+        } else {
+            t->matched = best;
+        }
+        return best->cmd != nullptr && best_grade != CLI_GRADE_PARTIAL ? CLI_PARSE_OK : CLI_PARSE_INCOMPLETE;
+    }
+}
+
 void cli_free_params(cli_tree *root)
 {
     if (root == nullptr) {
@@ -366,14 +366,14 @@ i32 cli_cmdstr_parse(cli_tree *root, u32 mode, u32 priv, const char *line, u32 s
     if (p == end || *p == '!' || *p == '#') {
         return CLI_PARSE_EMPTY;
     }
-    const char *pipe = *p == 's' || *p == 'S' ? _cli_parsepipe(p, end) : nullptr;
+    const char *pipe = *p == 's' || *p == 'S' ? cli_parsepipe(p, end) : nullptr;
     if (pipe == nullptr) {
-        return _cli_parse_cmdstr(root, top, p, end, set_params, false);
+        return cli_parse_cmdstr(root, top, p, end, set_params, 0);
     }
     // A pipe: the part before it must be a complete command that allows
     // one; the part behind it is parsed in the pipe's tree.
     root->pipe_pos = pipe;
-    const i32 r = _cli_parse_cmdstr(root, top, p, pipe, set_params, false);
+    const i32 r = cli_parse_cmdstr(root, top, p, pipe, set_params, 0);
     if (r == CLI_PARSE_INCOMPLETE) {
         return CLI_PARSE_INCOMPLETE_PIPE;
     }
@@ -385,7 +385,7 @@ i32 cli_cmdstr_parse(cli_tree *root, u32 mode, u32 priv, const char *line, u32 s
         return CLI_PARSE_NO_MATCH;
     }
     root->trailing_space = 0;
-    return _cli_parse_cmdstr(root, pipe_top, pipe, end, set_params, true);
+    return cli_parse_cmdstr(root, pipe_top, pipe, end, set_params, 1);
 }
 
 const char **cli_cmdstr_complete(cli_tree *root, u32 mode, u32 priv, const char *line)

@@ -19,15 +19,20 @@ pthread_key_t g_vthread_key;
 std::atomic<bool> g_vthread_key_inited;
 pthread_mutex_t g_vthread_key_lock = PTHREAD_MUTEX_INITIALIZER;
 
-int _wallclock_system(struct timeval *tv)
+int _clock_read(clockid_t clock, struct timeval *tv)
 {
     struct timespec ts;
-    if (clock_gettime(CLOCK_REALTIME, &ts) != 0) {
+    if (clock_gettime(clock, &ts) != 0) {
         return -1;
     }
     tv->tv_sec = ts.tv_sec;
     tv->tv_usec = ts.tv_nsec / 1000;
     return 0;
+}
+
+int _wallclock_system(struct timeval *tv)
+{
+    return _clock_read(CLOCK_REALTIME, tv);
 }
 
 vthread_wallclock_t g_vthread_wallclock = _wallclock_system;
@@ -643,15 +648,8 @@ int vthread_gettime(int clock, struct timeval *tv)
     switch (clock) {
     case 0:
         return g_vthread_wallclock(tv);
-    case 1: {
-        struct timespec ts;
-        if (clock_gettime(CLOCK_MONOTONIC, &ts) != 0) {
-            return -1;
-        }
-        tv->tv_sec = ts.tv_sec;
-        tv->tv_usec = ts.tv_nsec / 1000;
-        return 0;
-    }
+    case 1:
+        return _clock_read(CLOCK_MONOTONIC, tv);
     case 2: {
         vthread_tls *tls = _tls_get();
         if (tls == nullptr) {
