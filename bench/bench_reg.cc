@@ -5,35 +5,12 @@
 #include <tide/sim.h>
 #include <tide/tide.h>
 
+#include "bench_chip.h"
 #include "csl/common/reg_tab/csl_reg.h"
 
 namespace {
 
-// One simulated chip, brought up to the hardware level, for the whole run.
-struct Chip {
-    Chip()
-    {
-        tide_sim_install(1);
-        sdk_init_cfg cfg{};
-        tide_sim_sdk_init_cfg(&cfg);
-        init_api_base_software_process(&cfg);
-        init_api_software_process(0, &cfg);
-        init_api_hardware_process(0);
-    }
-    ~Chip()
-    {
-        deinit_api_hardware_process(0);
-        deinit_api_software_process(0);
-        deinit_api_base_software_process();
-        tide_sim_uninstall();
-    }
-};
-
-Chip &chip()
-{
-    static Chip c;
-    return c;
-}
+using tide::bench::chip;
 
 void BM_ApiRegWriteRead(benchmark::State &state)
 {

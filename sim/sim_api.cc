@@ -7,6 +7,7 @@
 
 #include <cstring>
 
+#include "sim/sim_arl.h"
 #include "sim/sim_int.h"
 
 using tide::sim::Chip;
@@ -299,6 +300,36 @@ int tide_sim_reg_poke(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t value
     return c->store(bar, addr, 4, value) ? 0 : -4;
 }
 
+int tide_sim_stuck_bit_set(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t bit, uint32_t value)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    if (Chip::aperture_of_bar(bar) < 0 || bit > 31 || value > 1) {
+        return -4;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    if (c->stuck.size() >= 64) {
+        return -6;
+    }
+    c->stuck.push_back(Chip::Stuck{bar, addr & ~3u, bit, value});
+    return 0;
+}
+
+int tide_sim_stuck_bits_clear(uint32_t chip)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    c->stuck.clear();
+    return 0;
+}
+
 int tide_sim_irq_raise(uint32_t chip)
 {
     const int rc = _chip_status(chip);
@@ -306,6 +337,42 @@ int tide_sim_irq_raise(uint32_t chip)
         return rc;
     }
     _chip(chip)->irq_raise();
+    return 0;
+}
+
+int tide_sim_arl_entry_get(uint32_t chip, uint32_t index, uint32_t entry[4])
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || entry == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    tide::sim::ArlEntry e{};
+    if (!c->arl->entry_get(index, &e)) {
+        return -4;
+    }
+    memcpy(entry, e.data(), sizeof(e));
+    return 0;
+}
+
+int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dynamic_count, uint32_t *entries)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    if (static_count != nullptr) {
+        *static_count = c->arl->static_count();
+    }
+    if (dynamic_count != nullptr) {
+        *dynamic_count = c->arl->dynamic_count();
+    }
+    if (entries != nullptr) {
+        *entries = c->arl->entries();
+    }
     return 0;
 }
 

@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "sim/sim_int.h"
+#include "sim/sim_arl.h"
+#include "sim/sim_regmap.h"
 
 namespace tide::sim {
 
@@ -40,6 +42,10 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
         regions_[ap] = Region{static_cast<uint8_t *>(p), kApSize[ap], kPhysBase + id * kChipStride + kApOffset[ap]};
     }
     log_.resize(TIDE_SIM_WRITE_LOG_DEPTH);
+    arl = std::make_unique<ArlEngine>(*this);
+    if (ok()) {
+        reset_core();
+    }
     const uint32_t id_word = identity.device_id << 16 | identity.vendor_id;
     memcpy(pci_config.data(), &id_word, sizeof(id_word));
     install_engines();
@@ -47,6 +53,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
 
 Chip::~Chip()
 {
+    arl.reset();
     for (Region &r : regions_) {
         if (r.mem != nullptr) {
             munmap(r.mem, r.size);
@@ -61,7 +68,7 @@ bool Chip::ok() const
             return false;
         }
     }
-    return true;
+    return arl == nullptr || arl->ok();
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -101,19 +108,86 @@ bool Chip::store(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
     return true;
 }
 
+uint32_t Chip::core_read_word(uint32_t addr)
+{
+    const WordRule rule = RegMap::get().rule(addr);
+    uint64_t v = 0;
+    load(4, addr, 4, &v);
+    if (rule.unreachable) {
+        return 0;
+    }
+    if (rule.rc != 0) {
+        store(4, addr, 4, v & ~static_cast<uint64_t>(rule.rc));
+    }
+    return rule.complement ? ~static_cast<uint32_t>(v) : static_cast<uint32_t>(v);
+}
+
+void Chip::core_write_word(uint32_t addr, uint32_t value)
+{
+    const WordRule rule = RegMap::get().rule(addr);
+    if (rule.unreachable) {
+        return;
+    }
+    uint64_t old = 0;
+    load(4, addr, 4, &old);
+    // Writable bits take the value, write-one-to-clear bits clear where a
+    // one is written, everything else keeps what the chip holds.
+    uint32_t now = (static_cast<uint32_t>(old) & ~rule.rw) | (value & rule.rw);
+    now &= ~(value & rule.w1c);
+    store(4, addr, 4, now);
+}
+
+void Chip::apply_stuck(uint32_t bar, uint32_t addr)
+{
+    for (const Stuck &s : stuck) {
+        if (s.bar == bar && (s.addr & ~3u) == (addr & ~3u)) {
+            uint64_t v = 0;
+            load(bar, s.addr & ~3u, 4, &v);
+            v = s.value ? v | (1ull << s.bit) : v & ~(1ull << s.bit);
+            store(bar, s.addr & ~3u, 4, v);
+        }
+    }
+}
+
 int Chip::bus_read(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value)
 {
     std::lock_guard<std::mutex> lock(mutex);
     hook_reads++;
-    return load(bar, addr, width, value) ? 0 : -4;
+    uint64_t probe = 0;
+    if (!load(bar, addr, width, &probe)) {
+        return -4;
+    }
+    if (bar != 4 || addr % 4 != 0 || width < 4) {
+        *value = probe;
+        return 0;
+    }
+    uint64_t v = core_read_word(addr);
+    if (width == 8) {
+        v |= static_cast<uint64_t>(core_read_word(addr + 4)) << 32;
+    }
+    *value = v;
+    return 0;
 }
 
 int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
 {
     std::lock_guard<std::mutex> lock(mutex);
     hook_writes++;
-    if (!store(bar, addr, width, value)) {
+    uint64_t probe = 0;
+    if (!load(bar, addr, width, &probe)) {
         return -4;
+    }
+    if (bar == 4 && addr % 4 == 0 && width >= 4) {
+        core_write_word(addr, static_cast<uint32_t>(value));
+        if (width == 8) {
+            core_write_word(addr + 4, static_cast<uint32_t>(value >> 32));
+        }
+    } else {
+        store(bar, addr, width, value);
+    }
+    apply_stuck(bar, addr);
+    if (width == 8) {
+        apply_stuck(bar, addr + 4);
     }
     log_[log_next_] = tide_sim_write{bar, addr, value, width * 8};
     log_next_ = (log_next_ + 1) % log_.size();
@@ -158,12 +232,17 @@ void Chip::reset_core()
     // of it back to zero, at the cost of the pages that were touched.
     Region &lsw = regions_[kApLsw];
     madvise(lsw.mem, lsw.size, MADV_DONTNEED);
+    RegMap::get().for_each_reset([this](uint32_t addr, uint32_t reset) { store(4, addr, 4, reset); });
+    if (arl) {
+        arl->clear();
+    }
 }
 
 // ---- engines -----------------------------------------------------------------
 
 void Chip::install_engines()
 {
+    arl->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,

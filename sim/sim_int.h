@@ -50,6 +50,7 @@ constexpr uint32_t kResetSeqLast = 15;
 constexpr uint32_t kPciConfigSize = 4096;
 
 class Chip;
+class ArlEngine;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 
 struct Region {
@@ -105,10 +106,22 @@ public:
     uint64_t hook_reads = 0;
     uint64_t hook_writes = 0;
 
-    std::mutex mutex; // guards the register file, handlers and log
+    std::mutex mutex; // guards the register file, handlers, engines and log
+
+    // The MAC table.
+    std::unique_ptr<ArlEngine> arl;
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
+
+    // Bits that a test has made stick at a value, whatever is written.
+    struct Stuck {
+        uint32_t bar;
+        uint32_t addr;
+        uint32_t bit;
+        uint32_t value;
+    };
+    std::vector<Stuck> stuck;
 
 private:
     uint32_t id_;
@@ -125,6 +138,11 @@ private:
     uint64_t irq_exit_generation_ = 0;
 
     void install_engines();
+    // A CPU access of one 32-bit word of the switch core, as its register
+    // or table describes it.
+    uint32_t core_read_word(uint32_t addr);
+    void core_write_word(uint32_t addr, uint32_t value);
+    void apply_stuck(uint32_t bar, uint32_t addr);
 };
 
 struct DmaBlock {

@@ -61,7 +61,9 @@ TIDE_API int tide_sim_chip_count_set(uint32_t count);
 
 /* Engines of the chip that a test can make never finish. */
 typedef enum tide_sim_engine {
-    TIDE_SIM_ENGINE_RESET = 0, /* hard reset status of the reset controller */
+    TIDE_SIM_ENGINE_RESET = 0,    /* hard reset status of the reset controller */
+    TIDE_SIM_ENGINE_ARL = 1,      /* command block of the MAC table: never finishes */
+    TIDE_SIM_ENGINE_ARL_INIT = 2, /* init of the MAC table: never reports done */
     TIDE_SIM_ENGINE_COUNT
 } tide_sim_engine;
 /* `stall` 1: the engine never reports completion; 0: normal. */
@@ -85,10 +87,24 @@ TIDE_API int tide_sim_write_log_clear(uint32_t chip);
 TIDE_API int tide_sim_reg_peek(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t *value);
 TIDE_API int tide_sim_reg_poke(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t value);
 
+/* Makes one bit of a register word stick at `value` (0 or 1) whatever the
+ * CPU writes there, as a broken memory cell would: the RAM test finds it.
+ * Up to 64 stuck bits per chip; clear removes them all. */
+TIDE_API int tide_sim_stuck_bit_set(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t bit, uint32_t value);
+TIDE_API int tide_sim_stuck_bits_clear(uint32_t chip);
+
 /* Raises the chip's interrupt line: a thread blocked in the interrupt wait
  * returns with success.  An interrupt raised while nobody waits is held
  * until the next wait. */
 TIDE_API int tide_sim_irq_raise(uint32_t chip);
+
+/* The MAC table as the chip holds it.  `index` runs over bar0, then bar1,
+ * then the cam; an entry is 128 bits, entry[0] holding bits 31..0.  -4 for
+ * an index beyond the table. */
+TIDE_API int tide_sim_arl_entry_get(uint32_t chip, uint32_t index, uint32_t entry[4]);
+/* Entries of the table, and the size of the walk of tide_sim_arl_entry_get. */
+TIDE_API int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dynamic_count,
+                                    uint32_t *entries);
 
 /* Counters of the driver side, for tests and for a user's curiosity. */
 typedef struct tide_sim_stats {

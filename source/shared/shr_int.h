@@ -5,6 +5,7 @@
 #define TIDE_SHR_INT_H
 
 #include "tide_int.h"
+#include "shared/shr_bits.h"
 
 #define SHR_DEVICE_ID_ATOLREEF 0x2025u
 #define SHR_DEVICE_ID_KELPREEF 0x9228u
@@ -25,9 +26,6 @@ extern shr_output_func_t g_shr_debug_base_cli_func;
 extern u8 g_shr_current_dk_enable[SHR_MODULE_COUNT];
 extern u8 g_shr_current_ll[SHR_MODULE_COUNT];
 
-/* Number of significant bits of a little-endian byte buffer (index of the
- * highest set bit plus one; 0 for an all-zero buffer). */
-u32 shr_buf_bitwidth_get(const u8 *buf, u32 bytes);
 
 #ifdef __cplusplus
 }

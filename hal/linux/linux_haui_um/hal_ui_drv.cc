@@ -138,6 +138,11 @@ int _hal_ui_reg_base(u32 chip_id, u32 bar, u32 addr, u32 width, u8 **base, u32 *
         SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "vaddr is not inited\n");
         return SHR_E_INIT;
     }
+    // One access of the full width, naturally aligned as the bus does it.
+    if (addr % width != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "bar %u addr 0x%08x is not aligned to %u bytes\n", bar, addr, width);
+        return SHR_E_PARAM;
+    }
     if (static_cast<u64>(*offset) + width > span) {
         SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "bar %u addr 0x%08x is beyond the aperture (size 0x%lx)\n", bar, addr,
                     (unsigned long)span);
@@ -957,84 +962,60 @@ int hal_ui_pkt_send_msg(u32 chip_id, u32 *msg)
 
 // ---- the tables ----------------------------------------------------------------------
 
-hal_hw_ops g_hal_ui_drv = {
-    .chip_num_get = hal_ui_chip_num_get,
-    .chip_info_get = hal_ui_get_chip_info,
-    .iomem_get = hal_ui_get_iomem,
-    .chip_mem_info_get = hal_ui_get_chip_mem_info,
-    .drv_chip_type_get = hal_ui_get_drv_chip_type,
-    .pci_config_read = hal_ui_pci_config_read,
-    .pci_config_write = hal_ui_pci_config_write,
-    .reg_read_16 = hal_ui_reg_read_16,
-    .reg_write_16 = hal_ui_reg_write_16,
-    .reg_read_32 = hal_ui_reg_read_32,
-    .reg_write_32 = hal_ui_reg_write_32,
-    .reg_read_64 = hal_ui_reg_read_64,
-    .reg_write_64 = hal_ui_reg_write_64,
-    .dma_alloc = hal_ui_dma_alloc,
-    .dma_free = hal_ui_dma_free,
-    .dma_free_all = hal_ui_dma_free_all,
-    .rsv16 = nullptr,
-    .rsv17 = nullptr,
-    .irq_wait = hal_ui_irq_wait,
-    .irq_enable = hal_ui_irq_enable,
-    .irq_disable = hal_ui_irq_disable,
-    .irq_exit = hal_ui_irq_exit,
-    .rsv22 = nullptr,
-    .rsv23 = nullptr,
-    .rsv24 = nullptr,
-    .rsv25 = nullptr,
-    .vp_conf_init = hal_ui_vp_conf_init,
-    .rsv27 = nullptr,
-    .rsv28 = nullptr,
-    .rsv29 = nullptr,
-    .rsv30 = nullptr,
-    .subsection_bar_vaddr_get = hal_ui_subsection_bar_vaddr_get,
-};
+// The slots both register tables share: identity, bus type, interrupts.
+static constexpr hal_hw_ops _hal_ui_common_slots()
+{
+    hal_hw_ops t{};
+    t.chip_num_get = hal_ui_chip_num_get;
+    t.chip_info_get = hal_ui_get_chip_info;
+    t.drv_chip_type_get = hal_ui_get_drv_chip_type;
+    t.irq_wait = hal_ui_irq_wait;
+    t.irq_enable = hal_ui_irq_enable;
+    t.irq_disable = hal_ui_irq_disable;
+    t.irq_exit = hal_ui_irq_exit;
+    return t;
+}
 
-hal_hw_ops g_hal_ui_spi_drv = {
-    .chip_num_get = hal_ui_chip_num_get,
-    .chip_info_get = hal_ui_get_chip_info,
-    .iomem_get = nullptr,
-    .chip_mem_info_get = nullptr,
-    .drv_chip_type_get = hal_ui_get_drv_chip_type,
-    .pci_config_read = nullptr,
-    .pci_config_write = nullptr,
-    .reg_read_16 = hal_ui_spi_reg_read_16,
-    .reg_write_16 = hal_ui_spi_reg_write_16,
-    .reg_read_32 = hal_ui_spi_reg_read_32,
-    .reg_write_32 = hal_ui_spi_reg_write_32,
-    .reg_read_64 = hal_ui_spi_reg_read_64,
-    .reg_write_64 = hal_ui_spi_reg_write_64,
-    .dma_alloc = nullptr,
-    .dma_free = nullptr,
-    .dma_free_all = nullptr,
-    .rsv16 = nullptr,
-    .rsv17 = nullptr,
-    .irq_wait = hal_ui_irq_wait,
-    .irq_enable = hal_ui_irq_enable,
-    .irq_disable = hal_ui_irq_disable,
-    .irq_exit = hal_ui_irq_exit,
-    .rsv22 = nullptr,
-    .rsv23 = nullptr,
-    .rsv24 = nullptr,
-    .rsv25 = nullptr,
-    .vp_conf_init = nullptr,
-    .rsv27 = nullptr,
-    .rsv28 = nullptr,
-    .rsv29 = nullptr,
-    .rsv30 = nullptr,
-    .subsection_bar_vaddr_get = nullptr,
-};
+// Chips on PCIe (bus types 0 and 1): mapped apertures, DMA, PCI config.
+static constexpr hal_hw_ops _hal_ui_drv_slots()
+{
+    hal_hw_ops t = _hal_ui_common_slots();
+    t.iomem_get = hal_ui_get_iomem;
+    t.chip_mem_info_get = hal_ui_get_chip_mem_info;
+    t.pci_config_read = hal_ui_pci_config_read;
+    t.pci_config_write = hal_ui_pci_config_write;
+    t.reg_read_16 = hal_ui_reg_read_16;
+    t.reg_write_16 = hal_ui_reg_write_16;
+    t.reg_read_32 = hal_ui_reg_read_32;
+    t.reg_write_32 = hal_ui_reg_write_32;
+    t.reg_read_64 = hal_ui_reg_read_64;
+    t.reg_write_64 = hal_ui_reg_write_64;
+    t.dma_alloc = hal_ui_dma_alloc;
+    t.dma_free = hal_ui_dma_free;
+    t.dma_free_all = hal_ui_dma_free_all;
+    t.vp_conf_init = hal_ui_vp_conf_init;
+    t.subsection_bar_vaddr_get = hal_ui_subsection_bar_vaddr_get;
+    return t;
+}
 
-hal_pkt_ops g_hal_ui_pkt_drv = {
-    .irq_open = hal_ui_pkt_irq_open,
-    .irq_disable = hal_ui_pkt_irq_disable,
-    .wait_intr = hal_ui_pkt_wait_intr,
-    .rsv3 = nullptr,
-    .rsv4 = nullptr,
-    .send_msg = hal_ui_pkt_send_msg,
-    .rsv6 = nullptr,
-};
+// Chips on SPI (bus type 2): register slots without effect.
+static constexpr hal_hw_ops _hal_ui_spi_slots()
+{
+    hal_hw_ops t = _hal_ui_common_slots();
+    t.reg_read_16 = hal_ui_spi_reg_read_16;
+    t.reg_write_16 = hal_ui_spi_reg_write_16;
+    t.reg_read_32 = hal_ui_spi_reg_read_32;
+    t.reg_write_32 = hal_ui_spi_reg_write_32;
+    t.reg_read_64 = hal_ui_spi_reg_read_64;
+    t.reg_write_64 = hal_ui_spi_reg_write_64;
+    return t;
+}
+
+// Writable: register hooks of the application replace their slots.
+hal_hw_ops g_hal_ui_drv = _hal_ui_drv_slots();
+hal_hw_ops g_hal_ui_spi_drv = _hal_ui_spi_slots();
+
+hal_pkt_ops g_hal_ui_pkt_drv = {hal_ui_pkt_irq_open, hal_ui_pkt_irq_disable, hal_ui_pkt_wait_intr, nullptr, nullptr,
+                               hal_ui_pkt_send_msg, nullptr};
 
 } // extern "C"

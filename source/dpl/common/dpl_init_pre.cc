@@ -33,6 +33,7 @@ i32 dpl_base_software_init(const sdk_init_cfg *cfg)
 
     // Made on the default allocator, before the application's is set.
     xsal_console_init();
+    xsal_log_debug_buffer_allocate(0);
 
     xsal_malloc_base_func_set(g_dpl_base_cfg.mem_alloc);
     xsal_free_base_func_set(g_dpl_base_cfg.mem_free);
@@ -50,6 +51,7 @@ i32 dpl_base_software_init(const sdk_init_cfg *cfg)
         }
         csl_base_deinit();
     }
+    xsal_log_debug_buffer_clear(0);
     xsal_console_deinit();
     return rc;
 }
@@ -72,6 +74,7 @@ i32 dpl_base_software_deinit(void)
     shr_debug_base_cli_printf_func_set(nullptr);
     xsal_free_base_func_set(nullptr);
     xsal_malloc_base_func_set(nullptr);
+    xsal_log_debug_buffer_clear(0);
     xsal_console_deinit();
     g_dpl_base_soft_inited = 0;
     return 0;

@@ -15,7 +15,9 @@ static bool _overlaps(const void *a, const void *b, std::size_t n)
     return pa < pb ? pb - pa < n : pa - pb < n;
 }
 
-int memcpy_s(void *dest, std::size_t dest_size, const void *src, std::size_t count)
+// The checks of a copy of `count` bytes; kOk when it may go ahead (a copy
+// of 0 bytes does nothing).
+static int _copy_check(const void *dest, std::size_t dest_size, const void *src, std::size_t count)
 {
     if (dest == nullptr || dest_size > kMaxSize) {
         return kInvalid;
@@ -26,8 +28,14 @@ int memcpy_s(void *dest, std::size_t dest_size, const void *src, std::size_t cou
     if (src == nullptr || count > kMaxSize) {
         return kInvalid;
     }
-    if (count > dest_size) {
-        return kNoSpace;
+    return count > dest_size ? kNoSpace : kOk;
+}
+
+int memcpy_s(void *dest, std::size_t dest_size, const void *src, std::size_t count)
+{
+    const int rc = _copy_check(dest, dest_size, src, count);
+    if (rc != kOk || count == 0) {
+        return rc;
     }
     if (_overlaps(dest, src, count)) {
         return kOverlap;
@@ -38,20 +46,11 @@ int memcpy_s(void *dest, std::size_t dest_size, const void *src, std::size_t cou
 
 int memmove_s(void *dest, std::size_t dest_size, const void *src, std::size_t count)
 {
-    if (dest == nullptr || dest_size > kMaxSize) {
-        return kInvalid;
+    const int rc = _copy_check(dest, dest_size, src, count);
+    if (rc == kOk && count != 0) {
+        std::memmove(dest, src, count);
     }
-    if (count == 0) {
-        return kOk;
-    }
-    if (src == nullptr || count > kMaxSize) {
-        return kInvalid;
-    }
-    if (count > dest_size) {
-        return kNoSpace;
-    }
-    std::memmove(dest, src, count);
-    return kOk;
+    return rc;
 }
 
 int memset_s(void *dest, std::size_t dest_size, int value, std::size_t count)

@@ -59,8 +59,16 @@ int csl_reef_reg_get_by_addr(u32 chip_id, u32 addr, u8 *data, u8 bytes);
 int csl_reef_reg_set_u32_by_addr(u32 chip_id, u32 addr, u32 value);
 int csl_reef_reg_get_u32_by_addr(u32 chip_id, u32 addr, u32 *value);
 
-/* Console or file output of the diagnostic code. */
+/* Console or file output of the diagnostic code: `to_file` 1 writes to the
+ * file that csl_write_file_open opened for the chip. */
 int csl_output_func(u32 chip_id, u32 to_file, const char *format, ...) TIDE_PRINTF(3, 4);
+/* Redirects output with `to_file` 1 to a file, appended, up to `limit`
+ * bytes (0xFFFFFFFF: no limit); the file lock is held until the close. */
+int csl_write_file_open(u32 chip_id, const char *path, u32 limit);
+int csl_write_file_close(u32 chip_id);
+int csl_write_file_lock_init(u32 chip_id);
+int csl_write_file_lock_deinit(u32 chip_id);
+extern int g_csl_write_fd[SHR_MAX_CHIPS];
 
 /* Tying a chip to the HAL. */
 int csl_base_init(void);

@@ -74,8 +74,10 @@ int _hal_write(u32 c, u32 b, u32 a, u64 v) { return hal_reg_write_64(c, b, a, v)
 constexpr const char *kSetFmt = "[REG SET]bar:%u  addr:0x%08x  reg_data:0x%lx\n";
 constexpr const char *kGetFmt = "[REG GET]bar:%u  addr:0x%08x  reg_data:0x%lx\n";
 
+// The checks before an access: 32-bit accesses must be word-aligned, and a
+// checked access to the LSW space passes the address hook.
 template <typename T>
-int _csl_reg_write(u32 chip_id, u32 bar, u32 addr, T value, u32 check)
+int _csl_reg_precheck(u32 chip_id, u32 bar, u32 addr, u32 check)
 {
     if constexpr (sizeof(T) == 4) {
         if (addr % 4 != 0) {
@@ -84,10 +86,17 @@ int _csl_reg_write(u32 chip_id, u32 bar, u32 addr, T value, u32 check)
         }
     }
     if (check == 1 && bar == HAL_BAR_LSW) {
-        const int rc = _csl_reg_check_lsw_addr_validity(addr);
-        if (rc != 0) {
-            return rc;
-        }
+        return _csl_reg_check_lsw_addr_validity(addr);
+    }
+    return 0;
+}
+
+template <typename T>
+int _csl_reg_write(u32 chip_id, u32 bar, u32 addr, T value, u32 check)
+{
+    const int pre = _csl_reg_precheck<T>(chip_id, bar, addr, check);
+    if (pre != 0) {
+        return pre;
     }
     SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, kSetFmt, bar, addr, (unsigned long)value);
     if (bar != HAL_BAR_LSW) {
@@ -107,17 +116,9 @@ int _csl_reg_read(u32 chip_id, u32 bar, u32 addr, T *value, u32 check)
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[REG INVALID]: reg_data is NULL!\n");
         return SHR_E_PARAM;
     }
-    if constexpr (sizeof(T) == 4) {
-        if (addr % 4 != 0) {
-            csl_output_func(chip_id, 0, "ERR: input address must be divided by 4 !\n");
-            return SHR_E_PARAM;
-        }
-    }
-    if (check == 1 && bar == HAL_BAR_LSW) {
-        const int rc = _csl_reg_check_lsw_addr_validity(addr);
-        if (rc != 0) {
-            return rc;
-        }
+    const int pre = _csl_reg_precheck<T>(chip_id, bar, addr, check);
+    if (pre != 0) {
+        return pre;
     }
     if constexpr (sizeof(T) == 4) {
         // The forced-read table answers a 32-bit read of its address on any

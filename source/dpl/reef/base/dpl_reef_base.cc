@@ -1,28 +1,48 @@
 // The base service of the reef family.
+#include <strings.h>
+
+#include <cstring>
+
 #include "api/api_families.h"
 #include "csl/common/reg_tab/csl_reg.h"
+#include "csl/reef/reg_tbl/csl_reef_field.h"
+#include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/base/dpl_reef_base.h"
+#include "dpl/reef/base/dpl_reef_base_index_manage.h"
 
 extern "C" {
 
 static u32 g_dpl_reef_base_soft_inited[SHR_MAX_CHIPS];
 
+// The catalogue comes first: everything after it speaks in its terms.  A
+// failure of it is logged and the sequence goes on.
 i32 dpl_reef_base_soft_init(u32 chip_id)
 {
+    if (csl_reef_reg_tab_soft_init(chip_id) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] reg tab soft init failed!\n", "base");
+    }
+    if (dpl_reef_base_index_manage_init(chip_id) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] index manage init failed!\n", "base");
+    }
     g_dpl_reef_base_soft_inited[chip_id] = 1;
     return 0;
 }
 
 i32 dpl_reef_base_soft_deinit(u32 chip_id)
 {
+    dpl_reef_base_index_manage_deinit(chip_id);
+    const i32 rc = csl_reef_reg_tab_soft_deinit(chip_id);
     g_dpl_reef_base_soft_inited[chip_id] = 0;
-    return 0;
+    return rc;
 }
 
 i32 dpl_reef_base_hw_init(u32 chip_id)
 {
-    (void)chip_id;
-    return 0;
+    const i32 rc = csl_reef_reg_tab_hw_init(chip_id);
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[CHIP-INIT: %13s] reg tab soft init failed!\n", "base");
+    }
+    return rc;
 }
 
 i32 dpl_reef_base_hw_deinit(u32 chip_id)
@@ -47,6 +67,92 @@ i32 dpl_reef_base_reg_get_by_addr(u32 chip_id, u32 addr, u8 *data, u8 bytes)
     return csl_reef_reg_get_by_addr(chip_id, addr, data, bytes);
 }
 
+i32 dpl_reef_base_direct_tab_set_by_name(u32 chip_id, const char *name, u32 index, u8 *data, u32 bytes)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    return csl_reef_direct_tab_set_by_name(chip_id, name, index, data, bytes);
+}
+
+i32 dpl_reef_base_direct_tab_get_by_name(u32 chip_id, const char *name, u32 index, u8 *data, u32 bytes)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    return csl_reef_direct_tab_get_by_name(chip_id, name, index, data, bytes);
+}
+
+i32 dpl_reef_base_field_set(u32 chip_id, base_field_op *op)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    return csl_reef_field_set(chip_id, op, CSL_TAB_HW);
+}
+
+i32 dpl_reef_base_field_get(u32 chip_id, base_field_op *op, const char *file)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    return csl_reef_field_get(chip_id, op, file, CSL_TAB_HW);
+}
+
+i32 dpl_reef_base_tab_data_to_string(u32 chip_id, const char *table_name, u8 *data, char *text, u32 size)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    // Every field, also those of value 0, and the entry's bytes first.
+    return csl_table_data_to_string(chip_id, table_name, data, text, size, 0x100000000ull, 0x100000000ull, 0);
+}
+
+i32 dpl_reef_base_chip_module_cnt_show(u32 chip_id, const char *module, const char *file, u32 mask,
+                                       u32 limit_bytes, u32 raw)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    if (module == nullptr) {
+        return SHR_E_PARAM;
+    }
+    const u32 to_file = file != nullptr && *file != '\0' ? 1 : 0;
+    if (to_file && csl_write_file_open(chip_id, file, limit_bytes) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_TOP, "Open dump file failed!\n");
+        return SHR_E_FAIL;
+    }
+    // A prefix of "all", in any case, dumps every module.
+    const size_t len = strlen(module);
+    const bool all = len > 0 && len <= 3 && strncasecmp(module, "all", len) == 0;
+    const char *failed = module;
+    i32 rc = 0;
+    if (!all) {
+        rc = csl_reef_module_cnt_show(chip_id, module, to_file, mask, raw);
+    } else {
+        for (u32 m = 0; m < CIB_MODULE_COUNT && rc == 0; m++) {
+            if (atolreef_allmodule_list[m].name != nullptr) {
+                failed = atolreef_allmodule_list[m].name;
+                rc = csl_reef_module_cnt_show(chip_id, failed, to_file, mask, raw);
+            }
+        }
+    }
+    if (rc == SHR_E_FULL) {
+        csl_output_func(chip_id, 0, "WARN: file %s has reached limit-MBytes (%u Mb)\n", file != nullptr ? file : "",
+                        limit_bytes / 1048576);
+        rc = 0;
+    }
+    if (to_file) {
+        csl_write_file_close(chip_id);
+    }
+    if (rc == SHR_E_NOT_FOUND) {
+        csl_output_func(chip_id, 0, "ERR: no module named %s\n", module);
+    } else if (rc < 0) {
+        csl_output_func(chip_id, 0, "ERR: dump module named %s Fail (errmsg: %s)\n", failed, shr_errmsg(rc));
+    }
+    return rc;
+}
+
 // The slots of the base family that this layer fills; the others stay
 // empty and answer -24.
 static constexpr reef_base_dispatch_t _dpl_reef_base_dispatch_make()
@@ -54,6 +160,12 @@ static constexpr reef_base_dispatch_t _dpl_reef_base_dispatch_make()
     reef_base_dispatch_t t{};
     t.reg_set_by_addr = dpl_reef_base_reg_set_by_addr;
     t.reg_get_by_addr = dpl_reef_base_reg_get_by_addr;
+    t.direct_tab_set_by_name = dpl_reef_base_direct_tab_set_by_name;
+    t.direct_tab_get_by_name = dpl_reef_base_direct_tab_get_by_name;
+    t.field_set = dpl_reef_base_field_set;
+    t.field_get = dpl_reef_base_field_get;
+    t.tab_data_to_string = dpl_reef_base_tab_data_to_string;
+    t.chip_module_cnt_show = dpl_reef_base_chip_module_cnt_show;
     return t;
 }
 

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "api/api_families.h"
+#include "atolreef_cib.h"
 #include "csl/common/reg_tab/csl_reg.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/init/dpl_reef_init.h"
@@ -49,12 +50,15 @@ constexpr const char *kChipInitFail = "[CHIP-INIT: %13s]init failed!!!!!!![ret=%
 constexpr const char *kChipDeinitOk = "[CHIP-DEINIT: %13s]............[OK]\r\n";
 constexpr const char *kChipDeinitFail = "[CHIP-DEINIT: %13s]deinit failed!!!!!!![ret=%d]\r\n";
 
-// Logs the outcome of one step.
+// Logs the outcome of one step: into the bring-up record of debug buffer
+// 0 and through the log hook.
 void _dpl_step_log(u32 chip_id, const char *name, i32 rc, const char *ok_fmt, const char *fail_fmt)
 {
     if (rc < 0) {
+        xsal_log(static_cast<i32>(chip_id), SHR_LOG_ERROR, __FILE__, __LINE__, fail_fmt, name, (int)rc);
         SHR_LOG_ERR(chip_id, SHR_MOD_INIT, fail_fmt, name, (int)rc);
     } else {
+        xsal_log(static_cast<i32>(chip_id), SHR_LOG_INFO, __FILE__, __LINE__, ok_fmt, name);
         SHR_LOG_INF(chip_id, SHR_MOD_INIT, ok_fmt, name);
     }
 }
@@ -63,7 +67,10 @@ void _dpl_step_log(u32 chip_id, const char *name, i32 rc, const char *ok_fmt, co
 i32 _dpl_run_steps(u32 chip_id, std::span<const dpl_step> steps, const char *ok_fmt, const char *fail_fmt)
 {
     for (const dpl_step &step : steps) {
-        const i32 rc = step.fn(chip_id);
+        i32 rc = g_dpl_reef_step_hook != nullptr ? g_dpl_reef_step_hook(chip_id, ok_fmt, step.name) : 0;
+        if (rc == 0) {
+            rc = step.fn(chip_id);
+        }
         _dpl_step_log(chip_id, step.name, rc, ok_fmt, step.fail_fmt != nullptr ? step.fail_fmt : fail_fmt);
         if (rc < 0) {
             return rc;
@@ -72,10 +79,26 @@ i32 _dpl_run_steps(u32 chip_id, std::span<const dpl_step> steps, const char *ok_
     return 0;
 }
 
+// Tear-down of a level: nothing to do if it is not up; otherwise walk its
+// modules until the first failure.  The level is down afterwards either
+// way: the modules behind a failure stay as they are.
+i32 _dpl_level_deinit(u32 chip_id, u32 *flags, const char *not_inited, std::span<const dpl_step> steps,
+                      const char *ok_fmt, const char *fail_fmt)
+{
+    if (flags[chip_id] == 0) {
+        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "%s", not_inited);
+        return 0;
+    }
+    const i32 rc = _dpl_run_steps(chip_id, steps, ok_fmt, fail_fmt);
+    flags[chip_id] = 0;
+    return rc;
+}
+
 } // namespace
 
 extern "C" {
 
+dpl_reef_step_hook_t g_dpl_reef_step_hook;
 u32 g_dpl_reef_soft_inited[SHR_MAX_CHIPS];
 u32 g_dpl_reef_hw_inited[SHR_MAX_CHIPS];
 
@@ -96,18 +119,35 @@ i32 dpl_reef_soft_init(u32 chip_id)
 
 i32 dpl_reef_soft_deinit(u32 chip_id)
 {
-    if (g_dpl_reef_soft_inited[chip_id] == 0) {
-        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef software was not inited!\n");
-        return 0;
+    return _dpl_level_deinit(chip_id, g_dpl_reef_soft_inited, "sdk reef software was not inited!\n", kSoftDeinit,
+                             kSoftDeinitOk, kSoftDeinitFail);
+}
+
+// Clock gating and low power off before the reset, so that every block
+// sees it.  Only atolreef has these registers in its catalogue.
+static void _dpl_reef_reset_prepare(u32 chip_id)
+{
+    if (shr_chip_type_get(chip_id) != SHR_CHIP_TYPE_ATOLREEF) {
+        return;
     }
-    const i32 rc = _dpl_run_steps(chip_id, kSoftDeinit, kSoftDeinitOk, kSoftDeinitFail);
-    g_dpl_reef_soft_inited[chip_id] = 0;
-    return rc;
+    cib_lsw_hreg_cfg_lp_en_t lp{};
+    u8 lp_mask[4] = {};
+    lp_mask[0] = 1u << cib_lsw_hreg_cfg_lp_en__cfg_lp_en;
+    i32 rc = csl_reef_cib_lsw_hreg_cfg_lp_en_set(chip_id, 0, &lp, lp_mask);
+    cib_lsw_hreg_tick_en_cfg0_t tick{};
+    u8 tick_mask[4] = {};
+    tick_mask[0] = (1u << cib_lsw_hreg_tick_en_cfg0__clk_static_div_cfg) |
+                   (1u << cib_lsw_hreg_tick_en_cfg0__clk_auto_gate_en_cfg);
+    rc |= csl_reef_cib_lsw_hreg_tick_en_cfg0_set(chip_id, 0, &tick, tick_mask);
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_TOP, "chip hw reset: low power and clock gating not cleared\n");
+    }
 }
 
 i32 dpl_reef_chip_hw_reset(u32 chip_id)
 {
     static constexpr u32 kSequence[] = {0, 8, 10, 11, 15};
+    _dpl_reef_reset_prepare(chip_id);
     for (u32 value : kSequence) {
         const i32 rc = csl_reg_general_write32(chip_id, HAL_BAR_AXI, DPL_REEF_RESET_SEQ_ADDR, value);
         if (rc != 0) {
@@ -174,13 +214,8 @@ i32 dpl_reef_hw_init(u32 chip_id)
 
 i32 dpl_reef_hw_deinit(u32 chip_id)
 {
-    if (g_dpl_reef_hw_inited[chip_id] == 0) {
-        SHR_LOG_WRN(chip_id, SHR_MOD_DIRECT, "sdk reef hardware was not inited!\n");
-        return 0;
-    }
-    const i32 rc = _dpl_run_steps(chip_id, kHwDeinit, kChipDeinitOk, kChipDeinitFail);
-    g_dpl_reef_hw_inited[chip_id] = 0;
-    return rc;
+    return _dpl_level_deinit(chip_id, g_dpl_reef_hw_inited, "sdk reef hardware was not inited!\n", kHwDeinit,
+                             kChipDeinitOk, kChipDeinitFail);
 }
 
 // The contract of the init family: levels 0 to 3 are reached from the

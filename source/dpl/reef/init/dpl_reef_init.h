@@ -14,6 +14,13 @@ extern "C" {
 extern u32 g_dpl_reef_soft_inited[SHR_MAX_CHIPS];
 extern u32 g_dpl_reef_hw_inited[SHR_MAX_CHIPS];
 
+/* A seam for tests and fault drills: called before each module's step of
+ * every level with the level's log format (it names the level) and the
+ * step's name; a status other than 0 stands for the step's result and the
+ * module is not called. */
+typedef i32 (*dpl_reef_step_hook_t)(u32 chip_id, const char *level_format, const char *step);
+extern dpl_reef_step_hook_t g_dpl_reef_step_hook;
+
 i32 dpl_reef_soft_init(u32 chip_id);
 i32 dpl_reef_soft_deinit(u32 chip_id);
 i32 dpl_reef_hw_init(u32 chip_id);

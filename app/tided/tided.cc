@@ -1,0 +1,152 @@
+// tided: the reference application.  It stands simulated atolreef chips
+// behind the SDK, brings them up in the library's calling order, and keeps
+// them up until SIGINT or SIGTERM, when it tears everything down in the
+// reverse order.
+//
+//   tided [--chips N] [--config FILE]
+#include <getopt.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <tide/sim.h>
+#include <tide/tide.h>
+
+namespace {
+
+struct Options {
+    unsigned chips = 1;
+    const char *config = TIDED_DEFAULT_CONFIG;
+};
+
+void _usage(FILE *out)
+{
+    fprintf(out,
+            "usage: tided [--chips N] [--config FILE]\n"
+            "  --chips N      simulated atolreef chips, 1 to 4 (default 1)\n"
+            "  --config FILE  chip configuration file (default %s)\n"
+            "  --help         this text\n",
+            TIDED_DEFAULT_CONFIG);
+}
+
+// 0 to go on, 1 to stop with success (help), -1 on a bad option.
+int _parse(int argc, char **argv, Options *opt)
+{
+    static const option longs[] = {{"chips", required_argument, nullptr, 'n'},
+                                   {"config", required_argument, nullptr, 'c'},
+                                   {"help", no_argument, nullptr, 'h'},
+                                   {nullptr, 0, nullptr, 0}};
+    int c;
+    while ((c = getopt_long(argc, argv, "n:c:h", longs, nullptr)) != -1) {
+        switch (c) {
+        case 'n': {
+            char *end = nullptr;
+            const unsigned long n = strtoul(optarg, &end, 10);
+            if (*optarg == '\0' || *end != '\0' || n < 1 || n > TIDE_MAX_CHIPS) {
+                fprintf(stderr, "tided: --chips takes 1 to %u\n", TIDE_MAX_CHIPS);
+                return -1;
+            }
+            opt->chips = static_cast<unsigned>(n);
+            break;
+        }
+        case 'c':
+            opt->config = optarg;
+            break;
+        case 'h':
+            _usage(stdout);
+            return 1;
+        default:
+            _usage(stderr);
+            return -1;
+        }
+    }
+    if (optind < argc) {
+        fprintf(stderr, "tided: unexpected argument '%s'\n", argv[optind]);
+        return -1;
+    }
+    return 0;
+}
+
+bool _ok(const char *what, unsigned chip, int32_t rc)
+{
+    if (rc != 0) {
+        fprintf(stderr, "tided: chip %u: %s failed: %d (%s)\n", chip, what, rc, shr_errmsg(rc));
+    }
+    return rc == 0;
+}
+
+// Chips up to `count`, in the reverse order of bring-up.
+void _tear_down(unsigned count, const bool *hw_up)
+{
+    for (unsigned c = count; c > 0; c--) {
+        if (hw_up[c - 1]) {
+            _ok("deinit_api_hardware_process", c - 1, deinit_api_hardware_process(c - 1));
+        }
+        _ok("deinit_api_software_process", c - 1, deinit_api_software_process(c - 1));
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    Options opt;
+    const int parsed = _parse(argc, argv, &opt);
+    if (parsed != 0) {
+        return parsed > 0 ? 0 : 2;
+    }
+    setvbuf(stdout, nullptr, _IOLBF, 0);
+
+    // The signals that end the run are taken by sigwait; every thread the
+    // library starts inherits the block.
+    sigset_t stop;
+    sigemptyset(&stop);
+    sigaddset(&stop, SIGINT);
+    sigaddset(&stop, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &stop, nullptr);
+
+    if (tide_sim_install(opt.chips) != 0) {
+        fprintf(stderr, "tided: the chip model could not be installed\n");
+        return 1;
+    }
+    sdk_init_cfg cfg;
+    memset(&cfg, 0, sizeof(cfg));
+    tide_sim_sdk_init_cfg(&cfg);
+    if (!_ok("init_api_base_software_process", 0, init_api_base_software_process(&cfg))) {
+        tide_sim_uninstall();
+        return 1;
+    }
+    printf("tided: %u simulated chip(s), configuration %s\n", opt.chips, opt.config);
+
+    bool hw_up[TIDE_MAX_CHIPS] = {};
+    unsigned soft_up = 0;
+    int status = 0;
+    for (unsigned c = 0; c < opt.chips; c++) {
+        if (!_ok("init_api_software_process", c, init_api_software_process(c, &cfg))) {
+            status = 1;
+            break;
+        }
+        soft_up = c + 1;
+        if (!_ok("init_api_hardware_process", c, init_api_hardware_process(c))) {
+            status = 1;
+            break;
+        }
+        hw_up[c] = true;
+        printf("tided: chip %u (%s) is up\n", c, shr_chip_name_get(c));
+    }
+
+    if (status == 0) {
+        printf("tided: running; Ctrl-C or SIGTERM stops\n");
+        int sig = 0;
+        sigwait(&stop, &sig);
+        printf("tided: %s, shutting down\n", sig == SIGINT ? "SIGINT" : "SIGTERM");
+    }
+    _tear_down(soft_up, hw_up);
+    _ok("deinit_api_base_software_process", 0, deinit_api_base_software_process());
+    tide_sim_uninstall();
+    printf("tided: stopped\n");
+    return status;
+}

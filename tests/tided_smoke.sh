@@ -1,0 +1,47 @@
+#!/bin/sh
+# tided brings chips up, stays up, and tears them down on SIGINT and SIGTERM
+# with exit code 0; bad options give exit code 2.
+#   tided_smoke.sh <tided>
+set -eu
+tided=$1
+out=$(mktemp)
+trap 'rm -f "$out"' EXIT
+
+run() { # run <signal> <args...>
+    sig=$1
+    shift
+    "$tided" "$@" >"$out" 2>&1 &
+    pid=$!
+    i=0
+    until grep -q "running" "$out"; do
+        i=$((i + 1))
+        if [ $i -gt 200 ] || ! kill -0 $pid 2>/dev/null; then
+            echo "tided did not come up:"; cat "$out"; exit 1
+        fi
+        sleep 0.05
+    done
+    kill -s "$sig" $pid
+    rc=0
+    wait $pid || rc=$?
+    if [ $rc -ne 0 ]; then
+        echo "tided exited with $rc after SIG$sig:"; cat "$out"; exit 1
+    fi
+}
+
+run INT
+grep -q "chip 0 (atolreef) is up" "$out"
+grep -q "SIGINT, shutting down" "$out"
+grep -q "tided: stopped" "$out"
+
+run TERM --chips 4
+for c in 0 1 2 3; do grep -q "chip $c (atolreef) is up" "$out"; done
+grep -q "SIGTERM, shutting down" "$out"
+
+rc=0
+"$tided" --chips 5 >"$out" 2>&1 || rc=$?
+[ $rc -eq 2 ] || { echo "--chips 5 gave $rc"; exit 1; }
+rc=0
+"$tided" --bogus >"$out" 2>&1 || rc=$?
+[ $rc -eq 2 ] || { echo "--bogus gave $rc"; exit 1; }
+"$tided" --help | grep -q "usage: tided"
+echo "tided smoke: ok"
