@@ -249,6 +249,12 @@ pthread_mutex_t g_xsal_malloc_list_lock = PTHREAD_MUTEX_INITIALIZER;
 
 constexpr u32 kKrefSaturated = 0xFFFFFFFFu;
 
+// An attempt to go below 0, recorded in the bring-up log.
+void _kref_underflow()
+{
+    xsal_log(SHR_NO_CHIP, SHR_LOG_ERROR, __FILE__, __LINE__, "xsal_kref_t: underflow; use-after-free.\n");
+}
+
 } // namespace
 
 extern "C" {
@@ -514,7 +520,7 @@ int xsal_kref_refcount_dec_not_one(xsal_kref_t *kref)
         return 0;
     }
     if (kref->refcount == 0) {
-        SHR_LOG_ERR(SHR_NO_CHIP, SHR_MOD_COMMON, "xsal_kref_t: underflow; use-after-free.\n");
+        _kref_underflow();
         return 1;
     }
     kref->refcount--;
@@ -528,7 +534,7 @@ int xsal_kref_refcount_dec_and_test(xsal_kref_t *kref)
     }
     tide::MutexGuard guard(kref->mutex);
     if (kref->refcount == 0) {
-        SHR_LOG_ERR(SHR_NO_CHIP, SHR_MOD_COMMON, "xsal_kref_t: underflow; use-after-free.\n");
+        _kref_underflow();
         return 0;
     }
     if (kref->refcount == kKrefSaturated) {
