@@ -7,6 +7,7 @@
 
 #include <tide/base.h>
 #include <tide/init.h>
+#include <tide/port.h>
 #include <tide/shr.h>
 #include <tide/stub.h>
 #include <tide/xsal.h>
