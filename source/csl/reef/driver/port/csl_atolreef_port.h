@@ -89,7 +89,7 @@ inline constexpr auto g_atolreef_mac_info_glue_1 = tide::port::atolreef::mac_row
 
 /* The MAC group of each MAC port: the unit of MAC reset and clock gating. */
 inline constexpr u8 g_mac_group_id_per_mac[CSL_PORT_MAX_MAC] = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1,
-                                                                 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 4, 4, 4, 4};
+                                                                 1, 1, 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 4, 4};
 
 /* The bit of a MAC in mag_glb_ch_link, [mag_id][mac], CSL_PORT_NONE for a
  * hole.  MAGs 0 to 3 are in register index 0, MAGs 4 to 7 in index 1. */
