@@ -235,6 +235,12 @@ TEST_F(Port, ValidityChecksAndTheirLines)
     Capture::clear();
     EXPECT_EQ(csl_port_valid_bmp_check(0, &b), -24);
     EXPECT_TRUE(Capture::has("lport: 100 dose not exist, please enter the correct port bitmap \n"));
+    port_bitmap two{};
+    tide::port::pbmp_set(two, 191);
+    tide::port::pbmp_set(two, 64);
+    Capture::clear();
+    EXPECT_EQ(csl_port_valid_bmp_check(0, &two), -24);
+    EXPECT_TRUE(Capture::has("lport: 64 dose not exist")); // the lowest one
     port_bitmap valid{};
     EXPECT_EQ(csl_port_valid_bmp_get(0, &valid), 0);
     EXPECT_TRUE(tide::port::pbmp_eq(valid, pbmp_range(0, 31)));

@@ -1,5 +1,6 @@
 // The port control record of each chip, its port driver, and the checks
 // of port numbers that every feature uses.
+#include <bit>
 #include <cstring>
 
 #include "csl/common/port/csl_port.h"
@@ -120,10 +121,14 @@ i32 csl_port_valid_bmp_check(u32 chip_id, const port_bitmap *pbmp)
         SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "chip_id%u pointer is NULL\n", chip_id);
         return SHR_E_NULL_PTR;
     }
-    for (u32 lport = 0; lport < PORT_BITMAP_PORTS; lport++) {
-        if (pbmp_test(*pbmp, lport) && !pbmp_test(ctl->valid_bmp, lport)) {
-            SHR_LOG_ERR(chip_id, SHR_MOD_PORT,
-                        "lport: %d dose not exist, please enter the correct port bitmap \n", (int)lport);
+    // The lowest port of the bitmap outside the existing ones, a word at a
+    // time.
+    for (u32 w = 0; w < PORT_BITMAP_WORDS; w++) {
+        const u64 stranger = pbmp->word[w] & ~ctl->valid_bmp.word[w];
+        if (stranger != 0) {
+            const int lport = static_cast<int>(w * 64 + static_cast<u32>(std::countr_zero(stranger)));
+            SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "lport: %d dose not exist, please enter the correct port bitmap \n",
+                        lport);
             return SHR_E_NOT_SUPPORT;
         }
     }
