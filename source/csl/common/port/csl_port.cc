@@ -1,7 +1,6 @@
 // The port control record of each chip, its port driver, and the checks
 // of port numbers that every feature uses.
 #include <bit>
-#include <cstring>
 
 #include "csl/common/port/csl_port.h"
 #include "csl/reef/driver/port/csl_atolreef_port.h"
@@ -32,12 +31,11 @@ i32 csl_port_control_init(u32 chip_id)
     if (g_csl_port_control[chip_id] != nullptr) {
         return 0;
     }
-    auto *ctl = static_cast<csl_port_control *>(xsal_malloc(sizeof(csl_port_control), "port_control", SHR_MOD_PORT));
+    auto *ctl = tide::port::zalloc<csl_port_control>(1, "port_control");
     if (ctl == nullptr) {
         SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "port_control malloc fail.\n");
         return SHR_E_NULL_PTR;
     }
-    memset(ctl, 0, sizeof(*ctl));
     ctl->map_mode = CSL_PORT_MAP_NONE;
     ctl->lock = xsal_mutex_create("socPortControlMutex");
     if (ctl->lock == nullptr) {

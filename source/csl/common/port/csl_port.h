@@ -175,6 +175,8 @@ extern csl_port_property_hook_t g_csl_port_property_hook;
 #ifdef __cplusplus
 }
 
+#include <cstring>
+
 /* ---- port bitmaps ------------------------------------------------------------------ */
 
 namespace tide::port {
@@ -228,6 +230,17 @@ constexpr bool pbmp_eq(const port_bitmap &a, const port_bitmap &b)
         }
     }
     return true;
+}
+
+/* `count` zeroed records from xsal_malloc, or NULL. */
+template <typename T>
+T *zalloc(u64 count, const char *tag)
+{
+    auto *p = static_cast<T *>(xsal_malloc(count * sizeof(T), tag, SHR_MOD_PORT));
+    if (p != nullptr) {
+        memset(p, 0, count * sizeof(T));
+    }
+    return p;
 }
 
 /* Holds a recursive mutex for the length of a scope. */

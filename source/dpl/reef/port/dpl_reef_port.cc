@@ -4,7 +4,6 @@
 // driver or slot that is not there makes the operation a success that
 // does nothing.
 #include <array>
-#include <cstring>
 #include <span>
 #include <type_traits>
 
@@ -207,13 +206,11 @@ i32 _dpl_reef_port_special_db_malloc(u32 chip_id)
     if (reef_port_special[chip_id] != nullptr) {
         return 0;
     }
-    auto *row = static_cast<reef_port_special_t *>(xsal_malloc(sizeof(reef_port_special_t), "port_special",
-                                                               SHR_MOD_PORT));
+    auto *row = tide::port::zalloc<reef_port_special_t>(1, "port_special");
     if (row == nullptr) {
         SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "malloc reef_port_special memory error!\n");
         return SHR_E_MEMORY;
     }
-    memset(row, 0, sizeof(*row));
     reef_port_special[chip_id] = row;
     return 0;
 }
@@ -315,6 +312,182 @@ i32 _dpl_reef_port_run(u32 chip_id, std::span<const port_step> steps)
     return 0;
 }
 
+// ---- calls with steps of their own -----------------------------------------------------
+
+bool _dpl_reef_port_active(u32 chip_id, u32 lport)
+{
+    csl_port_control *ctl = csl_port_control_get(chip_id);
+    MutexGuard hold(ctl->lock);
+    return pbmp_test(ctl->port_config.pbmp[PORT_CONFIG_ACTIVE], lport);
+}
+
+// The whole MAG of the port takes the new type; the MAC layer follows the
+// lane.  A port that the new type keeps in use returns to normal link
+// mode; one that it leaves unused has no link to restore.
+i32 _dpl_reef_port_interface_set(u32 chip_id, u32 lport, port_interface *info)
+{
+    i32 rc = _dpl_port_args_check<csl_port_valid_check>(chip_id, lport, info);
+    if (rc != 0) {
+        return rc;
+    }
+    port_serdes_id serdes{};
+    u32 speed_id = 0;
+    rc = dpl_reef_port_serdes_id_get(chip_id, lport, &serdes);
+    if (rc == 0) {
+        rc = dpl_reef_port_serdes_speed_get(chip_id, lport, info->interface_type, &speed_id);
+    }
+    if (rc == 0) {
+        rc = _dpl_port_forward<&drv::port_interface_type_set>(chip_id, lport, "interface_set", info);
+    }
+    if (rc == 0 && _dpl_reef_port_active(chip_id, lport)) {
+        rc = dpl_reef_port_force_set(chip_id, lport, PORT_LINK_NORMAL, PORT_LINK_DOWN);
+    }
+    if (rc != 0) {
+        SHR_LOG_ERRCODE(chip_id, rc);
+    }
+    return rc;
+}
+
+// The PHY loops belong to an external PHY: with one the MAC is asked for
+// no loop, without one they are refused.
+i32 _dpl_reef_port_loopback_set(u32 chip_id, u32 lport, port_loopback *loopback)
+{
+    const i32 rc = _dpl_port_args_check(chip_id, lport, loopback);
+    if (rc != 0) {
+        return rc;
+    }
+    port_loopback ask = *loopback;
+    if (ask.loop_mode == PORT_LOOP_PHY_INNER || ask.loop_mode == PORT_LOOP_PHY_OUTER) {
+        if (!dpl_reef_port_phy_ext(chip_id, lport)) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "chip_id%u lport%u loop mode %u needs an external phy\n", chip_id,
+                        lport, ask.loop_mode);
+            return SHR_E_NOT_SUPPORT;
+        }
+        ask.loop_mode = PORT_LOOP_NONE;
+    }
+    return _dpl_port_forward<&drv::port_loopback_set>(chip_id, lport, "loopback_set", &ask);
+}
+
+// The partner's abilities are not kept: the call checks and writes nothing.
+i32 _dpl_reef_port_remote_ability_get(u32 chip_id, u32 lport, port_ability *ability)
+{
+    return _dpl_port_args_check(chip_id, lport, ability);
+}
+
+// ---- where each operation goes -------------------------------------------------------------
+
+enum class route_kind {
+    port,   // a port in use, under its lock
+    phy,    // the same, unless an external PHY owns it
+    exists, // a port that exists, in use or not
+    chip,   // the whole chip: the chip lock, port 0's driver
+    port0,  // the transmit path: port 0's lock and driver
+    own,    // steps of its own
+};
+
+template <auto Op>
+struct port_route;
+
+#define DPL_PORT_ROUTE(op, slot, kind_)                               \
+    template <>                                                       \
+    struct port_route<&reef_port_dispatch_t::op> {                    \
+        static constexpr route_kind kind = route_kind::kind_;         \
+        static constexpr auto driver_slot = &drv::slot;               \
+    };
+#define DPL_PORT_OWN(op)                                              \
+    template <>                                                       \
+    struct port_route<&reef_port_dispatch_t::op> {                    \
+        static constexpr route_kind kind = route_kind::own;           \
+        static constexpr auto fn = _dpl_reef_port_##op;               \
+    };
+
+DPL_PORT_ROUTE(map_mode_set, mapping_mode_set, chip)
+DPL_PORT_ROUTE(map_mode_get, mapping_mode_get, chip)
+DPL_PORT_OWN(interface_set)
+DPL_PORT_ROUTE(interface_get, port_interface_type_get, exists)
+DPL_PORT_ROUTE(config_get, port_config_get, chip)
+DPL_PORT_ROUTE(tx_rx_enable_set, port_tx_rx_enable_set, port)
+DPL_PORT_ROUTE(tx_rx_enable_get, port_tx_rx_enable_get, port)
+DPL_PORT_ROUTE(enable_set, port_enable_set, port)
+DPL_PORT_ROUTE(enable_get, port_enable_get, port)
+DPL_PORT_ROUTE(autoneg_set, pcs_an_enable_set, phy)
+DPL_PORT_ROUTE(autoneg_get, pcs_an_enable_get, phy)
+DPL_PORT_ROUTE(autoneg_restart, autoneg_restart_set, port)
+DPL_PORT_ROUTE(advert_ability_set, advert_ability_set, port)
+DPL_PORT_ROUTE(advert_ability_get, advert_ability_get, port)
+DPL_PORT_ROUTE(local_ability_get, local_ability_get, port)
+DPL_PORT_OWN(remote_ability_get)
+DPL_PORT_ROUTE(speed_set, port_speed_set, phy)
+DPL_PORT_ROUTE(speed_get, port_speed_get, phy)
+DPL_PORT_ROUTE(duplex_set, port_duplex_set, phy)
+DPL_PORT_ROUTE(duplex_get, port_duplex_get, phy)
+DPL_PORT_ROUTE(vlan_pause_set, vlan_pause_set, port)
+DPL_PORT_ROUTE(vlan_pause_get, vlan_pause_get, port)
+DPL_PORT_ROUTE(pause_set, mac_pause_set, port)
+DPL_PORT_ROUTE(pause_get, mac_pause_get, port)
+DPL_PORT_ROUTE(pause_addr_set, mac_pause_smac_set, port)
+DPL_PORT_ROUTE(pause_addr_get, mac_pause_smac_get, port)
+DPL_PORT_ROUTE(max_frame_set, max_frame_set, port)
+DPL_PORT_ROUTE(max_frame_get, max_frame_get, port)
+DPL_PORT_ROUTE(min_frame_set, min_frame_set, port)
+DPL_PORT_ROUTE(min_frame_get, min_frame_get, port)
+DPL_PORT_ROUTE(mac_link_status_get, mac_link_status_get, port)
+DPL_PORT_ROUTE(link_status_get, link_status_get, port)
+DPL_PORT_ROUTE(ifg_set, ifg_set, port)
+DPL_PORT_ROUTE(ifg_get, ifg_get, port)
+DPL_PORT_ROUTE(fault_get, mac_fault_status_get, port)
+DPL_PORT_ROUTE(counter_get, counter_get, port)
+DPL_PORT_ROUTE(counter_clean, port_counter_clean, port)
+DPL_PORT_OWN(loopback_set)
+DPL_PORT_ROUTE(loopback_get, port_loopback_get, phy)
+DPL_PORT_ROUTE(force_set, port_force_link_set, port)
+DPL_PORT_ROUTE(force_get, port_force_link_get, port)
+DPL_PORT_ROUTE(crc_set, port_crc_set, port)
+DPL_PORT_ROUTE(crc_get, port_crc_get, port)
+DPL_PORT_ROUTE(dic_mode_set, dic_mode_set, port)
+DPL_PORT_ROUTE(dic_mode_get, dic_mode_get, port)
+DPL_PORT_ROUTE(clk_delta_get, clk_delta_result_get, port)
+DPL_PORT_ROUTE(mac_phy_mode_set, mac_phy_mode_set, chip)
+DPL_PORT_ROUTE(mac_phy_mode_get, mac_phy_mode_get, chip)
+DPL_PORT_ROUTE(serdes_id_get, serdes_id_get, exists)
+DPL_PORT_ROUTE(transmit_path_set, port_transmit_path_set, port0)
+DPL_PORT_ROUTE(transmit_path_get, port_transmit_path_get, port0)
+DPL_PORT_ROUTE(cfg_control_set, cfg_control_set, port)
+DPL_PORT_ROUTE(cfg_control_get, cfg_control_get, port)
+DPL_PORT_ROUTE(basic_info_get, basic_info_get, port)
+DPL_PORT_ROUTE(alm_info_get, alm_info_get, port)
+DPL_PORT_ROUTE(reset, port_reset_set, port)
+#undef DPL_PORT_ROUTE
+#undef DPL_PORT_OWN
+
+template <typename Route, typename... A>
+i32 _dpl_port_route_lport(const char *name, u32 chip_id, u32 lport, A... args)
+{
+    if constexpr (Route::kind == route_kind::phy) {
+        return _dpl_port_phy_op<Route::driver_slot>(chip_id, lport, name, args...);
+    } else if constexpr (Route::kind == route_kind::exists) {
+        return _dpl_port_op<Route::driver_slot, csl_port_valid_check>(chip_id, lport, name, args...);
+    } else {
+        return _dpl_port_op<Route::driver_slot>(chip_id, lport, name, args...);
+    }
+}
+
+// One operation of the family by its route; `name` for the debug line.
+template <auto Op, typename... A>
+i32 _dpl_port_route(const char *name, u32 chip_id, A... args)
+{
+    using Route = port_route<Op>;
+    if constexpr (Route::kind == route_kind::own) {
+        return Route::fn(chip_id, args...);
+    } else if constexpr (Route::kind == route_kind::chip) {
+        return _dpl_port_chip_op<Route::driver_slot>(chip_id, name, 0u, args...);
+    } else if constexpr (Route::kind == route_kind::port0) {
+        return _dpl_port0_op<Route::driver_slot>(chip_id, args...);
+    } else {
+        return _dpl_port_route_lport<Route>(name, chip_id, args...);
+    }
+}
+
 } // namespace
 
 extern "C" {
@@ -352,13 +525,11 @@ i32 dpl_reef_port_db_init(u32 chip_id)
     if (g_dpl_reef_port_control[chip_id] != nullptr || count == 0) {
         return 0;
     }
-    auto *ports = static_cast<dpl_reef_port_info *>(
-        xsal_malloc(u64{count} * sizeof(dpl_reef_port_info), "port_control", SHR_MOD_PORT));
+    auto *ports = tide::port::zalloc<dpl_reef_port_info>(count, "port_control");
     if (ports == nullptr) {
         SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "malloc g_dpl_reef_port_control memory error!\n");
         return SHR_E_MEMORY;
     }
-    memset(ports, 0, count * sizeof(dpl_reef_port_info));
     const i32 rc = _dpl_reef_port_db_locks_create(chip_id, ports, count);
     if (rc != 0) {
         xsal_mem_free(ports);
@@ -420,117 +591,18 @@ i32 dpl_reef_port_hw_phase2_init(u32 chip_id)
     return rc;
 }
 
-// ---- operations on the whole chip ------------------------------------------------------
+// ---- the operations of the family ---------------------------------------------------------
 
-i32 dpl_reef_port_map_mode_set(u32 chip_id, u32 mapping_mode)
-{
-    return _dpl_port_chip_op<&drv::mapping_mode_set>(chip_id, __func__, 0u, mapping_mode);
-}
-
-i32 dpl_reef_port_map_mode_get(u32 chip_id, u32 *mapping_mode)
-{
-    return _dpl_port_chip_op<&drv::mapping_mode_get>(chip_id, __func__, 0u, mapping_mode);
-}
-
-i32 dpl_reef_port_config_get(u32 chip_id, port_config *config)
-{
-    return _dpl_port_chip_op<&drv::port_config_get>(chip_id, __func__, 0u, config);
-}
-
-i32 dpl_reef_port_mac_phy_mode_set(u32 chip_id, u32 mode)
-{
-    return _dpl_port_chip_op<&drv::mac_phy_mode_set>(chip_id, __func__, 0u, mode);
-}
-
-i32 dpl_reef_port_mac_phy_mode_get(u32 chip_id, u32 *mode)
-{
-    return _dpl_port_chip_op<&drv::mac_phy_mode_get>(chip_id, __func__, 0u, mode);
-}
-
-i32 dpl_reef_port_transmit_path_set(u32 chip_id, u32 mode, u32 select, u32 path)
-{
-    return _dpl_port0_op<&drv::port_transmit_path_set>(chip_id, mode, select, path);
-}
-
-i32 dpl_reef_port_transmit_path_get(u32 chip_id, u32 *mode, u32 *select, u32 *path)
-{
-    return _dpl_port0_op<&drv::port_transmit_path_get>(chip_id, mode, select, path);
-}
-
-// ---- operations that work before the port is in use ------------------------------------
-
-i32 dpl_reef_port_serdes_id_get(u32 chip_id, u32 lport, port_serdes_id *serdes)
-{
-    return _dpl_port_op<&drv::serdes_id_get, csl_port_valid_check>(chip_id, lport, __func__, serdes);
-}
-
-i32 dpl_reef_port_interface_get(u32 chip_id, u32 lport, port_interface *info)
-{
-    return _dpl_port_op<&drv::port_interface_type_get, csl_port_valid_check>(chip_id, lport, __func__, info);
-}
-
-// The whole MAG of the port takes the new type; the MAC layer follows the
-// lane.  A port that the new type keeps in use returns to normal link
-// mode; one that it leaves unused has no link to restore.
-i32 dpl_reef_port_interface_set(u32 chip_id, u32 lport, port_interface *info)
-{
-    i32 rc = _dpl_port_args_check<csl_port_valid_check>(chip_id, lport, info);
-    if (rc != 0) {
-        return rc;
+#define DPL_REEF_PORT_DEFINE(name, params, args)                                           \
+    i32 dpl_reef_port_##name params                                                        \
+    {                                                                                      \
+        return _dpl_port_route<&reef_port_dispatch_t::name>(#name, API_UNPAREN args);      \
     }
-    port_serdes_id serdes{};
-    u32 speed_id = 0;
-    rc = dpl_reef_port_serdes_id_get(chip_id, lport, &serdes);
-    if (rc == 0) {
-        rc = dpl_reef_port_serdes_speed_get(chip_id, lport, info->interface_type, &speed_id);
-    }
-    if (rc == 0) {
-        rc = _dpl_port_forward<&drv::port_interface_type_set>(chip_id, lport, __func__, info);
-    }
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-        return rc;
-    }
-    csl_port_control *ctl = csl_port_control_get(chip_id);
-    bool active = false;
-    {
-        MutexGuard hold(ctl->lock);
-        active = pbmp_test(ctl->port_config.pbmp[PORT_CONFIG_ACTIVE], lport);
-    }
-    rc = active ? dpl_reef_port_force_set(chip_id, lport, PORT_LINK_NORMAL, PORT_LINK_DOWN) : 0;
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
+TIDE_PORT_OPS(DPL_REEF_PORT_DEFINE)
+#undef DPL_REEF_PORT_DEFINE
 
-// ---- operations of a port in use --------------------------------------------------------
-
-i32 dpl_reef_port_tx_rx_enable_set(u32 chip_id, u32 lport, u32 enable_type, u32 enable_value)
-{
-    return _dpl_port_op<&drv::port_tx_rx_enable_set>(chip_id, lport, __func__, enable_type, enable_value);
-}
-
-i32 dpl_reef_port_tx_rx_enable_get(u32 chip_id, u32 lport, u32 enable_type, u32 *enable_value)
-{
-    return _dpl_port_op<&drv::port_tx_rx_enable_get>(chip_id, lport, __func__, enable_type, enable_value);
-}
-
-i32 dpl_reef_port_enable_set(u32 chip_id, u32 lport, u32 enable_value)
-{
-    return _dpl_port_op<&drv::port_enable_set>(chip_id, lport, __func__, enable_value);
-}
-
-i32 dpl_reef_port_lane_enable_set(u32 chip_id, u32 lport, u32 enable)
-{
-    return _dpl_port_op<&drv::port_enable_set>(chip_id, lport, nullptr, enable);
-}
-
-i32 dpl_reef_port_enable_get(u32 chip_id, u32 lport, u32 *enable_value)
-{
-    return _dpl_port_op<&drv::port_enable_get>(chip_id, lport, __func__, enable_value);
-}
-
+// The driver operations of the calls that an external PHY may own, for
+// code that speaks to the MAC itself.
 i32 dpl_reef_mac_autoneg_set(u32 chip_id, u32 lport, u32 enable)
 {
     return _dpl_port_op<&drv::pcs_an_enable_set>(chip_id, lport, __func__, enable);
@@ -539,42 +611,6 @@ i32 dpl_reef_mac_autoneg_set(u32 chip_id, u32 lport, u32 enable)
 i32 dpl_reef_mac_autoneg_get(u32 chip_id, u32 lport, u32 *enable)
 {
     return _dpl_port_op<&drv::pcs_an_enable_get>(chip_id, lport, __func__, enable);
-}
-
-i32 dpl_reef_port_autoneg_set(u32 chip_id, u32 lport, u32 enable)
-{
-    return _dpl_port_phy_op<&drv::pcs_an_enable_set>(chip_id, lport, __func__, enable);
-}
-
-i32 dpl_reef_port_autoneg_get(u32 chip_id, u32 lport, u32 *enable)
-{
-    return _dpl_port_phy_op<&drv::pcs_an_enable_get>(chip_id, lport, __func__, enable);
-}
-
-i32 dpl_reef_port_autoneg_restart(u32 chip_id, u32 lport)
-{
-    return _dpl_port_op<&drv::autoneg_restart_set>(chip_id, lport, __func__);
-}
-
-i32 dpl_reef_port_advert_ability_set(u32 chip_id, u32 lport, port_ability *ability)
-{
-    return _dpl_port_op<&drv::advert_ability_set>(chip_id, lport, __func__, ability);
-}
-
-i32 dpl_reef_port_advert_ability_get(u32 chip_id, u32 lport, port_ability *ability)
-{
-    return _dpl_port_op<&drv::advert_ability_get>(chip_id, lport, __func__, ability);
-}
-
-i32 dpl_reef_port_local_ability_get(u32 chip_id, u32 lport, port_ability *ability)
-{
-    return _dpl_port_op<&drv::local_ability_get>(chip_id, lport, __func__, ability);
-}
-
-// The partner's abilities are not kept: the call checks and writes nothing.
-i32 dpl_reef_port_remote_ability_get(u32 chip_id, u32 lport, port_ability *ability)
-{
-    return _dpl_port_args_check(chip_id, lport, ability);
 }
 
 i32 dpl_reef_mac_speed_set(u32 chip_id, u32 lport, u32 speed)
@@ -587,16 +623,6 @@ i32 dpl_reef_mac_speed_get(u32 chip_id, u32 lport, u32 *speed)
     return _dpl_port_op<&drv::port_speed_get>(chip_id, lport, __func__, speed);
 }
 
-i32 dpl_reef_port_speed_set(u32 chip_id, u32 lport, u32 speed)
-{
-    return _dpl_port_phy_op<&drv::port_speed_set>(chip_id, lport, __func__, speed);
-}
-
-i32 dpl_reef_port_speed_get(u32 chip_id, u32 lport, u32 *speed)
-{
-    return _dpl_port_phy_op<&drv::port_speed_get>(chip_id, lport, __func__, speed);
-}
-
 i32 dpl_reef_mac_duplex_set(u32 chip_id, u32 lport, u32 duplex_mode)
 {
     return _dpl_port_op<&drv::port_duplex_set>(chip_id, lport, __func__, duplex_mode);
@@ -607,184 +633,9 @@ i32 dpl_reef_mac_duplex_get(u32 chip_id, u32 lport, u32 *duplex_mode)
     return _dpl_port_op<&drv::port_duplex_get>(chip_id, lport, __func__, duplex_mode);
 }
 
-i32 dpl_reef_port_duplex_set(u32 chip_id, u32 lport, u32 duplex_mode)
+i32 dpl_reef_port_lane_enable_set(u32 chip_id, u32 lport, u32 enable)
 {
-    return _dpl_port_phy_op<&drv::port_duplex_set>(chip_id, lport, __func__, duplex_mode);
-}
-
-i32 dpl_reef_port_duplex_get(u32 chip_id, u32 lport, u32 *duplex_mode)
-{
-    return _dpl_port_phy_op<&drv::port_duplex_get>(chip_id, lport, __func__, duplex_mode);
-}
-
-i32 dpl_reef_port_vlan_pause_set(u32 chip_id, u32 lport, u32 type, u32 value)
-{
-    return _dpl_port_op<&drv::vlan_pause_set>(chip_id, lport, __func__, type, value);
-}
-
-i32 dpl_reef_port_vlan_pause_get(u32 chip_id, u32 lport, u32 type, u32 *value)
-{
-    return _dpl_port_op<&drv::vlan_pause_get>(chip_id, lport, __func__, type, value);
-}
-
-i32 dpl_reef_port_pause_set(u32 chip_id, u32 lport, u32 pause_type, u32 pause_value)
-{
-    return _dpl_port_op<&drv::mac_pause_set>(chip_id, lport, __func__, pause_type, pause_value);
-}
-
-i32 dpl_reef_port_pause_get(u32 chip_id, u32 lport, u32 pause_type, u32 *pause_value)
-{
-    return _dpl_port_op<&drv::mac_pause_get>(chip_id, lport, __func__, pause_type, pause_value);
-}
-
-i32 dpl_reef_port_pause_addr_set(u32 chip_id, u32 lport, u8 *smac)
-{
-    return _dpl_port_op<&drv::mac_pause_smac_set>(chip_id, lport, __func__, smac);
-}
-
-i32 dpl_reef_port_pause_addr_get(u32 chip_id, u32 lport, u8 *smac)
-{
-    return _dpl_port_op<&drv::mac_pause_smac_get>(chip_id, lport, __func__, smac);
-}
-
-i32 dpl_reef_port_max_frame_set(u32 chip_id, u32 lport, u32 frame_type, u32 length)
-{
-    return _dpl_port_op<&drv::max_frame_set>(chip_id, lport, __func__, frame_type, length);
-}
-
-i32 dpl_reef_port_max_frame_get(u32 chip_id, u32 lport, u32 frame_type, u32 *length)
-{
-    return _dpl_port_op<&drv::max_frame_get>(chip_id, lport, __func__, frame_type, length);
-}
-
-i32 dpl_reef_port_min_frame_set(u32 chip_id, u32 lport, u32 frame_type, u32 length)
-{
-    return _dpl_port_op<&drv::min_frame_set>(chip_id, lport, __func__, frame_type, length);
-}
-
-i32 dpl_reef_port_min_frame_get(u32 chip_id, u32 lport, u32 frame_type, u32 *length)
-{
-    return _dpl_port_op<&drv::min_frame_get>(chip_id, lport, __func__, frame_type, length);
-}
-
-i32 dpl_reef_port_mac_link_status_get(u32 chip_id, u32 lport, u32 *status)
-{
-    return _dpl_port_op<&drv::mac_link_status_get>(chip_id, lport, __func__, status);
-}
-
-i32 dpl_reef_port_link_status_get(u32 chip_id, u32 lport, u32 *status)
-{
-    return _dpl_port_op<&drv::link_status_get>(chip_id, lport, __func__, status);
-}
-
-i32 dpl_reef_port_ifg_set(u32 chip_id, u32 lport, u8 ifg)
-{
-    return _dpl_port_op<&drv::ifg_set>(chip_id, lport, __func__, ifg);
-}
-
-i32 dpl_reef_port_ifg_get(u32 chip_id, u32 lport, u8 *ifg)
-{
-    return _dpl_port_op<&drv::ifg_get>(chip_id, lport, __func__, ifg);
-}
-
-i32 dpl_reef_port_fault_get(u32 chip_id, u32 lport, u32 *fault)
-{
-    return _dpl_port_op<&drv::mac_fault_status_get>(chip_id, lport, __func__, fault);
-}
-
-i32 dpl_reef_port_counter_get(u32 chip_id, u32 lport, u32 mib_item, u64 *value)
-{
-    return _dpl_port_op<&drv::counter_get>(chip_id, lport, __func__, mib_item, value);
-}
-
-i32 dpl_reef_port_counter_clean(u32 chip_id, u32 lport)
-{
-    return _dpl_port_op<&drv::port_counter_clean>(chip_id, lport, __func__);
-}
-
-// The PHY loops belong to an external PHY: with one the MAC is asked for
-// no loop, without one they are refused.
-i32 dpl_reef_port_loopback_set(u32 chip_id, u32 lport, port_loopback *loopback)
-{
-    const i32 rc = _dpl_port_args_check(chip_id, lport, loopback);
-    if (rc != 0) {
-        return rc;
-    }
-    port_loopback ask = *loopback;
-    if (ask.loop_mode == PORT_LOOP_PHY_INNER || ask.loop_mode == PORT_LOOP_PHY_OUTER) {
-        if (!dpl_reef_port_phy_ext(chip_id, lport)) {
-            SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "chip_id%u lport%u loop mode %u needs an external phy\n", chip_id,
-                        lport, ask.loop_mode);
-            return SHR_E_NOT_SUPPORT;
-        }
-        ask.loop_mode = PORT_LOOP_NONE;
-    }
-    return _dpl_port_forward<&drv::port_loopback_set>(chip_id, lport, __func__, &ask);
-}
-
-i32 dpl_reef_port_loopback_get(u32 chip_id, u32 lport, port_loopback *loopback)
-{
-    return _dpl_port_phy_op<&drv::port_loopback_get>(chip_id, lport, __func__, loopback);
-}
-
-i32 dpl_reef_port_force_set(u32 chip_id, u32 lport, u32 link_mode, u32 link_status)
-{
-    return _dpl_port_op<&drv::port_force_link_set>(chip_id, lport, __func__, link_mode, link_status);
-}
-
-i32 dpl_reef_port_force_get(u32 chip_id, u32 lport, u32 *link_mode, u32 *link_status)
-{
-    return _dpl_port_op<&drv::port_force_link_get>(chip_id, lport, __func__, link_mode, link_status);
-}
-
-i32 dpl_reef_port_crc_set(u32 chip_id, u32 lport, u32 crc_type, u32 crc_value)
-{
-    return _dpl_port_op<&drv::port_crc_set>(chip_id, lport, __func__, crc_type, crc_value);
-}
-
-i32 dpl_reef_port_crc_get(u32 chip_id, u32 lport, u32 crc_type, u32 *crc_value)
-{
-    return _dpl_port_op<&drv::port_crc_get>(chip_id, lport, __func__, crc_type, crc_value);
-}
-
-i32 dpl_reef_port_dic_mode_set(u32 chip_id, u32 lport, u32 mode)
-{
-    return _dpl_port_op<&drv::dic_mode_set>(chip_id, lport, __func__, mode);
-}
-
-i32 dpl_reef_port_dic_mode_get(u32 chip_id, u32 lport, u32 *mode)
-{
-    return _dpl_port_op<&drv::dic_mode_get>(chip_id, lport, __func__, mode);
-}
-
-i32 dpl_reef_port_clk_delta_get(u32 chip_id, u32 lport, port_clk_delta *delta)
-{
-    return _dpl_port_op<&drv::clk_delta_result_get>(chip_id, lport, __func__, delta);
-}
-
-i32 dpl_reef_port_cfg_control_set(u32 chip_id, u32 lport, u32 flag, void *value)
-{
-    return _dpl_port_op<&drv::cfg_control_set>(chip_id, lport, __func__, flag, value);
-}
-
-i32 dpl_reef_port_cfg_control_get(u32 chip_id, u32 lport, u32 flag, void *value)
-{
-    return _dpl_port_op<&drv::cfg_control_get>(chip_id, lport, __func__, flag, value);
-}
-
-i32 dpl_reef_port_basic_info_get(u32 chip_id, u32 lport, port_info_buff *info)
-{
-    return _dpl_port_op<&drv::basic_info_get>(chip_id, lport, __func__, info);
-}
-
-i32 dpl_reef_port_alm_info_get(u32 chip_id, u32 lport, u32 clear, port_info_buff *info)
-{
-    return _dpl_port_op<&drv::alm_info_get>(chip_id, lport, __func__, clear, info);
-}
-
-i32 dpl_reef_port_reset(u32 chip_id, u32 lport, u32 reset_flag)
-{
-    return _dpl_port_op<&drv::port_reset_set>(chip_id, lport, __func__, reset_flag);
+    return _dpl_port_op<&drv::port_enable_set>(chip_id, lport, nullptr, enable);
 }
 
 // ---- the SerDes watchdog ------------------------------------------------------------------

@@ -2,7 +2,6 @@
 // the ports whose link is up and the ports held blocked; the chip forwards
 // on the linked ports that are not blocked.  A blocked port stays
 // remembered as linked, so that unblocking it opens it again.
-#include <cstring>
 
 #include "dpl/reef/port/dpl_reef_port.h"
 
@@ -107,13 +106,11 @@ i32 dpl_reef_port_link_fwd_init(u32 chip_id)
     if (g_reef_da_ctrl[chip_id] != nullptr) {
         return 0;
     }
-    auto *da = static_cast<dpl_reef_da_control *>(xsal_malloc(sizeof(dpl_reef_da_control), "Link DA Control",
-                                                              SHR_MOD_PORT));
+    auto *da = tide::port::zalloc<dpl_reef_da_control>(1, "Link DA Control");
     if (da == nullptr) {
         SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "failed to malloc DA Control chip_id=%d\n", (int)chip_id);
         return SHR_E_MEMORY;
     }
-    memset(da, 0, sizeof(*da));
     da->lock = xsal_mutex_create("SF Link Scan da_state Lock");
     if (da->lock == nullptr) {
         SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "failed to create da_state mutex chip_id=%d\n", (int)chip_id);
