@@ -1,5 +1,6 @@
 /* Every public header compiles as C99 on its own. */
 #include <tide/base.h>
+#include <tide/cli.h>
 #include <tide/hal_os.h>
 #include <tide/init.h>
 #include <tide/port.h>

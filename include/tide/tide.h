@@ -6,6 +6,7 @@
 #define TIDE_TIDE_H
 
 #include <tide/base.h>
+#include <tide/cli.h>
 #include <tide/init.h>
 #include <tide/port.h>
 #include <tide/shr.h>
