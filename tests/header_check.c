@@ -3,6 +3,7 @@
 #include <tide/cli.h>
 #include <tide/hal_os.h>
 #include <tide/init.h>
+#include <tide/port.h>
 #include <tide/shr.h>
 #include <tide/sim.h>
 #include <tide/stub.h>
@@ -13,5 +14,6 @@ int tide_header_check(void);
 int tide_header_check(void)
 {
     sdk_init_cfg cfg = {0};
-    return (int)sizeof(cfg) + (int)sizeof(hal_devio);
+    port_config config = {0};
+    return (int)sizeof(cfg) + (int)sizeof(hal_devio) + (int)sizeof(config.pbmp[0]);
 }

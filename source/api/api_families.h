@@ -12,6 +12,7 @@
 
 #include <tide/base.h>
 #include <tide/init.h>
+#include <tide/port.h>
 
 #include "api/api_guard.h"
 
@@ -59,5 +60,77 @@ API_DECLARE_FAMILY(init, TIDE_INIT_OPS)
     OP(control_get, (u32 chip_id, base_test_cfg *cfg), (chip_id, cfg))
 
 API_DECLARE_FAMILY(base, TIDE_BASE_OPS)
+
+/* ---- port: 56 slots ------------------------------------------------------ */
+#define TIDE_PORT_OPS(OP)                                                                                   \
+    OP(map_mode_set, (u32 chip_id, u32 mapping_mode), (chip_id, mapping_mode))                              \
+    OP(map_mode_get, (u32 chip_id, u32 *mapping_mode), (chip_id, mapping_mode))                             \
+    OP(interface_set, (u32 chip_id, u32 lport, port_interface *info), (chip_id, lport, info))               \
+    OP(interface_get, (u32 chip_id, u32 lport, port_interface *info), (chip_id, lport, info))               \
+    OP(config_get, (u32 chip_id, port_config *config), (chip_id, config))                                   \
+    OP(tx_rx_enable_set, (u32 chip_id, u32 lport, u32 enable_type, u32 enable_value),                       \
+       (chip_id, lport, enable_type, enable_value))                                                         \
+    OP(tx_rx_enable_get, (u32 chip_id, u32 lport, u32 enable_type, u32 *enable_value),                      \
+       (chip_id, lport, enable_type, enable_value))                                                         \
+    OP(enable_set, (u32 chip_id, u32 lport, u32 enable_value), (chip_id, lport, enable_value))              \
+    OP(enable_get, (u32 chip_id, u32 lport, u32 *enable_value), (chip_id, lport, enable_value))             \
+    OP(autoneg_set, (u32 chip_id, u32 lport, u32 enable), (chip_id, lport, enable))                         \
+    OP(autoneg_get, (u32 chip_id, u32 lport, u32 *enable), (chip_id, lport, enable))                        \
+    OP(autoneg_restart, (u32 chip_id, u32 lport), (chip_id, lport))                                         \
+    OP(advert_ability_set, (u32 chip_id, u32 lport, port_ability *ability), (chip_id, lport, ability))      \
+    OP(advert_ability_get, (u32 chip_id, u32 lport, port_ability *ability), (chip_id, lport, ability))      \
+    OP(local_ability_get, (u32 chip_id, u32 lport, port_ability *ability), (chip_id, lport, ability))       \
+    OP(remote_ability_get, (u32 chip_id, u32 lport, port_ability *ability), (chip_id, lport, ability))      \
+    OP(speed_set, (u32 chip_id, u32 lport, u32 speed), (chip_id, lport, speed))                             \
+    OP(speed_get, (u32 chip_id, u32 lport, u32 *speed), (chip_id, lport, speed))                            \
+    OP(duplex_set, (u32 chip_id, u32 lport, u32 duplex_mode), (chip_id, lport, duplex_mode))                \
+    OP(duplex_get, (u32 chip_id, u32 lport, u32 *duplex_mode), (chip_id, lport, duplex_mode))               \
+    OP(vlan_pause_set, (u32 chip_id, u32 lport, u32 type, u32 value), (chip_id, lport, type, value))        \
+    OP(vlan_pause_get, (u32 chip_id, u32 lport, u32 type, u32 *value), (chip_id, lport, type, value))       \
+    OP(pause_set, (u32 chip_id, u32 lport, u32 pause_type, u32 pause_value),                                \
+       (chip_id, lport, pause_type, pause_value))                                                           \
+    OP(pause_get, (u32 chip_id, u32 lport, u32 pause_type, u32 *pause_value),                               \
+       (chip_id, lport, pause_type, pause_value))                                                           \
+    OP(pause_addr_set, (u32 chip_id, u32 lport, u8 *smac), (chip_id, lport, smac))                          \
+    OP(pause_addr_get, (u32 chip_id, u32 lport, u8 *smac), (chip_id, lport, smac))                          \
+    OP(max_frame_set, (u32 chip_id, u32 lport, u32 frame_type, u32 length),                                 \
+       (chip_id, lport, frame_type, length))                                                                \
+    OP(max_frame_get, (u32 chip_id, u32 lport, u32 frame_type, u32 *length),                                \
+       (chip_id, lport, frame_type, length))                                                                \
+    OP(min_frame_set, (u32 chip_id, u32 lport, u32 frame_type, u32 length),                                 \
+       (chip_id, lport, frame_type, length))                                                                \
+    OP(min_frame_get, (u32 chip_id, u32 lport, u32 frame_type, u32 *length),                                \
+       (chip_id, lport, frame_type, length))                                                                \
+    OP(mac_link_status_get, (u32 chip_id, u32 lport, u32 *status), (chip_id, lport, status))                \
+    OP(link_status_get, (u32 chip_id, u32 lport, u32 *status), (chip_id, lport, status))                    \
+    OP(ifg_set, (u32 chip_id, u32 lport, u8 ifg), (chip_id, lport, ifg))                                    \
+    OP(ifg_get, (u32 chip_id, u32 lport, u8 *ifg), (chip_id, lport, ifg))                                   \
+    OP(fault_get, (u32 chip_id, u32 lport, u32 *fault), (chip_id, lport, fault))                            \
+    OP(counter_get, (u32 chip_id, u32 lport, u32 mib_item, u64 *value), (chip_id, lport, mib_item, value))  \
+    OP(counter_clean, (u32 chip_id, u32 lport), (chip_id, lport))                                           \
+    OP(loopback_set, (u32 chip_id, u32 lport, port_loopback *loopback), (chip_id, lport, loopback))         \
+    OP(loopback_get, (u32 chip_id, u32 lport, port_loopback *loopback), (chip_id, lport, loopback))         \
+    OP(force_set, (u32 chip_id, u32 lport, u32 link_mode, u32 link_status),                                 \
+       (chip_id, lport, link_mode, link_status))                                                            \
+    OP(force_get, (u32 chip_id, u32 lport, u32 *link_mode, u32 *link_status),                               \
+       (chip_id, lport, link_mode, link_status))                                                            \
+    OP(crc_set, (u32 chip_id, u32 lport, u32 crc_type, u32 crc_value), (chip_id, lport, crc_type, crc_value)) \
+    OP(crc_get, (u32 chip_id, u32 lport, u32 crc_type, u32 *crc_value),                                     \
+       (chip_id, lport, crc_type, crc_value))                                                               \
+    OP(dic_mode_set, (u32 chip_id, u32 lport, u32 mode), (chip_id, lport, mode))                            \
+    OP(dic_mode_get, (u32 chip_id, u32 lport, u32 *mode), (chip_id, lport, mode))                           \
+    OP(clk_delta_get, (u32 chip_id, u32 lport, port_clk_delta *delta), (chip_id, lport, delta))             \
+    OP(mac_phy_mode_set, (u32 chip_id, u32 mode), (chip_id, mode))                                          \
+    OP(mac_phy_mode_get, (u32 chip_id, u32 *mode), (chip_id, mode))                                         \
+    OP(serdes_id_get, (u32 chip_id, u32 lport, port_serdes_id *serdes), (chip_id, lport, serdes))           \
+    OP(transmit_path_set, (u32 chip_id, u32 mode, u32 select, u32 path), (chip_id, mode, select, path))     \
+    OP(transmit_path_get, (u32 chip_id, u32 *mode, u32 *select, u32 *path), (chip_id, mode, select, path))  \
+    OP(cfg_control_set, (u32 chip_id, u32 lport, u32 flag, void *value), (chip_id, lport, flag, value))     \
+    OP(cfg_control_get, (u32 chip_id, u32 lport, u32 flag, void *value), (chip_id, lport, flag, value))     \
+    OP(basic_info_get, (u32 chip_id, u32 lport, port_info_buff *info), (chip_id, lport, info))              \
+    OP(alm_info_get, (u32 chip_id, u32 lport, u32 clear, port_info_buff *info), (chip_id, lport, clear, info)) \
+    OP(reset, (u32 chip_id, u32 lport, u32 reset_flag), (chip_id, lport, reset_flag))
+
+API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

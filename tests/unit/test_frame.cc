@@ -240,6 +240,28 @@ TEST_F(Frame, EveryBaseCallRefusesInvalidChipsAndAnswersEmptySlots)
                                              "chip_module_cnt_show"}));
 }
 
+// Every port call refuses an invalid chip; on a valid chip whose port
+// service is not up, none of them crashes or succeeds.  The family has no
+// empty slot.
+TEST_F(Frame, EveryPortCallRefusesInvalidChipsAndHasItsSlot)
+{
+    for (u32 chip : {0u, 4u, 0xFFFFFFFFu}) {
+#define CHECK_INVALID(name, params, args) EXPECT_EQ(_call_with_zeros(port_api_##name, chip), -3) << #name;
+        TIDE_PORT_OPS(CHECK_INVALID)
+#undef CHECK_INVALID
+    }
+    shr_chip_type_assign(0, SHR_CHIP_TYPE_ATOLREEF, 0);
+    size_t slots = 0;
+#define CHECK_NOT_UP(name, params, args)                              \
+    EXPECT_NE(reef_port_dispatch.name, nullptr) << #name;             \
+    EXPECT_LT(_call_with_zeros(port_api_##name, 0), 0) << #name;       \
+    slots++;
+    TIDE_PORT_OPS(CHECK_NOT_UP)
+#undef CHECK_NOT_UP
+    EXPECT_EQ(slots, 56u);
+    EXPECT_EQ(sizeof(reef_port_dispatch_t), 56 * sizeof(void *));
+}
+
 TEST_F(Frame, StubRecordPointerIsCheckedAfterTheChip)
 {
     Capture::clear();

@@ -9,6 +9,7 @@
 #include "csl/common/reg_tab/csl_reg.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/init/dpl_reef_init.h"
+#include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
 #include "sal/linux_um/xsal_int.h"
 
@@ -24,16 +25,22 @@ struct dpl_step {
 // Software init, in order.
 constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
+    {"port", dpl_reef_port_soft_init, nullptr},
 };
 
 // Software deinit, in order.
 constexpr dpl_step kSoftDeinit[] = {
+    {"port", dpl_reef_port_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
 };
 
-// Hardware init, in order, after the reset.
+// Hardware init, in order, after the reset.  The ports come up in two
+// phases around the feature modules: their MACs open only when the core
+// can take packets.
 constexpr dpl_step kHwInit[] = {
+    {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
+    {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
 };
 
 // Hardware deinit, in order.
