@@ -284,6 +284,30 @@ i32 cli_msg_exec_unpack(u8 *body, u32 len, msg_exec *out)
     return out->argc == words && static_cast<u32>(words) <= k_max_words ? 0 : -1;
 }
 
+i32 cli_msg_reg_reply_unpack(u8 *body, u32 len, i32 *next_index, cli_msg_reg_fn fn, void *ctx)
+{
+    constexpr u32 head = CLI_MSG_REG_HEAD_LEN - CLI_MSG_HEAD_LEN;
+    i32 count = 0;
+    if (len < head) {
+        return -1;
+    }
+    std::memcpy(&count, body, sizeof(count));
+    std::memcpy(next_index, body + sizeof(count), sizeof(*next_index));
+    if (count < 0) {
+        return -1;
+    }
+    u32 pos = head;
+    for (i32 i = 0; i < count; i++) {
+        msg_reg rec;
+        const i32 n = pack_struct(&rec, msg_reg_descs, body + pos, len - pos, 0);
+        if (n <= 0 || (fn != nullptr && fn(&rec, ctx) != 0)) {
+            return -1;
+        }
+        pos += static_cast<u32>(n);
+    }
+    return pos == len ? count : -1;
+}
+
 i32 block_read(int fd, u8 *buf, u32 len, i32 timeout_s)
 {
     if (fd < 0 || fd >= FD_SETSIZE) {
@@ -305,6 +329,7 @@ i32 block_read(int fd, u8 *buf, u32 len, i32 timeout_s)
         }
         if (r == 0) {
             xsal_printf("select timeout.\n");
+            errno = ETIMEDOUT;
             return static_cast<i32>(got);
         }
         const ssize_t n = read(fd, buf + got, len - got);

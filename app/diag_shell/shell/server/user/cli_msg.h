@@ -128,6 +128,13 @@ void cli_msg_head_set(u8 *msg, u32 msg_len, u16 msg_type);
  * words in `argv`, at most 256; 0 or -1. */
 i32 cli_msg_exec_unpack(u8 *body, u32 len, msg_exec *out);
 
+/* Unpacks the body of a MSG_REG reply in place and calls `fn` for each of
+ * its records in order.  The body must hold exactly `count` records; the
+ * count, with the next index at `*next_index`, or -1 (also when `fn`
+ * returns non-zero). */
+typedef i32 (*cli_msg_reg_fn)(const msg_reg *rec, void *ctx);
+i32 cli_msg_reg_reply_unpack(u8 *body, u32 len, i32 *next_index, cli_msg_reg_fn fn, void *ctx);
+
 /* ---- sockets ---------------------------------------------------------------- */
 
 /* Reads `len` bytes, waiting at most `timeout_s` seconds for each piece (a

@@ -284,6 +284,9 @@ void *client_thread(void *arg)
         }
         terminal_monitor_disable();
     }
+    // The peer learns at once that the connection is over; the descriptor
+    // itself is closed when the server collects the record.
+    shutdown(c->sock, SHUT_RDWR);
     pthread_setspecific(thread_client, nullptr);
     c->master = nullptr;
     thread_master_free(m);
