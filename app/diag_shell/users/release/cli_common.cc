@@ -10,6 +10,7 @@
 #include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_init.h"
 #include "app/diag_shell/users/release/cli_param.h"
+#include "shared/shr_int.h"
 
 namespace {
 
@@ -280,7 +281,7 @@ i32 cli_common_debug_log_show(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     return _for_modules(argv[0], [](u32 id) {
         const u8 level = shr_debugk_ll_level_get(id);
         cli_output_show(" %-14s %-8s %s\n", shr_module_name_get(id),
-                        shr_debugk_ll_enable_get(id) != 0 ? "enable" : "disable",
+                        g_shr_current_dk_enable[id] != 0 ? "enable" : "disable",
                         level < sizeof(k_levels) / sizeof(k_levels[0]) ? k_levels[level] : "?");
     });
 }

@@ -372,8 +372,14 @@ i32 cli_get_next_from_intlist(char **cursor, i32 previous)
         *cursor = nullptr;
         return k_list_end;
     } else if (*p == '-') {
-        *cursor = const_cast<char *>(p);
-        return static_cast<i32>(v);
+        // The start of a range; a range of one number is passed whole.
+        const char *q = p + 1;
+        u64 last = 0;
+        if (!_digits(&q, k_list_max, &last) || last != v) {
+            *cursor = const_cast<char *>(p);
+            return static_cast<i32>(v);
+        }
+        p = q;
     }
     if (*p == ',') {
         p++;
@@ -546,15 +552,17 @@ i32 cli_pport_str_get_from_port_list(char **cursor, const char *previous, u32 ro
     while (_is_blank(*p)) {
         p++;
     }
-    if (*p == ',') {
+    const bool after_comma = *p == ',';
+    if (after_comma) {
         p++;
         while (_is_blank(*p)) {
             p++;
         }
     }
     if (*p == '\0') {
+        // A comma must be followed by an item.
         *cursor = p;
-        return 1;
+        return after_comma ? _bad_item(p, p) : 1;
     }
     char *end = std::strchr(p, ',');
     end = end != nullptr ? end : p + std::strlen(p);
