@@ -74,6 +74,9 @@ TIDE_API void cli_ctree_free(void);
 TIDE_API int32_t cli_server_socket_path_set(const char *path);
 /* The path that the server uses. */
 TIDE_API const char *cli_server_socket_path_get(void);
+/* Where the running server listens, as "unix:PATH" or "tcp:127.0.0.1:PORT",
+ * into `text` of `size` bytes; 0, or -1 when no server listens. */
+TIDE_API int32_t cli_server_address_get(char *text, uint32_t size);
 
 /*
  * Starts the shell server and waits (at most 5 seconds) until it listens.

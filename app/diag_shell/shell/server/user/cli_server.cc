@@ -16,6 +16,7 @@
 #include <unistd.h>
 #include <arpa/inet.h>
 
+#include <cstdio>
 #include <cstring>
 
 #include "app/diag_shell/shell/server/user/cli_server.h"
@@ -913,6 +914,24 @@ i32 cli_server_socket_path_set(const char *path)
 const char *cli_server_socket_path_get(void)
 {
     return g_cli_server_socket_path;
+}
+
+i32 cli_server_address_get(char *text, u32 size)
+{
+    if (text == nullptr || size == 0 || _load(&server_thread_ready) != 1) {
+        return -1;
+    }
+    sockaddr_storage addr;
+    socklen_t len = sizeof(addr);
+    if (getsockname(g_server_fd, reinterpret_cast<sockaddr *>(&addr), &len) != 0) {
+        return -1;
+    }
+    if (addr.ss_family == AF_UNIX) {
+        std::snprintf(text, size, "unix:%s", g_cli_server_socket_path);
+    } else {
+        std::snprintf(text, size, "tcp:127.0.0.1:%u", ntohs(reinterpret_cast<const sockaddr_in &>(addr).sin_port));
+    }
+    return 0;
 }
 
 i32 cli_server_main(i32 port)
