@@ -38,6 +38,18 @@ i32 _chip_checked(u32 chip_id)
     return SHR_E_NONE;
 }
 
+// One step of bring-up or tear-down: its failure, or its success line.
+i32 _step(u32 chip_id, i32 rc, const char *what, const char *done)
+{
+    if (rc != SHR_E_NONE) {
+        cli_output_show("%s chip_id %d failed!, ret: %d, Fail reason:%s \n", what, static_cast<int>(chip_id),
+                        static_cast<int>(rc), shr_errmsg(rc));
+    } else {
+        cli_output_show("%s............[OK]\r\n", done);
+    }
+    return rc;
+}
+
 bool _enabled(const char *word)
 {
     return word != nullptr && std::strcmp(word, "enable") == 0;
@@ -293,20 +305,11 @@ i32 cli_common_sdk_set_init(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     (void)argv;
     sdk_init_cfg cfg;
     std::memset(&cfg, 0, sizeof(cfg));
-    i32 rc = init_api_software_process(chip_id, &cfg);
+    i32 rc = _step(chip_id, init_api_software_process(chip_id, &cfg), "soft init", "[soft init]");
+    rc = rc != SHR_E_NONE ? rc : _step(chip_id, init_api_hardware_process(chip_id), "chip init", "[chip init]");
     if (rc != SHR_E_NONE) {
-        cli_output_show("soft init chip_id %d failed!, ret: %d, Fail reason:%s \n", static_cast<int>(chip_id),
-                        static_cast<int>(rc), shr_errmsg(rc));
         return rc;
     }
-    cli_output_show("[soft init]............[OK]\r\n");
-    rc = init_api_hardware_process(chip_id);
-    if (rc != SHR_E_NONE) {
-        cli_output_show("chip init chip_id %d failed!, ret: %d, Fail reason:%s \n", static_cast<int>(chip_id),
-                        static_cast<int>(rc), shr_errmsg(rc));
-        return rc;
-    }
-    cli_output_show("[chip init]............[OK]\r\n");
     pkt_init_cfg pkt = {2, cli_property_get(chip_id, "cputr_create_tx_thread", 1) == 1 ? 1u : 0u,
                         cli_property_get(chip_id, "cputr_create_rx_thread", 1) == 1 ? 1u : 0u};
     rc = pkt_api_init(chip_id, &pkt);
@@ -322,26 +325,13 @@ i32 cli_common_sdk_set_deinit(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     (void)view_mode;
     (void)argc;
     (void)argv;
-    i32 rc = pkt_api_deinit(chip_id, 2);
+    const i32 rc = pkt_api_deinit(chip_id, 2);
     if (rc < 0 && rc != SHR_E_NOT_SUPPORT) {
         cli_output_show("pkt deinit failed!\n");
         return rc;
     }
-    rc = deinit_api_hardware_process(chip_id);
-    if (rc != SHR_E_NONE) {
-        cli_output_show("chip deinit chip_id %d failed!, ret: %d, Fail reason:%s \n", static_cast<int>(chip_id),
-                        static_cast<int>(rc), shr_errmsg(rc));
-        return rc;
-    }
-    cli_output_show("[chip deinit]............[OK]\r\n");
-    rc = deinit_api_software_process(chip_id);
-    if (rc != SHR_E_NONE) {
-        cli_output_show("soft deinit chip_id %d failed!, ret: %d, Fail reason:%s \n", static_cast<int>(chip_id),
-                        static_cast<int>(rc), shr_errmsg(rc));
-        return rc;
-    }
-    cli_output_show("[soft deinit]............[OK]\r\n");
-    return SHR_E_NONE;
+    const i32 hw = _step(chip_id, deinit_api_hardware_process(chip_id), "chip deinit", "[chip deinit]");
+    return hw != SHR_E_NONE ? hw : _step(chip_id, deinit_api_software_process(chip_id), "soft deinit", "[soft deinit]");
 }
 
 i32 cli_common_chip_id_by_bus_number_display(u32 chip_id, u32 view_mode, i32 argc, char **argv)

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "app/diag_shell/shell/server/user/cli_server.h"
+#include "shared/shr_int.h"
 
 extern "C" {
 
@@ -15,33 +16,19 @@ cli_monitor_ctl terminal_monitor_client_ctl;
 
 namespace {
 
-// Formatted text on the heap: a zeroed buffer of 100 bytes, doubled until
-// the text fits.  NULL without memory or for a bad format.
-char *_format(const char *format, va_list args, u32 *len)
-{
-    u64 size = 100;
-    for (;;) {
-        auto *buf = static_cast<char *>(xsal_malloc(size, "cli_output", SHR_MOD_CLI));
-        if (buf == nullptr) {
-            return nullptr;
-        }
-        std::memset(buf, 0, size);
-        va_list copy;
-        va_copy(copy, args);
-        const int n = std::vsnprintf(buf, size, format, copy);
-        va_end(copy);
-        if (n < 0) {
-            xsal_mem_free(buf);
-            return nullptr;
-        }
-        if (static_cast<u64>(n) < size) {
-            *len = static_cast<u32>(n);
-            return buf;
-        }
-        xsal_mem_free(buf);
-        size *= 2;
+// A handler's text formatted on the heap, from 100 bytes up; freed with
+// the record.
+struct _text {
+    u32 len = 0; // set by the formatting of `buf`, so declared first
+    char *buf = nullptr;
+    _text(const char *format, va_list args)
+        : buf(shr_vformat_alloc(100, "cli_output", SHR_MOD_CLI, &len, format, args))
+    {
     }
-}
+    ~_text() { xsal_mem_free(buf); }
+    _text(const _text &) = delete;
+    _text &operator=(const _text &) = delete;
+};
 
 // Text with no client to go to: the capture buffer of the running line,
 // else the console.
@@ -119,18 +106,16 @@ i32 cli_output_show(const char *format, ...)
     }
     va_list args;
     va_start(args, format);
-    u32 len = 0;
-    char *text = _format(format, args, &len);
+    const _text text(format, args);
     va_end(args);
-    if (text == nullptr) {
+    if (text.buf == nullptr) {
         return 0;
     }
     if (target == 1) {
-        output_show_msg_send(client, text, len);
+        output_show_msg_send(client, text.buf, text.len);
     } else {
-        output_show_without_client(text, len);
+        output_show_without_client(text.buf, text.len);
     }
-    xsal_mem_free(text);
     return 0;
 }
 
@@ -142,10 +127,9 @@ i32 output_show_console(const char *format, ...)
     }
     va_list args;
     va_start(args, format);
-    u32 len = 0;
-    char *text = _format(format, args, &len);
+    const _text text(format, args);
     va_end(args);
-    if (text == nullptr) {
+    if (text.buf == nullptr) {
         return 0;
     }
     i32 r = 0;
@@ -156,7 +140,7 @@ i32 output_show_console(const char *format, ...)
             for (u32 i = 0; i < CLI_MONITOR_SLOTS; i++) {
                 cli_client *c = terminal_monitor_client_ctl.client[i];
                 if (c != nullptr) {
-                    output_show_msg_send(c, text, len);
+                    output_show_msg_send(c, text.buf, text.len);
                     console_seen = console_seen || terminal_monitor_client_ctl.console[i] == 1;
                 }
             }
@@ -165,9 +149,8 @@ i32 output_show_console(const char *format, ...)
         }
     }
     if (!console_seen) {
-        xsal_printf("%s", text);
+        xsal_printf("%s", text.buf);
     }
-    xsal_mem_free(text);
     return r;
 }
 
