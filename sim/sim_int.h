@@ -51,6 +51,7 @@ constexpr uint32_t kPciConfigSize = 4096;
 
 class Chip;
 class ArlEngine;
+class Pipeline;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 
 struct Region {
@@ -110,6 +111,8 @@ public:
 
     // The MAC table.
     std::unique_ptr<ArlEngine> arl;
+    // The packet path.
+    std::unique_ptr<Pipeline> pkt;
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
