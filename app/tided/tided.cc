@@ -1,7 +1,7 @@
 // tided: the reference application.  It stands simulated atolreef chips
-// behind the SDK, brings them up in the library's calling order, and keeps
-// them up until SIGINT or SIGTERM, when it tears everything down in the
-// reverse order.
+// behind the SDK, brings them up in the library's calling order, makes VLAN
+// 1 of the front ports so that the chips switch, and keeps them up until
+// SIGINT or SIGTERM, when it tears everything down in the reverse order.
 //
 //   tided [--chips N] [--config FILE]
 #include <getopt.h>
@@ -15,7 +15,12 @@
 #include <tide/sim.h>
 #include <tide/tide.h>
 
+#include "app/tided/bootstrap_vlan.h"
+
 namespace {
+
+// The front ports, members of VLAN 1 without tags.
+constexpr uint32_t kFrontPorts = 0x0FFFFFFF;
 
 struct Options {
     unsigned chips = 1;
@@ -135,7 +140,11 @@ int main(int argc, char **argv)
             break;
         }
         hw_up[c] = true;
-        printf("tided: chip %u (%s) is up\n", c, shr_chip_name_get(c));
+        if (!_ok("bootstrap_vlan", c, bootstrap_vlan(c, 1, kFrontPorts, kFrontPorts))) {
+            status = 1;
+            break;
+        }
+        printf("tided: chip %u (%s) is up, VLAN 1 on ports 0 to 27\n", c, shr_chip_name_get(c));
     }
 
     if (status == 0) {
