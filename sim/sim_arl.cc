@@ -186,14 +186,12 @@ uint32_t ArlEngine::need_reg(const char *name, const desc::Register **out)
 
 uint32_t ArlEngine::reg(uint32_t addr) const
 {
-    uint64_t v = 0;
-    chip_.load(4, addr, 4, &v);
-    return static_cast<uint32_t>(v);
+    return chip_.core_word(addr);
 }
 
 void ArlEngine::set_reg(uint32_t addr, uint32_t value)
 {
-    chip_.store(4, addr, 4, value);
+    chip_.set_core_word(addr, value);
 }
 
 void ArlEngine::install()

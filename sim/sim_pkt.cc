@@ -215,20 +215,14 @@ void Pipeline::resolve()
 
 uint32_t Pipeline::reg(const RegView &rv, uint32_t instance) const
 {
-    uint64_t v = 0;
-    if (instance < rv.instances) {
-        chip_.load(4, rv.addrs[instance], 4, &v);
-    }
-    return static_cast<uint32_t>(v);
+    return instance < rv.instances ? chip_.core_word(rv.addrs[instance]) : 0;
 }
 
 void Pipeline::read(const TableView &tv, uint32_t index, uint32_t *words) const
 {
     const uint32_t base = tv.addr + index * tv.words * 4;
     for (uint32_t i = 0; i < tv.words; i++) {
-        uint64_t v = 0;
-        chip_.load(4, base + 4 * i, 4, &v);
-        words[i] = static_cast<uint32_t>(v);
+        words[i] = chip_.core_word(base + 4 * i);
     }
 }
 
@@ -243,7 +237,7 @@ void Pipeline::count_cause(uint32_t entry, uint32_t bytes)
     bits_set(w, egr.stat_bytes, bits_get(w, egr.stat_bytes) + bytes);
     const uint32_t base = t.stat.addr + entry * t.stat.words * 4;
     for (uint32_t i = 0; i < t.stat.words; i++) {
-        chip_.store(4, base + 4 * i, 4, w[i]);
+        chip_.set_core_word(base + 4 * i, w[i]);
     }
 }
 
@@ -303,10 +297,14 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     out.stats.tx_frames++;
     out.stats.tx_bytes += len;
     if (out.sent.size() >= kQueueFrames) {
+        // The oldest frame is forgotten; its buffer carries the new one.
+        out.sent.push_back(std::move(out.sent.front()));
         out.sent.pop_front();
         out.stats.tx_forgotten++;
+    } else {
+        out.sent.emplace_back();
     }
-    SentFrame &f = out.sent.emplace_back();
+    SentFrame &f = out.sent.back();
     f.bytes.assign(frame, frame + len);
     f.src_port = src;
     f.cause = cause;
