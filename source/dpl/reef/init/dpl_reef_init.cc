@@ -11,6 +11,7 @@
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
+#include "shared/shr_property_int.h"
 #include "sal/linux_um/xsal_int.h"
 
 namespace {
@@ -195,8 +196,8 @@ i32 dpl_reef_hw_init(u32 chip_id)
         return 0;
     }
     // Both switches default to 1: reset the chip, then program it.
-    const u32 chip_lsw_hw_reset = 1;
-    const u32 chip_hw_init = 1;
+    const int chip_lsw_hw_reset = shr_property_get(chip_id, "chip_lsw_hw_reset", 1);
+    const int chip_hw_init = shr_property_get(chip_id, "chip_hw_init", 1);
     i32 rc = 0;
     if (chip_lsw_hw_reset == 1) {
         rc = dpl_reef_chip_hw_reset(chip_id);
