@@ -4,6 +4,7 @@
 
 #include "atolreef_cib.h"
 #include "csl/reef/reg_tbl/csl_reef_cib.h"
+#include "api/api_families.h"
 #include "dpl/common/dpl_init_pre.h"
 #include "shared/shr_int.h"
 #include "dpl/reef/init/dpl_reef_init.h"
@@ -254,6 +255,25 @@ TEST_F(Levels, MemoryTestAtBringUp)
     EXPECT_EQ(g_dpl_reef_hw_inited[0], 0u);
     tide_sim_stuck_bits_clear(0);
     EXPECT_EQ(deinit_api_software_process(0), 0);
+}
+
+TEST_F(Levels, SoftResetPulsesTheCoreReset)
+{
+    ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
+    ASSERT_EQ(init_api_hardware_process(0), 0);
+    up_[0] = true;
+    const u32 addr = atolreef_cib_lsw_hreg_soft_rst_reg.addr[0];
+    ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+    EXPECT_EQ(reef_init_dispatch.chip_soft_reset(0, 0x1000000), -4);
+    EXPECT_TRUE(tide::test::sim_writes(0).empty());
+    ASSERT_EQ(reef_init_dispatch.chip_soft_reset(0, 0xABCDEF), 0);
+    std::vector<uint64_t> pulses;
+    for (const auto &w : tide::test::sim_writes(0)) {
+        if (w.bar == 4 && w.addr == addr) {
+            pulses.push_back(w.value);
+        }
+    }
+    EXPECT_EQ(pulses, (std::vector<uint64_t>{0xABCDEF, 0}));
 }
 
 } // namespace
