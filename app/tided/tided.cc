@@ -25,6 +25,7 @@ constexpr uint32_t kFrontPorts = 0x0FFFFFFF;
 struct Options {
     unsigned chips = 1;
     const char *config = TIDED_DEFAULT_CONFIG;
+    bool config_given = false;
 };
 
 void _usage(FILE *out)
@@ -59,6 +60,7 @@ int _parse(int argc, char **argv, Options *opt)
         }
         case 'c':
             opt->config = optarg;
+            opt->config_given = true;
             break;
         case 'h':
             _usage(stdout);
@@ -125,6 +127,21 @@ int main(int argc, char **argv)
         return 1;
     }
     printf("tided: %u simulated chip(s), configuration %s\n", opt.chips, opt.config);
+    // Every chip reads the same file; ".chipN" keys in it single one out.
+    // A file named on the command line must be there; without the shipped
+    // one every setting takes its default.
+    for (unsigned c = 0; c < opt.chips; c++) {
+        const int rc = shr_property_cfg_file_load(c, opt.config);
+        if (rc != 0 && opt.config_given) {
+            fprintf(stderr, "tided: configuration %s: %d (%s)\n", opt.config, rc, shr_errmsg(rc));
+            deinit_api_base_software_process();
+            tide_sim_uninstall();
+            return 2;
+        }
+        if (rc != 0 && c == 0) {
+            printf("tided: no configuration at %s, every setting takes its default\n", opt.config);
+        }
+    }
 
     bool hw_up[TIDE_MAX_CHIPS] = {};
     unsigned soft_up = 0;
