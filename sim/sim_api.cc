@@ -156,6 +156,26 @@ int _sim_reg_write64(uint32_t chip, uint32_t bar, uint32_t addr, uint64_t value)
     return c == nullptr ? -7 : c->bus_write(bar, addr, 8, value);
 }
 
+// A call of the packet path: the chip (-17, -3), the pointers (-20), the
+// port (-4), then `fn` on the chip's pipeline under the chip's mutex.
+template <typename Fn>
+int _on_packet_path(uint32_t chip, uint32_t lport, bool pointers_ok, Fn fn)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    if (!pointers_ok) {
+        return -20;
+    }
+    if (lport >= tide::sim::kPorts) {
+        return -4;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return fn(*c->pkt);
+}
+
 } // namespace
 
 extern "C" {
@@ -379,113 +399,60 @@ int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dyna
 
 int tide_sim_packet_inject(uint32_t chip, uint32_t lport, const uint8_t *frame, uint32_t len)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0) {
-        return rc;
-    }
-    if (frame == nullptr) {
-        return -20;
-    }
-    if (lport >= tide::sim::kPorts || len == 0 || len > TIDE_SIM_FRAME_MAX) {
-        return -4;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    c->pkt->inject(lport, frame, len);
-    return 0;
+    return _on_packet_path(chip, lport, frame != nullptr, [&](tide::sim::Pipeline &pl) {
+        if (len == 0 || len > TIDE_SIM_FRAME_MAX) {
+            return -4;
+        }
+        pl.inject(lport, frame, len);
+        return 0;
+    });
 }
 
 int tide_sim_packet_capture(uint32_t chip, uint32_t lport, uint8_t *buf, uint32_t size, uint32_t *len)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0) {
-        return rc;
-    }
-    if (buf == nullptr || len == nullptr) {
-        return -20;
-    }
-    if (lport >= tide::sim::kPorts) {
-        return -4;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    return c->pkt->capture(lport, buf, size, len);
+    return _on_packet_path(chip, lport, buf != nullptr && len != nullptr,
+                           [&](tide::sim::Pipeline &pl) { return pl.capture(lport, buf, size, len); });
 }
 
 int tide_sim_packet_peek(uint32_t chip, uint32_t lport, uint32_t index, uint8_t *buf, uint32_t size,
                          tide_sim_frame_info *info)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0) {
-        return rc;
-    }
-    if (lport >= tide::sim::kPorts) {
-        return -4;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    return c->pkt->peek(lport, index, buf, size, info);
+    return _on_packet_path(chip, lport, true,
+                           [&](tide::sim::Pipeline &pl) { return pl.peek(lport, index, buf, size, info); });
 }
 
 int tide_sim_port_stats_get(uint32_t chip, uint32_t lport, tide_sim_port_stats *stats)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0 || stats == nullptr) {
-        return rc != 0 ? rc : -20;
-    }
-    if (lport >= tide::sim::kPorts) {
-        return -4;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    c->pkt->stats(lport, stats);
-    return 0;
+    return _on_packet_path(chip, lport, stats != nullptr, [&](tide::sim::Pipeline &pl) {
+        pl.stats(lport, stats);
+        return 0;
+    });
 }
 
 int tide_sim_time_advance(uint32_t chip, uint32_t ms)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0) {
-        return rc;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    c->pkt->advance(ms);
-    return 0;
+    return _on_packet_path(chip, 0, true, [&](tide::sim::Pipeline &pl) {
+        pl.advance(ms);
+        return 0;
+    });
 }
 
 int tide_sim_time_get(uint32_t chip, uint64_t *ms)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0 || ms == nullptr) {
-        return rc != 0 ? rc : -20;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    *ms = c->pkt->now();
-    return 0;
+    return _on_packet_path(chip, 0, ms != nullptr, [&](tide::sim::Pipeline &pl) {
+        *ms = pl.now();
+        return 0;
+    });
 }
 
 int tide_sim_pcap_open(uint32_t chip, const char *path)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0 || path == nullptr) {
-        return rc != 0 ? rc : -20;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    return c->pkt->pcap_open(path);
+    return _on_packet_path(chip, 0, path != nullptr, [&](tide::sim::Pipeline &pl) { return pl.pcap_open(path); });
 }
 
 int tide_sim_pcap_close(uint32_t chip)
 {
-    const int rc = _chip_status(chip);
-    if (rc != 0) {
-        return rc;
-    }
-    Chip *c = _chip(chip);
-    std::lock_guard<std::mutex> lock(c->mutex);
-    return c->pkt->pcap_close();
+    return _on_packet_path(chip, 0, true, [&](tide::sim::Pipeline &pl) { return pl.pcap_close(); });
 }
 
 int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)

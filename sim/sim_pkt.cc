@@ -121,95 +121,111 @@ TableView Pipeline::need_tab(const char *name, const desc::Table **out)
     return TableView{t->addrs[0], t->words, t->depth};
 }
 
-FieldRef Pipeline::need(const desc::Register *r, const char *name)
+void Pipeline::need(const desc::Field *fields, uint32_t count, std::initializer_list<Want> wants)
 {
-    const FieldRef f = r != nullptr ? field_of(r->fields, r->field_count, name) : FieldRef{};
-    ok_ &= f.ok();
-    return f;
+    for (const Want &w : wants) {
+        *w.field = fields != nullptr ? field_of(fields, count, w.name) : FieldRef{};
+        ok_ &= w.field->ok();
+    }
 }
 
-FieldRef Pipeline::need(const desc::Table *t, const char *name)
+void Pipeline::need(const desc::Register *d, std::initializer_list<Want> wants)
 {
-    const FieldRef f = t != nullptr ? field_of(t->fields, t->field_count, name) : FieldRef{};
-    ok_ &= f.ok();
-    return f;
+    need(d != nullptr ? d->fields : nullptr, d != nullptr ? d->field_count : 0, wants);
+}
+
+void Pipeline::need(const desc::Table *d, std::initializer_list<Want> wants)
+{
+    need(d != nullptr ? d->fields : nullptr, d != nullptr ? d->field_count : 0, wants);
 }
 
 void Pipeline::resolve()
 {
     const desc::Register *d = nullptr;
     r.tpid0 = need_reg("lsw_hreg_tpidcfg0", &d);
-    r.tpid_value[0] = need(d, "tpid_value0");
-    r.tpid_value[1] = need(d, "tpid_value1");
+    need(d, {{&r.tpid_value[0], "tpid_value0"}, {&r.tpid_value[1], "tpid_value1"}});
     r.tpid1 = need_reg("lsw_hreg_tpidcfg1", &d);
-    r.tpid_value[2] = need(d, "tpid_value2");
-    r.tpid_value[3] = need(d, "tpid_value3");
+    need(d, {{&r.tpid_value[2], "tpid_value2"}, {&r.tpid_value[3], "tpid_value3"}});
     static const char *const kSel[4] = {"tti_tpidcfg_sel0", "tti_tpidcfg_sel1", "tti_tpidcfg_sel2",
                                         "tti_tpidcfg_sel3"};
     for (int i = 0; i < 4; i++) {
         r.tpid_sel[i] = need_reg(kSel[i], &d);
-        const std::string bm = "innervlan_tpidcfg_bm_tpid" + std::to_string(i);
-        r.inner_bm[i] = need(desc::find_register("tti_tpid_compare_cfg"), bm.c_str());
     }
     r.inner_tpid = need_reg("tti_tpid_compare_cfg", &d);
+    need(d, {{&r.inner_bm[0], "innervlan_tpidcfg_bm_tpid0"},
+             {&r.inner_bm[1], "innervlan_tpidcfg_bm_tpid1"},
+             {&r.inner_bm[2], "innervlan_tpidcfg_bm_tpid2"},
+             {&r.inner_bm[3], "innervlan_tpidcfg_bm_tpid3"}});
     r.max_len = need_reg("rsm_maxpktlen_set_reg", &d);
-    r.max_pkt_len = need(d, "max_pkt_len");
+    need(d, {{&r.max_pkt_len, "max_pkt_len"}});
     r.vlan_glb0 = need_reg("ipro_vlan_glb_cfg0", &d);
-    r.vlan_check_act = need(d, "vlan_check_drop_act_cfg");
+    need(d, {{&r.vlan_check_act, "vlan_check_drop_act_cfg"}});
     r.lrn_cfg = need_reg("arl_age_lrn_cfg0", &d);
-    r.glb_lrn_en = need(d, "glb_lrn_en");
-    r.glb_lmt_en = need(d, "glb_lmt_en");
-    r.glb_lmt_act = need(d, "glb_lmt_act");
-    r.age_time = need(d, "age_time");
-    r.glb_age_en = need(d, "glb_age_en");
-    r.age_cnt_en = need(d, "age_cnt_en");
-    r.two_way_age_en = need(d, "two_way_age_en");
+    need(d, {{&r.glb_lrn_en, "glb_lrn_en"},
+             {&r.glb_lmt_en, "glb_lmt_en"},
+             {&r.glb_lmt_act, "glb_lmt_act"},
+             {&r.age_time, "age_time"},
+             {&r.glb_age_en, "glb_age_en"},
+             {&r.age_cnt_en, "age_cnt_en"},
+             {&r.two_way_age_en, "two_way_age_en"}});
     r.glb_cfg = need_reg("arl_arl_glb_cfg", &d);
-    r.lrn_mode = need(d, "lrn_mode");
-    r.mac_float_pfe = need(d, "mac_float_pfe");
-    r.sta_float_act = need(d, "sta_float_act");
-    r.mac_float_fail_act = need(d, "mac_float_fail_act");
-    r.hash_conflict_act = need(d, "hash_conflict_act");
+    need(d, {{&r.lrn_mode, "lrn_mode"},
+             {&r.mac_float_pfe, "mac_float_pfe"},
+             {&r.sta_float_act, "sta_float_act"},
+             {&r.mac_float_fail_act, "mac_float_fail_act"},
+             {&r.hash_conflict_act, "hash_conflict_act"}});
     r.ppri = need_reg("arl_port_ppri", &d);
     ok_ &= r.ppri.instances * 8 >= kPorts;
     r.flush = need_reg("qm_qm_port_flush_en", &d);
+    ok_ &= r.flush.instances * 32 >= kPorts;
 
     const desc::Table *tab = nullptr;
     t.ipat = need_tab("ipro_ipat_tbl", &tab);
-    ok_ &= t.ipat.depth >= kPorts;
-    ipat = IpatFields{need(tab, "vld"),           need(tab, "pvid"),          need(tab, "discard_untag_pkt"),
-                      need(tab, "discard_tag_pkt"), need(tab, "vlan_check_en"), need(tab, "mac_lrn_mode"),
-                      need(tab, "nolrn_tocp"),    need(tab, "nolrn_discard"), need(tab, "port_bridge_en"),
-                      need(tab, "bc_broad"),      need(tab, "bc_tocp"),       need(tab, "unmc_broad"),
-                      need(tab, "unmc_tocp"),     need(tab, "unuc_broad"),    need(tab, "unuc_tocp"),
-                      need(tab, "port_mac_lmt"),  need(tab, "mac_lmt_dlf")};
+    need(tab, {{&ipat.vld, "vld"},
+               {&ipat.pvid, "pvid"},
+               {&ipat.discard_untag, "discard_untag_pkt"},
+               {&ipat.discard_tag, "discard_tag_pkt"},
+               {&ipat.vlan_check_en, "vlan_check_en"},
+               {&ipat.mac_lrn_mode, "mac_lrn_mode"},
+               {&ipat.nolrn_tocp, "nolrn_tocp"},
+               {&ipat.nolrn_discard, "nolrn_discard"},
+               {&ipat.port_bridge_en, "port_bridge_en"},
+               {&ipat.bc_broad, "bc_broad"},
+               {&ipat.bc_tocp, "bc_tocp"},
+               {&ipat.unmc_broad, "unmc_broad"},
+               {&ipat.unmc_tocp, "unmc_tocp"},
+               {&ipat.unuc_broad, "unuc_broad"},
+               {&ipat.unuc_tocp, "unuc_tocp"},
+               {&ipat.port_mac_lmt, "port_mac_lmt"},
+               {&ipat.mac_lmt_dlf, "mac_lmt_dlf"}});
     t.ivlan = need_tab("ipro_ivlan_tbl", &tab);
-    ivlan = IvlanFields{need(tab, "vld"),        need(tab, "mac_lrn_mode"), need(tab, "bc_broad"),
-                        need(tab, "bc_tocp"),    need(tab, "unmc_broad"),   need(tab, "unmc_tocp"),
-                        need(tab, "unuc_broad"), need(tab, "unuc_tocp")};
+    need(tab, {{&ivlan.vld, "vld"},
+               {&ivlan.mac_lrn_mode, "mac_lrn_mode"},
+               {&ivlan.bc_broad, "bc_broad"},
+               {&ivlan.bc_tocp, "bc_tocp"},
+               {&ivlan.unmc_broad, "unmc_broad"},
+               {&ivlan.unmc_tocp, "unmc_tocp"},
+               {&ivlan.unuc_broad, "unuc_broad"},
+               {&ivlan.unuc_tocp, "unuc_tocp"}});
     t.vmap = need_tab("ipro_vmap_tbl", &tab);
-    egr.vmap_vld = need(tab, "vld");
-    egr.vmap_idx = need(tab, "vlan_idx");
+    need(tab, {{&vlan.vmap_vld, "vld"}, {&vlan.vmap_idx, "vlan_idx"}});
     t.vbmp = need_tab("ipro_vbmp_tbl", &tab);
-    egr.vbmp_ports = need(tab, "portbit_map");
+    need(tab, {{&vlan.ingress_members, "portbit_map"}});
     t.epat = need_tab("epro_epat_table", &tab);
-    ok_ &= t.epat.depth >= kPorts;
-    egr.epat_vld = need(tab, "vld");
-    egr.vlan_check_en = need(tab, "vlan_check_en");
-    egr.tpid_index = need(tab, "tpid_index");
-    egr.port_bridge_en = need(tab, "port_bridge_en");
-    egr.unuc_ctrl = need(tab, "unuc_ctrl");
-    egr.unmc_ctrl = need(tab, "unmc_ctrl");
-    egr.mc_ctrl = need(tab, "mc_ctrl");
-    egr.bc_ctrl = need(tab, "bc_ctrl");
+    need(tab, {{&egr.epat_vld, "vld"},
+               {&egr.vlan_check_en, "vlan_check_en"},
+               {&egr.tpid_index, "tpid_index"},
+               {&egr.unuc_ctrl, "unuc_ctrl"},
+               {&egr.unmc_ctrl, "unmc_ctrl"},
+               {&egr.mc_ctrl, "mc_ctrl"},
+               {&egr.bc_ctrl, "bc_ctrl"}});
     t.evlan = need_tab("epro_evlan_table", &tab);
-    egr.evlan_vld = need(tab, "vld");
+    need(tab, {{&vlan.evlan_vld, "vld"}});
     t.vlanbmp = need_tab("epro_vlanbitmap_table", &tab);
-    egr.member = need(tab, "portbitmap");
-    egr.untag = need(tab, "utport_bitmap");
+    need(tab, {{&vlan.members, "portbitmap"}, {&vlan.untagged, "utport_bitmap"}});
     t.stat = need_tab("stat_causeid_stat_result_tbl", &tab);
-    egr.stat_pkts = need(tab, "causeid_stat_result_pkt_num");
-    egr.stat_bytes = need(tab, "causeid_stat_result_byt_num");
+    need(tab, {{&stat_pkts, "causeid_stat_result_pkt_num"}, {&stat_bytes, "causeid_stat_result_byt_num"}});
+    ok_ &= t.ipat.depth >= kPorts && t.epat.depth >= kPorts;
     ok_ &= t.vmap.depth >= 4096 && t.vbmp.depth >= 4096 && t.vlanbmp.depth >= 4096;
 }
 
@@ -233,8 +249,8 @@ void Pipeline::count_cause(uint32_t entry, uint32_t bytes)
     }
     uint32_t w[kMaxEntryWords] = {};
     read(t.stat, entry, w);
-    bits_set(w, egr.stat_pkts, bits_get(w, egr.stat_pkts) + 1);
-    bits_set(w, egr.stat_bytes, bits_get(w, egr.stat_bytes) + bytes);
+    bits_set(w, stat_pkts, bits_get(w, stat_pkts) + 1);
+    bits_set(w, stat_bytes, bits_get(w, stat_bytes) + bytes);
     const uint32_t base = t.stat.addr + entry * t.stat.words * 4;
     for (uint32_t i = 0; i < t.stat.words; i++) {
         chip_.set_core_word(base + 4 * i, w[i]);

@@ -17,6 +17,7 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -233,10 +234,13 @@ public:
     struct IvlanFields {
         FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp;
     } ivlan;
+    struct VlanFields {
+        FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld;
+    } vlan;
     struct EgressFields {
-        FieldRef epat_vld, vlan_check_en, tpid_index, port_bridge_en, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl;
-        FieldRef evlan_vld, member, untag, vmap_vld, vmap_idx, vbmp_ports, stat_pkts, stat_bytes;
+        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl;
     } egr;
+    FieldRef stat_pkts, stat_bytes;
 
     uint32_t reg(const RegView &r, uint32_t instance = 0) const;
     void read(const TableView &t, uint32_t index, uint32_t *words) const;
@@ -250,8 +254,14 @@ private:
     void resolve();
     RegView need_reg(const char *name, const desc::Register **out);
     TableView need_tab(const char *name, const desc::Table **out);
-    FieldRef need(const desc::Register *r, const char *name);
-    FieldRef need(const desc::Table *t, const char *name);
+    // A field to find, and where its place goes.
+    struct Want {
+        FieldRef *field;
+        const char *name;
+    };
+    void need(const desc::Field *fields, uint32_t count, std::initializer_list<Want> wants);
+    void need(const desc::Register *r, std::initializer_list<Want> wants);
+    void need(const desc::Table *t, std::initializer_list<Want> wants);
 
     void age_to(uint64_t now);
 

@@ -132,18 +132,18 @@ bool _ipro(Pipeline &pl, Packet &p)
     p.vid = p.tags != 0 && tag_vid != 0 ? tag_vid : static_cast<uint32_t>(bits_get(p.ipat, ip.pvid)) & 0xFFF;
     uint32_t w[kMaxEntryWords] = {};
     pl.read(pl.t.vmap, p.vid, w);
-    if (bits_get(w, pl.egr.vmap_vld) == 0) {
+    if (bits_get(w, pl.vlan.vmap_vld) == 0) {
         p.drop(kCauseVmapInvalid);
         return false;
     }
-    p.vlan_idx = static_cast<uint32_t>(bits_get(w, pl.egr.vmap_idx));
+    p.vlan_idx = static_cast<uint32_t>(bits_get(w, pl.vlan.vmap_idx));
     pl.read(pl.t.ivlan, p.vlan_idx, p.ivlan);
     if (bits_get(p.ivlan, pl.ivlan.vld) == 0) {
         p.drop(kCauseIvlanInvalid);
         return false;
     }
     pl.read(pl.t.vbmp, p.vid, w);
-    p.members = static_cast<uint32_t>(bits_get(w, pl.egr.vbmp_ports));
+    p.members = static_cast<uint32_t>(bits_get(w, pl.vlan.ingress_members));
     // A non-member on a checking port: the check's action, 2 forwarding,
     // every other value dropping.
     if (bits_get(p.ipat, ip.vlan_check_en) != 0 && !_bit(p.members, p.src) &&
@@ -417,14 +417,14 @@ bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
     }
     uint32_t w[kMaxEntryWords] = {};
     pl.read(pl.t.vlanbmp, p.vid, w);
-    if (bits_get(c.epat, eg.vlan_check_en) != 0 && !_bit(static_cast<uint32_t>(bits_get(w, eg.member)), c.port)) {
+    if (bits_get(c.epat, eg.vlan_check_en) != 0 && !_bit(static_cast<uint32_t>(bits_get(w, pl.vlan.members)), c.port)) {
         *cause = kCauseVlanCheck;
         return false;
     }
-    c.untag = _bit(static_cast<uint32_t>(bits_get(w, eg.untag)), c.port);
+    c.untag = _bit(static_cast<uint32_t>(bits_get(w, pl.vlan.untagged)), c.port);
     uint32_t ev[kMaxEntryWords] = {};
     pl.read(pl.t.evlan, p.vlan_idx, ev);
-    if (bits_get(ev, eg.evlan_vld) == 0) {
+    if (bits_get(ev, pl.vlan.evlan_vld) == 0) {
         *cause = kCauseEvlanInvalid;
         return false;
     }
