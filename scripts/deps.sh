@@ -17,6 +17,8 @@ have_cmd python3 || need="$need python3"
 [ -f /usr/include/benchmark/benchmark.h ] || need="$need libbenchmark-dev"
 # Line editing of the shell client tidesh.
 [ -f /usr/include/histedit.h ] || need="$need libedit-dev"
+# A standard reader of the chip model's capture files, for their test.
+have_cmd tshark || need="$need tshark"
 # The fuzzers of the test suite: clang and its libFuzzer runtime.
 have_cmd clang++ || need="$need clang"
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a >/dev/null 2>&1 || need="$need libclang-rt-14-dev"

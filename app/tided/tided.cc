@@ -1,8 +1,9 @@
 // tided: the reference application.  It stands simulated atolreef chips
-// behind the SDK, brings them up in the library's calling order, starts the
-// shell server so that an operator can reach them with tidesh, and keeps
-// them up until SIGINT or SIGTERM, when it stops the server and tears
-// everything down in the reverse order.
+// behind the SDK, brings them up in the library's calling order, makes VLAN
+// 1 of the front ports so that the chips switch, starts the shell server so
+// that an operator can reach them with tidesh, and keeps them up until
+// SIGINT or SIGTERM, when it stops the server and tears everything down in
+// the reverse order.
 //
 //   tided [--chips N] [--config FILE] [--socket PATH]
 #include <getopt.h>
@@ -16,12 +17,18 @@
 #include <tide/sim.h>
 #include <tide/tide.h>
 
+#include "app/tided/bootstrap_vlan.h"
+
 namespace {
+
+// The front ports, members of VLAN 1 without tags.
+constexpr uint32_t kFrontPorts = 0x0FFFFFFF;
 
 struct Options {
     unsigned chips = 1;
     const char *config = TIDED_DEFAULT_CONFIG;
     const char *socket = CLI_SERVER_SOCKET_PATH;
+    bool config_given = false;
 };
 
 void _usage(FILE *out)
@@ -58,6 +65,7 @@ int _parse(int argc, char **argv, Options *opt)
         }
         case 'c':
             opt->config = optarg;
+            opt->config_given = true;
             break;
         case 's':
             if (cli_server_socket_path_set(optarg) != 0) {
@@ -134,6 +142,21 @@ int main(int argc, char **argv)
         return 1;
     }
     printf("tided: %u simulated chip(s), configuration %s\n", opt.chips, opt.config);
+    // Every chip reads the same file; ".chipN" keys in it single one out.
+    // A file named on the command line must be there; without the shipped
+    // one every setting takes its default.
+    for (unsigned c = 0; c < opt.chips; c++) {
+        const int rc = shr_property_cfg_file_load(c, opt.config);
+        if (rc != 0 && opt.config_given) {
+            fprintf(stderr, "tided: configuration %s: %d (%s)\n", opt.config, rc, shr_errmsg(rc));
+            deinit_api_base_software_process();
+            tide_sim_uninstall();
+            return 2;
+        }
+        if (rc != 0 && c == 0) {
+            printf("tided: no configuration at %s, every setting takes its default\n", opt.config);
+        }
+    }
 
     bool hw_up[TIDE_MAX_CHIPS] = {};
     unsigned soft_up = 0;
@@ -149,9 +172,13 @@ int main(int argc, char **argv)
             break;
         }
         hw_up[c] = true;
+        if (!_ok("bootstrap_vlan", c, bootstrap_vlan(c, 1, kFrontPorts, kFrontPorts))) {
+            status = 1;
+            break;
+        }
         // The shell names ports by the library's numbers and inner names.
         cli_shell_mode_set(c, 1);
-        printf("tided: chip %u (%s) is up\n", c, shr_chip_name_get(c));
+        printf("tided: chip %u (%s) is up, VLAN 1 on ports 0 to 27\n", c, shr_chip_name_get(c));
     }
 
     bool shell = false;

@@ -11,6 +11,7 @@
 #include <tide/port.h>
 #include <tide/shr.h>
 #include <tide/stub.h>
+#include <tide/property.h>
 #include <tide/xsal.h>
 
 #endif /* TIDE_TIDE_H */

@@ -51,6 +51,9 @@ i32 cli_common_chip_id_by_bus_number_display(u32 chip_id, u32 view_mode, i32 arg
 i32 cli_common_debug_show_mutex(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 i32 cli_base_chip_version_show(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 
+/* The commands of the chip model, in mode "sim". */
+void cli_cmd_init_sim(void);
+
 /* Handler of `chip-id <0-16>`. */
 i32 cli_glb_chip_id_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 

@@ -8,6 +8,8 @@
 #include <cstring>
 #include <limits>
 
+#include <tide/property.h>
+
 #include "app/diag_shell/users/release/cli_param.h"
 
 extern "C" {
@@ -169,12 +171,10 @@ i32 _put(char *out, u32 room, const char *b, size_t len)
 
 // ---- properties ----------------------------------------------------------------
 //
-// The chip driver stores the inner ports in the chip's property store: one
+// The chip driver names the inner ports in the chip's property store: one
 // property per name holding the logical port, and the per-port property
-// "inner_port" holding the name.  Until the property store is part of the
-// library, cli_property_get and _cli_inner_port_name_get answer with the
-// values that the driver puts there; they are the only places of the
-// shell that will read the store.
+// "inner_port" holding the name.  Where the store has no such entry, the
+// names that the driver gives stand in.
 
 struct _inner_port {
     const char *name;
@@ -186,7 +186,10 @@ constexpr _inner_port k_inner_ports[] = {
 
 const char *_cli_inner_port_name_get(u32 chip_id, u32 lport)
 {
-    (void)chip_id;
+    const char *stored = shr_property_port_get_str(chip_id, static_cast<int>(lport), "inner_port");
+    if (stored != nullptr) {
+        return stored;
+    }
     for (const _inner_port &p : k_inner_ports) {
         if (p.lport == lport) {
             return p.name;
@@ -241,13 +244,15 @@ extern "C" {
 
 i32 cli_property_get(u32 chip_id, const char *key, i32 dflt)
 {
-    (void)chip_id;
+    if (key == nullptr) {
+        return dflt;
+    }
     for (const _inner_port &p : k_inner_ports) {
-        if (key != nullptr && std::strcmp(p.name, key) == 0) {
-            return static_cast<i32>(p.lport);
+        if (std::strcmp(p.name, key) == 0) {
+            dflt = static_cast<i32>(p.lport);
         }
     }
-    return dflt;
+    return shr_property_get(chip_id, key, dflt);
 }
 
 // ---- numbers -----------------------------------------------------------------------
