@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <tide/property.h>
+
 #include "app/diag_shell/users/release/cli_param.h"
 #include "tests/support/fixture.h"
 
@@ -284,6 +286,14 @@ TEST_F(CliPorts, NamesGoThroughTheCallbacksOrTheLibrarysOwnNumbers)
     EXPECT_EQ(lport, 28u);
     EXPECT_STREQ(name, "mirror_lb_port");
     EXPECT_EQ(cli_port_list_next_lport_get(0, 1, 31, &lport, name), -7);
+
+    // Names from the chip's property store come first.
+    ASSERT_EQ(shr_property_set(0, "uplink", "5"), 0);
+    EXPECT_EQ(cli_pport_to_lport(0, "uplink", &lport), 0);
+    EXPECT_EQ(lport, 5u);
+    ASSERT_EQ(shr_property_port_set_str(0, 29, "inner_port", "prbs"), 0);
+    EXPECT_EQ(cli_lport_to_pport(0, 29, name), 0);
+    EXPECT_STREQ(name, "prbs");
 
     port_bitmap bmp = {};
     char list[64];
