@@ -369,6 +369,26 @@ TEST_F(CliServer, FiftyTerminalMonitorsGetTheConsoleTextAndTheFiftyFirstIsRefuse
         5));
 }
 
+TEST_F(CliServer, AMonitorThatStopsReadingHoldsNobodyForLong)
+{
+    auto deaf = client();
+    ASSERT_TRUE(deaf->send(MSG_TERMINAL_MONITOR));
+    ASSERT_TRUE(deaf->recv().has_value());
+    // Far more than the socket holds: the send gives up after 5 seconds
+    // without room, and the console text is done with.
+    const std::string big(8 << 20, 'm');
+    ::testing::internal::CaptureStdout();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(output_show_console("%s", big.c_str()), 0);
+    const auto took = std::chrono::steady_clock::now() - start;
+    const std::string said = ::testing::internal::GetCapturedStdout();
+    EXPECT_NE(said.find("terminal monitor timeout(ret:-2)."), std::string::npos);
+    EXPECT_LT(took, std::chrono::seconds(30));
+    std::string out;
+    EXPECT_EQ(client()->exec("test echo .WORD", 3, {"served"}, &out), 0);
+    EXPECT_EQ(out, "served");
+}
+
 TEST_F(CliServer, HandlerOutputOffAClientThread)
 {
     // No client: the console.

@@ -353,23 +353,25 @@ i32 msg_send(int fd, const u8 *msg)
     if (fd < 0 || fd >= FD_SETSIZE) {
         return -1;
     }
-    fd_set wr;
-    FD_ZERO(&wr);
-    FD_SET(fd, &wr);
-    timeval tv = {5, 0};
-    int r = 0;
-    do {
-        r = select(fd + 1, nullptr, &wr, nullptr, &tv);
-    } while (r < 0 && errno == EINTR);
-    if (r <= 0) {
-        return -2;
-    }
+    // Each piece waits at most 5 seconds for room: a peer that stops
+    // reading cannot hold the sender for ever.
     const u32 len = cli_msg_head_get(msg).msg_len;
     u32 sent = 0;
     while (sent < len) {
-        const ssize_t n = send(fd, msg + sent, len - sent, MSG_NOSIGNAL);
+        fd_set wr;
+        FD_ZERO(&wr);
+        FD_SET(fd, &wr);
+        timeval tv = {5, 0};
+        const int r = select(fd + 1, nullptr, &wr, nullptr, &tv);
+        if (r < 0 && errno == EINTR) {
+            continue;
+        }
+        if (r <= 0) {
+            return -2;
+        }
+        const ssize_t n = send(fd, msg + sent, len - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
         if (n < 0) {
-            if (errno == EINTR) {
+            if (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK) {
                 continue;
             }
             return -1;

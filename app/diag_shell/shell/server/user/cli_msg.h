@@ -141,9 +141,9 @@ i32 cli_msg_reg_reply_unpack(u8 *body, u32 len, i32 *next_index, cli_msg_reg_fn 
  * negative value waits without limit).  The bytes read: fewer than `len`
  * at the end of the stream or a timeout, -1 on an error. */
 i32 block_read(int fd, u8 *buf, u32 len, i32 timeout_s);
-/* Writes the whole message (its length from its header) after one wait
- * of at most 5 seconds for the socket to take data; the bytes written,
- * -2 if the socket did not become writable, -1 on an error. */
+/* Writes the whole message (its length from its header), waiting at most
+ * 5 seconds each time for the socket to take more; the bytes written, -2
+ * if the socket did not become writable in time, -1 on an error. */
 i32 msg_send(int fd, const u8 *msg);
 
 /* Reads one whole message into `*buf` (of `*size` bytes), which grows to
