@@ -384,6 +384,10 @@ TEST_F(CliServer, AMonitorThatStopsReadingHoldsNobodyForLong)
     const std::string said = ::testing::internal::GetCapturedStdout();
     EXPECT_NE(said.find("terminal monitor timeout(ret:-2)."), std::string::npos);
     EXPECT_LT(took, std::chrono::seconds(30));
+    // It has left the monitor table: the next text goes to the console.
+    ::testing::internal::CaptureStdout();
+    output_show_console("next\n");
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "next\n");
     std::string out;
     EXPECT_EQ(client()->exec("test echo .WORD", 3, {"served"}, &out), 0);
     EXPECT_EQ(out, "served");

@@ -139,9 +139,15 @@ i32 output_show_console(const char *format, ...)
         if (guard.held) {
             for (u32 i = 0; i < CLI_MONITOR_SLOTS; i++) {
                 cli_client *c = terminal_monitor_client_ctl.client[i];
-                if (c != nullptr) {
-                    output_show_msg_send(c, text.buf, text.len);
-                    console_seen = console_seen || terminal_monitor_client_ctl.console[i] == 1;
+                if (c == nullptr) {
+                    continue;
+                }
+                console_seen = console_seen || terminal_monitor_client_ctl.console[i] == 1;
+                // A monitor that takes no more text leaves the table, so
+                // that it does not hold up the next messages too.
+                if (output_show_msg_send(c, text.buf, text.len) < 0) {
+                    terminal_monitor_client_ctl.client[i] = nullptr;
+                    terminal_monitor_client_ctl.console[i] = 0;
                 }
             }
         } else {
