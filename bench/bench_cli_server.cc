@@ -26,12 +26,14 @@ cli_cmd_desc g_desc = {"bench echo WORD", -1, _echo, k_help, 0};
 cli_cmd_item g_item = {&g_desc, 3, 0, 15, {}};
 
 pid_t g_server;
+std::string g_server_path;
 
 void _stop_server()
 {
     if (g_server > 0) {
         kill(g_server, SIGKILL);
         waitpid(g_server, nullptr, 0);
+        unlink(g_server_path.c_str());
     }
 }
 
@@ -51,6 +53,7 @@ const std::string &server()
                 pause();
             }
         }
+        g_server_path = p;
         std::atexit(_stop_server);
         for (int i = 0; i < 500 && access(p.c_str(), F_OK) != 0; i++) {
             usleep(10000);

@@ -72,7 +72,11 @@ protected:
         ASSERT_EQ(cli_server_socket_path_set(path_.c_str()), 0);
         ASSERT_EQ(cli_server_main(0), 0);
     }
-    void TearDown() override { cli_server_wait(0); }
+    void TearDown() override
+    {
+        cli_server_wait(0);
+        unlink((path_ + ".script").c_str());
+    }
 
     // Runs tidesh with these arguments and standard input.
     Outcome run(std::vector<std::string> args, const std::string &input = "", bool socket = true)
