@@ -311,8 +311,10 @@ TEST_F(Tidesh, AnInteractiveSessionCompletesHelpsRecallsAndShowsMonitorOutput)
     // History: the previous line comes back with the Up key.
     t.type("\x1b[A\r");
     t.expect(" CLI key check : enable");
-    // Ctrl-C drops the line.
+    // Ctrl-C drops the line (once it is on the screen: the terminal drops
+    // what is typed ahead of an interrupt).
     t.type("show nothing");
+    t.expect("show nothing");
     t.type("\x03");
     t.expect("^C");
     t.type("exit\r");

@@ -2,6 +2,7 @@
 // by Tab and help by `?` from the local command tree, history in a file,
 // Ctrl-C that clears the line, Ctrl-D that leaves, and output of the
 // terminal monitor printed above the prompt while the operator types.
+#include <fcntl.h>
 #include <histedit.h>
 #include <signal.h>
 #include <sys/select.h>
@@ -23,13 +24,20 @@ namespace {
 constexpr wchar_t k_cancel_key = 3; // Ctrl-C as a key
 constexpr size_t k_help_room = 256 * 1024;
 
-volatile sig_atomic_t g_interrupted;
+// Ctrl-C arrives as a signal; its handler writes a byte into this pipe,
+// which the key reader watches with the terminal and the server.
+int g_sigint_pipe[2] = {-1, -1};
 EditLine *g_el;
 std::string g_prompt;
 
 void _on_sigint(int)
 {
-    g_interrupted = 1;
+    const int saved = errno;
+    const char byte = 1;
+    if (write(g_sigint_pipe[1], &byte, 1) < 0) {
+        // Full: a Ctrl-C is pending already.
+    }
+    errno = saved;
 }
 
 const char *_prompt(EditLine *)
@@ -119,20 +127,25 @@ int _getc(EditLine *el, wchar_t *c)
 {
     Session &s = session();
     for (;;) {
-        if (g_interrupted != 0) {
-            g_interrupted = 0;
-            *c = k_cancel_key;
-            return 1;
-        }
         fd_set rd;
         FD_ZERO(&rd);
         FD_SET(STDIN_FILENO, &rd);
         FD_SET(s.fd, &rd);
-        if (select((s.fd > STDIN_FILENO ? s.fd : STDIN_FILENO) + 1, &rd, nullptr, nullptr, nullptr) < 0) {
+        FD_SET(g_sigint_pipe[0], &rd);
+        int top = s.fd > STDIN_FILENO ? s.fd : STDIN_FILENO;
+        top = g_sigint_pipe[0] > top ? g_sigint_pipe[0] : top;
+        if (select(top + 1, &rd, nullptr, nullptr, nullptr) < 0) {
             if (errno == EINTR) {
                 continue;
             }
             return -1;
+        }
+        if (FD_ISSET(g_sigint_pipe[0], &rd)) {
+            char drain[16];
+            while (read(g_sigint_pipe[0], drain, sizeof(drain)) > 0) {
+            }
+            *c = k_cancel_key;
+            return 1;
         }
         if (FD_ISSET(s.fd, &rd)) {
             // Above the prompt: clear the line, print, draw it again.
@@ -162,6 +175,10 @@ int _getc(EditLine *el, wchar_t *c)
 int interactive(const std::string &history_file, bool stop_on_error)
 {
     std::setlocale(LC_CTYPE, "");
+    if (pipe2(g_sigint_pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+        std::fprintf(stderr, "tidesh: no pipe for Ctrl-C\n");
+        return k_exit_failed;
+    }
     struct sigaction sa = {};
     sa.sa_handler = _on_sigint;
     sigaction(SIGINT, &sa, nullptr);
@@ -222,6 +239,9 @@ int interactive(const std::string &history_file, bool stop_on_error)
     }
     el_end(g_el);
     history_end(hist);
+    signal(SIGINT, SIG_DFL);
+    close(g_sigint_pipe[0]);
+    close(g_sigint_pipe[1]);
     return s.lost ? k_exit_no_server : status;
 }
 
