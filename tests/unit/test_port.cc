@@ -199,6 +199,16 @@ TEST_F(Port, ConfigurationAfterBringUp)
     u32 mode = 9;
     EXPECT_EQ(port_api_map_mode_get(0, &mode), 0);
     EXPECT_EQ(mode, CSL_PORT_MAP_NONE);
+    // The inner ports are named in the property store both ways.
+    const std::pair<u32, const char *> inner[] = {
+        {28, "mirror_lb_port"}, {29, "prbs_port"}, {30, "dygasp_port"}, {31, "cpu_port"}};
+    for (const auto &[lport, name] : inner) {
+        EXPECT_EQ(shr_property_get(0, name, -1), static_cast<int>(lport)) << name;
+        const char *stored = shr_property_port_get_str(0, static_cast<int>(lport), "inner_port");
+        ASSERT_NE(stored, nullptr) << lport;
+        EXPECT_STREQ(stored, name);
+    }
+    EXPECT_EQ(shr_property_get_str(1, "cpu_port"), nullptr); // only for the chip that started
 }
 
 TEST_F(Port, ValidityChecksAndTheirLines)

@@ -310,8 +310,8 @@ i32 cli_common_sdk_set_init(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     if (rc != SHR_E_NONE) {
         return rc;
     }
-    pkt_init_cfg pkt = {2, cli_property_get(chip_id, "cputr_create_tx_thread", 1) == 1 ? 1u : 0u,
-                        cli_property_get(chip_id, "cputr_create_rx_thread", 1) == 1 ? 1u : 0u};
+    pkt_init_cfg pkt = {2, shr_property_get(chip_id, "cputr_create_tx_thread", 1) == 1 ? 1u : 0u,
+                        shr_property_get(chip_id, "cputr_create_rx_thread", 1) == 1 ? 1u : 0u};
     rc = pkt_api_init(chip_id, &pkt);
     if (rc < 0 && rc != SHR_E_NOT_SUPPORT) {
         cli_output_show("pkt init failed!\n");

@@ -169,34 +169,11 @@ i32 _put(char *out, u32 room, const char *b, size_t len)
     return SHR_E_NONE;
 }
 
-// ---- properties ----------------------------------------------------------------
+// ---- inner ports ------------------------------------------------------------------
 //
-// The chip driver names the inner ports in the chip's property store: one
+// The port start names the inner ports in the chip's property store: one
 // property per name holding the logical port, and the per-port property
-// "inner_port" holding the name.  Where the store has no such entry, the
-// names that the driver gives stand in.
-
-struct _inner_port {
-    const char *name;
-    u32 lport;
-};
-
-constexpr _inner_port k_inner_ports[] = {
-    {"mirror_lb_port", 28}, {"prbs_port", 29}, {"dygasp_port", 30}, {"cpu_port", 31}};
-
-const char *_cli_inner_port_name_get(u32 chip_id, u32 lport)
-{
-    const char *stored = shr_property_port_get_str(chip_id, static_cast<int>(lport), "inner_port");
-    if (stored != nullptr) {
-        return stored;
-    }
-    for (const _inner_port &p : k_inner_ports) {
-        if (p.lport == lport) {
-            return p.name;
-        }
-    }
-    return nullptr;
-}
+// "inner_port" holding the name.
 
 bool _in(const port_bitmap &b, u32 lport)
 {
@@ -210,7 +187,9 @@ i32 _cli_inner_mode_lport_to_pport(u32 chip_id, u32 lport, char *pport)
     if (rc != SHR_E_NONE) {
         return rc;
     }
-    const char *name = _in(cfg.pbmp[PORT_CONFIG_INNER], lport) ? _cli_inner_port_name_get(chip_id, lport) : nullptr;
+    const char *name = _in(cfg.pbmp[PORT_CONFIG_INNER], lport)
+                           ? shr_property_port_get_str(chip_id, static_cast<int>(lport), "inner_port")
+                           : nullptr;
     if (name != nullptr) {
         std::snprintf(pport, CLI_PPORT_SIZE, "%s", name);
         return SHR_E_NONE;
@@ -241,19 +220,6 @@ bool _append(char *out, u32 room, u32 *used, const char *fmt, u32 a, u32 b = 0)
 } // namespace
 
 extern "C" {
-
-i32 cli_property_get(u32 chip_id, const char *key, i32 dflt)
-{
-    if (key == nullptr) {
-        return dflt;
-    }
-    for (const _inner_port &p : k_inner_ports) {
-        if (std::strcmp(p.name, key) == 0) {
-            dflt = static_cast<i32>(p.lport);
-        }
-    }
-    return shr_property_get(chip_id, key, dflt);
-}
 
 // ---- numbers -----------------------------------------------------------------------
 
@@ -644,7 +610,7 @@ i32 cli_pport_list_str_is_valid(const char *list)
 i32 cli_inner_mode_pport_to_lport(u32 chip_id, const char *pport, u32 *lport)
 {
     if (!_is_digit(pport[0])) {
-        const i32 v = cli_property_get(chip_id, pport, -1);
+        const i32 v = shr_property_get(chip_id, pport, -1);
         if (v < 0) {
             return SHR_E_NOT_FOUND;
         }

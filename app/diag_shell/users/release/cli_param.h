@@ -81,10 +81,6 @@ i32 cli_port_list_next_lport_get(u32 chip_id, u32 flag, i32 previous, u32 *lport
 i32 cli_inner_mode_pport_to_lport(u32 chip_id, const char *pport, u32 *lport);
 i32 cli_inner_mode_port_list_next_lport_get(u32 chip_id, u32 flag, i32 previous, u32 *lport, char *pport);
 
-/* A property of the chip's configuration, or `dflt` when it is not set;
- * the names of the inner ports default to the chip driver's numbers. */
-i32 cli_property_get(u32 chip_id, const char *key, i32 dflt);
-
 /* ---- keywords by chip ----------------------------------------------------------- */
 
 #define CLI_CHIP_TYPES 5u

@@ -1,12 +1,49 @@
 // The port model of atolreef and its driver table.  The operations that
 // only read the model live here; the MAC and PCS operations fill their
 // slots as they come.
+#include <cstdio>
 #include <cstring>
+
+#include <tide/property.h>
 
 #include "csl/reef/driver/port/csl_atolreef_port.h"
 
 using tide::port::MutexGuard;
 using tide::port::pbmp_range;
+
+namespace {
+
+struct inner_port_name {
+    u32 lport;
+    const char *name;
+};
+
+constexpr inner_port_name kInnerPorts[] = {
+    {28, "mirror_lb_port"}, {29, "prbs_port"}, {30, "dygasp_port"}, {CSL_ATOLREEF_CPU_PORT, "cpu_port"}};
+static_assert(sizeof(kInnerPorts) / sizeof(kInnerPorts[0]) ==
+              CSL_ATOLREEF_PORT_COUNT - CSL_ATOLREEF_FIRST_INNER_PORT);
+
+// Names the inner ports in the chip's property store both ways: a
+// property of each name holds the port's number, the port's own
+// "inner_port" holds the name.  The shell translates port names by them.
+i32 _csl_atolreef_inner_port_names_store(u32 chip_id)
+{
+    for (const inner_port_name &p : kInnerPorts) {
+        char number[12];
+        std::snprintf(number, sizeof(number), "%u", p.lport);
+        i32 rc = shr_property_set(chip_id, p.name, number);
+        if (rc == 0) {
+            rc = shr_property_port_set_str(chip_id, p.lport, "inner_port", p.name);
+        }
+        if (rc != 0) {
+            SHR_LOG_ERRCODE(chip_id, rc);
+            return rc;
+        }
+    }
+    return 0;
+}
+
+} // namespace
 
 extern "C" {
 
@@ -62,6 +99,10 @@ i32 csl_atolreef_control_db_init(u32 chip_id)
                 m = CSL_PORT_NONE;
             }
         }
+    }
+    const i32 rc = _csl_atolreef_inner_port_names_store(chip_id);
+    if (rc != 0) {
+        return rc;
     }
     const i32 map_mode = csl_port_property_get(chip_id, -1, "map_mode", CSL_PORT_MAP_NONE);
     if (map_mode >= 0 && static_cast<u32>(map_mode) < CSL_PORT_MAP_MODES) {
