@@ -13,6 +13,42 @@ extern "C" {
 
 csl_port_control *g_csl_port_control[SHR_MAX_CHIPS];
 const csl_port_driver_t *g_csl_port_driver[SHR_MAX_CHIPS];
+
+const char *const interface_type_string[CSL_PORT_INTERFACE_NAMES] = {
+    "NULL",       "1000BASE_X", "SGMII",      "2G5_SGMII",       "SGMII_4P",   "SGMII_8P",
+    "QSGMII",     "OSGMII",     "2500BASE_X", "2G5BASE_X",       "10GBASE_R",  "12G5BASE_R",
+    "FLEXMII",    "MMAC",       "MPCS",       "FLEXE",           "10GBASE_MINUS_R", "100BASE_FX",
+    "10G_SXGMII", "10G_DXGMII", "10G_QXGMII", "NULL"};
+
+const char *const loop_mode_string[CSL_PORT_LOOP_MODES] = {"MAC-INNER", "MAC-OUTER", "PCS-INNER", "PCS-OUTER",
+                                                           "PHY-INNER", "PHY-OUTER", "NONE"};
+
+const char *const port_counter_rx_string[PORT_MIB_RX_ITEMS] = {
+    "rx_total_pkt",     "rx_total_byte",    "rx_good_pkt",      "rx_good_byte",   "rx_bad_pkt",
+    "rx_bad_byte",      "rxunicast",        "rxmulticast",      "rxbroadcast",    "rxundersize",
+    "rx_fragment",      "rxundermin",       "rx_64",            "rx_127_65",      "rx_255_128",
+    "rx_511_256",       "rx_1023_512",      "rx_1518_1024",     "rx_2047_1519",   "rx_4095_2048",
+    "rx_8191_4096",     "rx_9216_8192",     "rx_12887_9217",    "rx_16383_12888", "rx_max_1519",
+    "rx_max_1519_good", "rx_max_1519_bad",  "rx_overmax_good",  "rx_overmax_bad", "rxpause",
+    "rxctrl",           "rxsymbol_err",     "rxfcs_err",        "rx_segment_bytes", "rx_err_all",
+    "rx_9000b",         "rx_runt",          "rx_jumbo",         "rx_oversize",    "rx_jabber",
+    "rx_long",          "rx_long_noerr",    "rx_long_err",      "rx_align_err",   "rx_local_fault",
+    "rx_remote_fault",  "rx_symbol_fault",  "rx_code_fault",    "rx_pfc_control", "rx_unsupport_control",
+    "rx_loopback",      "rx_out_range",     "rx_mtu_err"};
+
+const char *const port_counter_tx_string[PORT_MIB_ITEMS - PORT_MIB_RX_ITEMS] = {
+    "tx_total_pkt",     "tx_total_byte",   "tx_good_pkt",        "tx_good_byte",          "tx_bad_pkt",
+    "tx_bad_byte",      "txunicast",       "txmulticast",        "txbroadcast",           "txundersized",
+    "txundermin",       "txfragment",      "tx_64",              "tx_127_65",             "tx_255_128",
+    "tx_511_256",       "tx_1023_512",     "tx_1518_1024",       "tx_2047_1519",          "tx_4095_2048",
+    "tx_8191_4096",     "tx_9216_8192",    "tx_12887_9217",      "tx_16383_12888",        "tx_max_1519",
+    "tx_max_1519_good", "tx_max_1519_bad", "tx_overmax_good",    "tx_overmax_bad",        "txpause",
+    "txctrl",           "tx1588pkt",       "txerr_all",          "tx_from_app_good",      "tx_from_app_bad",
+    "tx_half_deferral", "tx_half_singel_col", "tx_half_multi_col", "tx_half_excessive_col", "tx_half_late_col",
+    "tx_half_crs_lost", "tx_9000b",        "tx_jumbo",           "tx_oversize",           "tx_jabber",
+    "tx_fcs_err",       "tx_local_fault",  "tx_remote_fault",    "tx_inter_err",          "tx_parity_err",
+    "tx_pfc"};
+
 i32 csl_port_property_get(u32 chip_id, i32 port, const char *key, i32 dflt)
 {
     // A chip setting, or a port's with the port forms tried first.

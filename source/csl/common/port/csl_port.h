@@ -163,6 +163,19 @@ i32 csl_port_valid_bmp_get(u32 chip_id, port_bitmap *pbmp);
 /* -24, logged with the message of a port that does not exist. */
 i32 csl_port_not_exist(u32 chip_id, u32 lport);
 
+/* ---- names ------------------------------------------------------------------------ */
+
+/* The name of each interface type (enum port_interface_type), and one
+ * more "NULL" past the last. */
+#define CSL_PORT_INTERFACE_NAMES 22u
+extern const char *const interface_type_string[CSL_PORT_INTERFACE_NAMES];
+/* The name of each loop mode (enum port_loop_mode). */
+#define CSL_PORT_LOOP_MODES 7u
+extern const char *const loop_mode_string[CSL_PORT_LOOP_MODES];
+/* The counter items: receive 0 to 52, then transmit from 53. */
+extern const char *const port_counter_rx_string[PORT_MIB_RX_ITEMS];
+extern const char *const port_counter_tx_string[PORT_MIB_ITEMS - PORT_MIB_RX_ITEMS];
+
 /* ---- properties ---------------------------------------------------------------- */
 
 /* A number property of the chip (`port` -1) or of a port or MAG, or
