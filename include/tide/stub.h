@@ -25,6 +25,13 @@ TIDE_API int32_t l3_api_iif_create(uint32_t chip_id, uint32_t flags, l3_iif *iif
 TIDE_API int32_t pkt_api_init(uint32_t chip_id, pkt_init_cfg *cfg);
 TIDE_API int32_t pkt_api_deinit(uint32_t chip_id, uint32_t mode);
 
+/* Link scan: on (1) or off (0) for the chip; per port, the scan mode
+ * 0 none, 1 software, 2 hardware. */
+TIDE_API int32_t linkscan_api_enable_set(uint32_t chip_id, uint32_t enable);
+TIDE_API int32_t linkscan_api_enable_get(uint32_t chip_id, uint32_t *enable);
+TIDE_API int32_t linkscan_api_mode_set(uint32_t chip_id, uint32_t lport, uint32_t mode);
+TIDE_API int32_t linkscan_api_mode_get(uint32_t chip_id, uint32_t lport, uint32_t *mode);
+
 TIDE_END_DECLS
 
 #endif /* TIDE_STUB_H */

@@ -25,4 +25,30 @@ i32 pkt_api_deinit(u32 chip_id, u32 mode)
     return tide::api::stub(chip_id);
 }
 
+i32 linkscan_api_enable_set(u32 chip_id, u32 enable)
+{
+    (void)enable;
+    return tide::api::stub(chip_id);
+}
+
+i32 linkscan_api_enable_get(u32 chip_id, u32 *enable)
+{
+    (void)enable;
+    return tide::api::stub(chip_id);
+}
+
+i32 linkscan_api_mode_set(u32 chip_id, u32 lport, u32 mode)
+{
+    (void)lport;
+    (void)mode;
+    return tide::api::stub(chip_id);
+}
+
+i32 linkscan_api_mode_get(u32 chip_id, u32 lport, u32 *mode)
+{
+    (void)lport;
+    (void)mode;
+    return tide::api::stub(chip_id);
+}
+
 } // extern "C"

@@ -199,6 +199,7 @@ TEST_F(Frame, ExportedCallsOnInvalidAndValidChips)
         EXPECT_EQ(l3_api_iif_create(chip, 0, nullptr), -3);
         EXPECT_EQ(pkt_api_init(chip, nullptr), -3);
         EXPECT_EQ(pkt_api_deinit(chip, 2), -3);
+        EXPECT_EQ(linkscan_api_mode_set(chip, 1, 2), -3);
     }
     shr_chip_type_assign(0, SHR_CHIP_TYPE_ATOLREEF, 0);
     // Empty slots of a real family and stub families answer -24.
@@ -207,6 +208,12 @@ TEST_F(Frame, ExportedCallsOnInvalidAndValidChips)
     EXPECT_EQ(base_api_cause_show(0, 0, 0, 0), -24);
     EXPECT_EQ(pkt_api_init(0, nullptr), -24);
     EXPECT_EQ(pkt_api_deinit(0, 2), -24);
+    uint32_t on = 7;
+    EXPECT_EQ(linkscan_api_enable_set(0, 1), -24);
+    EXPECT_EQ(linkscan_api_enable_get(0, &on), -24);
+    EXPECT_EQ(linkscan_api_mode_set(0, 1, 2), -24);
+    EXPECT_EQ(linkscan_api_mode_get(0, 1, &on), -24);
+    EXPECT_EQ(on, 7u);
     // The soft reset has no exported door; its slot checks the value first.
     EXPECT_EQ(tide::api::dispatch<&reef_init_dispatch_t::chip_soft_reset>(init_dispatch, 0, 0x1000000u), -4);
 }
