@@ -23,10 +23,12 @@
 #include "csl/reef/driver/port/csl_atolreef_port.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "support/fixture.h"
+#include "support/port_fake.h"
 
 using tide::port::pbmp_range;
 using tide::port::pbmp_test;
 using tide::test::Capture;
+using namespace tide::test::port_fake;
 
 namespace {
 
@@ -39,115 +41,6 @@ void _prop(const std::string &key, i32 value)
 {
     ASSERT_EQ(shr_property_set(0, key.c_str(), std::to_string(value).c_str()), 0);
 }
-
-// ---- a driver that records its calls ---------------------------------------------------
-
-struct Call {
-    std::string slot;
-    u32 lport; // the first u32 after the chip, ~0 for none
-};
-
-std::mutex g_calls_mu;
-std::vector<Call> g_calls;
-std::atomic<i32> g_fake_rc{0};
-// Runs inside every recorded call, with the driver's locks held.
-void (*g_inside)(const char *slot, u32 lport);
-// What the watchdog's reads answer.
-u32 g_link_status = 0;
-u32 g_rx_delta = 0;
-u32 g_interface_type = PORT_INTERFACE_SGMII;
-
-std::vector<Call> _calls()
-{
-    std::lock_guard<std::mutex> hold(g_calls_mu);
-    return g_calls;
-}
-
-void _calls_clear()
-{
-    std::lock_guard<std::mutex> hold(g_calls_mu);
-    g_calls.clear();
-}
-
-std::vector<std::string> _slots()
-{
-    std::vector<std::string> names;
-    for (const Call &c : _calls()) {
-        names.push_back(c.slot);
-    }
-    return names;
-}
-
-const char *_slot_name(size_t offset)
-{
-#define SLOT_NAME(slot, params)                    \
-    if (offset == offsetof(csl_port_driver_t, slot)) { \
-        return #slot;                              \
-    }
-    CSL_PORT_DRIVER_OPS(SLOT_NAME)
-#undef SLOT_NAME
-    return "?";
-}
-
-// Position of the first u32 argument; the count when there is none.
-template <typename... A>
-constexpr size_t _first_u32_index()
-{
-    size_t i = 0;
-    const bool is_u32[] = {std::is_same_v<A, u32>..., true};
-    while (!is_u32[i]) {
-        i++;
-    }
-    return i;
-}
-
-template <typename... A>
-u32 _first_u32(A... args)
-{
-    constexpr size_t i = _first_u32_index<A...>();
-    if constexpr (i < sizeof...(A)) {
-        return std::get<i>(std::tuple<A...>(args...));
-    } else {
-        return ~0u;
-    }
-}
-
-template <size_t Offset, typename F>
-struct Fake;
-template <size_t Offset, typename... A>
-struct Fake<Offset, i32 (*)(u32, A...)> {
-    static i32 fn(u32, A... args)
-    {
-        const u32 lport = _first_u32(args...);
-        {
-            std::lock_guard<std::mutex> hold(g_calls_mu);
-            g_calls.push_back({_slot_name(Offset), lport});
-        }
-        if (g_inside != nullptr) {
-            g_inside(_slot_name(Offset), lport);
-        }
-        if constexpr (Offset == offsetof(csl_port_driver_t, mac_link_status_get)) {
-            *std::get<1>(std::tuple<A...>(args...)) = g_link_status;
-        } else if constexpr (Offset == offsetof(csl_port_driver_t, clk_delta_result_get)) {
-            std::get<1>(std::tuple<A...>(args...))->rx_delta = g_rx_delta;
-        } else if constexpr (Offset == offsetof(csl_port_driver_t, port_interface_type_get)) {
-            std::get<1>(std::tuple<A...>(args...))->interface_type = g_interface_type;
-        }
-        return g_fake_rc;
-    }
-};
-
-constexpr csl_port_driver_t _fake_driver_make()
-{
-    csl_port_driver_t t{};
-    t.name = "fake";
-#define FAKE_SLOT(slot, params) t.slot = Fake<offsetof(csl_port_driver_t, slot), decltype(t.slot)>::fn;
-    CSL_PORT_DRIVER_OPS(FAKE_SLOT)
-#undef FAKE_SLOT
-    return t;
-}
-
-const csl_port_driver_t g_fake = _fake_driver_make();
 
 // One chip up, with the properties set before it read at bring-up.
 class Port : public tide::test::SimChips {
@@ -162,19 +55,10 @@ protected:
     void TearDown() override
     {
         SimChips::TearDown();
-        g_inside = nullptr;
-        g_fake_rc = 0;
-        _calls_clear();
+        fake_port_reset();
     }
     // Every port reaches the recording driver; the MAC ports are in use.
-    static void fake_driver()
-    {
-        for (u32 lport = 0; lport < CSL_ATOLREEF_PORT_COUNT; lport++) {
-            g_dpl_reef_port_control[0][lport].driver = &g_fake;
-        }
-        csl_port_control_get(0)->port_config.pbmp[PORT_CONFIG_ACTIVE] = pbmp_range(0, CSL_PORT_MAX_MAC - 1);
-        _calls_clear();
-    }
+    static void fake_driver() { fake_port_driver(0); }
     static port_config config()
     {
         port_config c{};
@@ -360,7 +244,7 @@ T _arg(bool first_u32)
 template <typename... A, size_t... I>
 i32 _call_indexed(i32 (*fn)(u32, A...), std::index_sequence<I...>)
 {
-    constexpr size_t first = _first_u32_index<A...>();
+    constexpr size_t first = first_u32_index<A...>();
     return fn(0, _arg<A>(I == first)...);
 }
 
@@ -439,19 +323,19 @@ const std::vector<Route> kRoutes = {
 TEST_F(Port, EveryOperationReachesItsDriverSlot)
 {
     fake_driver();
-    std::map<std::string, i32 (*)()> calls;
-#define PORT_CALL(name, params, args) calls[#name] = [] { return _call(port_api_##name); };
+    std::map<std::string, i32 (*)()> ops;
+#define PORT_CALL(name, params, args) ops[#name] = [] { return _call(port_api_##name); };
     TIDE_PORT_OPS(PORT_CALL)
 #undef PORT_CALL
-    ASSERT_EQ(calls.size(), 56u);
+    ASSERT_EQ(ops.size(), 56u);
     ASSERT_EQ(kRoutes.size(), 56u);
     for (const Route &r : kRoutes) {
-        ASSERT_EQ(calls.count(r.op), 1u) << r.op;
-        _calls_clear();
+        ASSERT_EQ(ops.count(r.op), 1u) << r.op;
+        calls_clear();
         g_fake_rc = 0;
-        EXPECT_EQ(calls[r.op](), 0) << r.op;
-        EXPECT_EQ(_slots(), r.slots) << r.op;
-        for (const Call &c : _calls()) {
+        EXPECT_EQ(ops[r.op](), 0) << r.op;
+        EXPECT_EQ(slots(), r.slots) << r.op;
+        for (const Call &c : calls()) {
             if (r.kind == 'p') {
                 EXPECT_EQ(c.lport, 5u) << r.op << " " << c.slot;
             } else if (r.kind == 'c') {
@@ -460,7 +344,7 @@ TEST_F(Port, EveryOperationReachesItsDriverSlot)
         }
         // The driver's status comes back unchanged.
         g_fake_rc = -11;
-        EXPECT_EQ(calls[r.op](), r.slots.empty() ? 0 : -11) << r.op;
+        EXPECT_EQ(ops[r.op](), r.slots.empty() ? 0 : -11) << r.op;
     }
 }
 
@@ -603,7 +487,7 @@ TEST_F(Port, ChipWideOperationsHoldTheChipLock)
     EXPECT_EQ(port_api_map_mode_set(0, 1), 0);
     EXPECT_EQ(port_api_mac_phy_mode_get(0, &v), 0);
     EXPECT_EQ(port_api_transmit_path_set(0, 1, 0, 0), 0);
-    EXPECT_EQ(_calls().size(), 4u);
+    EXPECT_EQ(calls().size(), 4u);
 }
 
 // ---- external PHY and loopback -------------------------------------------------------------
@@ -625,7 +509,7 @@ TEST_F(Port, ExternalPhyOwnsSpeedDuplexAutonegAndLoopbackGet)
     EXPECT_EQ(an, 7u);
     EXPECT_EQ(duplex, 7u);
     EXPECT_EQ(loop.loop_mode, 3u);
-    EXPECT_TRUE(_calls().empty());
+    EXPECT_TRUE(calls().empty());
     // Still checked: a port not in use is refused first.
     EXPECT_EQ(port_api_speed_set(0, 29, 1000), -24);
     // Abilities, link status and the MAC calls go on as usual.
@@ -633,7 +517,7 @@ TEST_F(Port, ExternalPhyOwnsSpeedDuplexAutonegAndLoopbackGet)
     EXPECT_EQ(port_api_advert_ability_get(0, 5, &ab), 0);
     EXPECT_EQ(port_api_link_status_get(0, 5, &speed), 0);
     EXPECT_EQ(dpl_reef_mac_speed_set(0, 5, 1000), 0);
-    EXPECT_EQ(_slots(), (std::vector<std::string>{"advert_ability_get", "link_status_get", "port_speed_set"}));
+    EXPECT_EQ(slots(), (std::vector<std::string>{"advert_ability_get", "link_status_get", "port_speed_set"}));
 }
 
 // The MAC sees the loop it is to make: the PHY loops of a port with an
@@ -703,7 +587,7 @@ TEST_F(Port, BadInputIsRefusedBeforeAnythingIsTouched)
         EXPECT_EQ(port_api_interface_set(0, 3, &bad), -24) << type;
         EXPECT_TRUE(Capture::has("chip_id0 lport3 interface type " + std::to_string(type) + " has no serdes speed\n"));
     }
-    EXPECT_EQ(_slots(), std::vector<std::string>(6, "serdes_id_get"));
+    EXPECT_EQ(slots(), std::vector<std::string>(6, "serdes_id_get"));
     EXPECT_TRUE(tide::test::sim_writes(0).empty());
 }
 
@@ -735,13 +619,13 @@ TEST_F(Port, InterfaceChangeStopsAtTheDriverAndRestoresLinkOnlyOnPortsInUse)
     Capture::clear();
     EXPECT_EQ(port_api_interface_set(0, 2, &intf), -4);
     EXPECT_TRUE(Capture::has("errcode = -4 [Invalid parameter]\n"));
-    EXPECT_EQ(_slots(), (std::vector<std::string>{"serdes_id_get"}));
+    EXPECT_EQ(slots(), (std::vector<std::string>{"serdes_id_get"}));
 
     g_dpl_reef_port_control[0][2].driver = &g_fake;
     csl_port_control_get(0)->port_config.pbmp[PORT_CONFIG_ACTIVE] = port_bitmap{};
-    _calls_clear();
+    calls_clear();
     EXPECT_EQ(port_api_interface_set(0, 2, &intf), 0);
-    EXPECT_EQ(_slots(), (std::vector<std::string>{"serdes_id_get", "port_interface_type_set"}));
+    EXPECT_EQ(slots(), (std::vector<std::string>{"serdes_id_get", "port_interface_type_set"}));
 }
 
 // ---- link forwarding ----------------------------------------------------------------------------
@@ -841,9 +725,9 @@ TEST_F(Port, WatchdogResetsOnlyADownLaneThatLostItsClock)
         {1, PORT_INTERFACE_1000BASE_X, 0, 1, 0},
     };
     for (const Case &c : cases) {
-        g_link_status = c.link;
-        g_interface_type = c.type;
-        g_rx_delta = c.rx_delta;
+        g_answer["mac_link_status_get"] = c.link;
+        g_answer["port_interface_type_get"] = c.type;
+        g_answer["clk_delta_result_get"] = c.rx_delta;
         _prop("port_phy_int_ext_9", static_cast<i32>(c.phy_ext));
         Capture::clear();
         EXPECT_EQ(dpl_reef_port_chk_sds_status(0, 9), c.rc) << c.link << "/" << c.type << "/" << c.rx_delta;
