@@ -29,15 +29,6 @@ i32 _bad_argc()
     return SHR_E_PARAM;
 }
 
-i32 _chip_checked(u32 chip_id)
-{
-    if (shr_chip_valid_get(chip_id) == 0) {
-        cli_output_show("chip_id(%d) is invalid\n", static_cast<int>(chip_id));
-        return SHR_E_UNIT;
-    }
-    return SHR_E_NONE;
-}
-
 // One step of bring-up or tear-down: its failure, or its success line.
 i32 _step(u32 chip_id, i32 rc, const char *what, const char *done)
 {
@@ -212,7 +203,7 @@ i32 cli_common_show_chip(u32 chip_id, u32 view_mode, i32 argc, char **argv)
 {
     (void)view_mode;
     (void)argv;
-    i32 rc = _chip_checked(chip_id);
+    i32 rc = cli_chip_valid_check(chip_id);
     if (rc != SHR_E_NONE) {
         return rc;
     }

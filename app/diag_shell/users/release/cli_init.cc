@@ -6,6 +6,7 @@
 
 #include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_init.h"
+#include "app/diag_shell/users/release/cli_port.h"
 
 namespace {
 
@@ -73,6 +74,7 @@ void cli_cmd_init_all(void)
     // The command families link their records here, in their order, ahead
     // of the commands that every mode has; the chip model's own commands
     // come after the chip's families.
+    cli_cmd_init_port();
     cli_cmd_init_config();
     cli_cmd_init_common();
     cli_cmd_init_sim();

@@ -607,6 +607,15 @@ i32 cli_pport_list_str_is_valid(const char *list)
     }
 }
 
+i32 cli_chip_valid_check(u32 chip_id)
+{
+    if (shr_chip_valid_get(chip_id) == 0) {
+        cli_output_show("chip_id(%d) is invalid\n", static_cast<int>(chip_id));
+        return SHR_E_UNIT;
+    }
+    return SHR_E_NONE;
+}
+
 i32 cli_inner_mode_pport_to_lport(u32 chip_id, const char *pport, u32 *lport)
 {
     if (!_is_digit(pport[0])) {

@@ -55,7 +55,10 @@ i32 cli_hex_array_get_from_file(const char *path, u8 *out, u32 room, u32 *count)
  * fit. */
 i32 cli_pbmp_to_str(const u64 *bitmap, u32 bytes, char *out, u32 room);
 
-/* ---- ports ------------------------------------------------------------------- */
+/* ---- chips and ports ----------------------------------------------------------- */
+
+/* 0 for a chip of the registry; -3 after "chip_id(%d) is invalid\n". */
+i32 cli_chip_valid_check(u32 chip_id);
 
 /* The port naming mode of each chip: 0 by the application's callbacks. */
 extern u32 g_shell_mode[SHR_MAX_CHIPS];
