@@ -9,6 +9,7 @@
 
 #include "sim/sim_arl.h"
 #include "sim/sim_int.h"
+#include "sim/sim_pkt.h"
 
 using tide::sim::Chip;
 using tide::sim::Model;
@@ -153,6 +154,26 @@ int _sim_reg_write64(uint32_t chip, uint32_t bar, uint32_t addr, uint64_t value)
 {
     Chip *c = _chip(chip);
     return c == nullptr ? -7 : c->bus_write(bar, addr, 8, value);
+}
+
+// A call of the packet path: the chip (-17, -3), the pointers (-20), the
+// port (-4), then `fn` on the chip's pipeline under the chip's mutex.
+template <typename Fn>
+int _on_packet_path(uint32_t chip, uint32_t lport, bool pointers_ok, Fn fn)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    if (!pointers_ok) {
+        return -20;
+    }
+    if (lport >= tide::sim::kPorts) {
+        return -4;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return fn(*c->pkt);
 }
 
 } // namespace
@@ -374,6 +395,64 @@ int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dyna
         *entries = c->arl->entries();
     }
     return 0;
+}
+
+int tide_sim_packet_inject(uint32_t chip, uint32_t lport, const uint8_t *frame, uint32_t len)
+{
+    return _on_packet_path(chip, lport, frame != nullptr, [&](tide::sim::Pipeline &pl) {
+        if (len == 0 || len > TIDE_SIM_FRAME_MAX) {
+            return -4;
+        }
+        pl.inject(lport, frame, len);
+        return 0;
+    });
+}
+
+int tide_sim_packet_capture(uint32_t chip, uint32_t lport, uint8_t *buf, uint32_t size, uint32_t *len)
+{
+    return _on_packet_path(chip, lport, buf != nullptr && len != nullptr,
+                           [&](tide::sim::Pipeline &pl) { return pl.capture(lport, buf, size, len); });
+}
+
+int tide_sim_packet_peek(uint32_t chip, uint32_t lport, uint32_t index, uint8_t *buf, uint32_t size,
+                         tide_sim_frame_info *info)
+{
+    return _on_packet_path(chip, lport, true,
+                           [&](tide::sim::Pipeline &pl) { return pl.peek(lport, index, buf, size, info); });
+}
+
+int tide_sim_port_stats_get(uint32_t chip, uint32_t lport, tide_sim_port_stats *stats)
+{
+    return _on_packet_path(chip, lport, stats != nullptr, [&](tide::sim::Pipeline &pl) {
+        pl.stats(lport, stats);
+        return 0;
+    });
+}
+
+int tide_sim_time_advance(uint32_t chip, uint32_t ms)
+{
+    return _on_packet_path(chip, 0, true, [&](tide::sim::Pipeline &pl) {
+        pl.advance(ms);
+        return 0;
+    });
+}
+
+int tide_sim_time_get(uint32_t chip, uint64_t *ms)
+{
+    return _on_packet_path(chip, 0, ms != nullptr, [&](tide::sim::Pipeline &pl) {
+        *ms = pl.now();
+        return 0;
+    });
+}
+
+int tide_sim_pcap_open(uint32_t chip, const char *path)
+{
+    return _on_packet_path(chip, 0, path != nullptr, [&](tide::sim::Pipeline &pl) { return pl.pcap_open(path); });
+}
+
+int tide_sim_pcap_close(uint32_t chip)
+{
+    return _on_packet_path(chip, 0, true, [&](tide::sim::Pipeline &pl) { return pl.pcap_close(); });
 }
 
 int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)

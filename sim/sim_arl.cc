@@ -15,15 +15,31 @@ namespace tide::sim {
 
 namespace {
 
-// CRC-32 of the model's hash, MSB first, from all ones.
-uint32_t _crc(const uint8_t *data, size_t len, uint32_t poly)
+// CRC-32 of the model's hash, MSB first, from all ones, a byte at a time
+// through a table of the polynomial (the packet path hashes two keys per
+// frame).
+struct CrcTable {
+    uint32_t t[256];
+    explicit constexpr CrcTable(uint32_t poly) : t{}
+    {
+        for (uint32_t i = 0; i < 256; i++) {
+            uint32_t c = i << 24;
+            for (int b = 0; b < 8; b++) {
+                c = (c & 0x80000000u) ? (c << 1) ^ poly : c << 1;
+            }
+            t[i] = c;
+        }
+    }
+};
+
+constexpr CrcTable kCrcBar0(0x04C11DB7u);
+constexpr CrcTable kCrcBar1(0x1EDC6F41u);
+
+uint32_t _crc(const uint8_t *data, size_t len, const CrcTable &table)
 {
     uint32_t crc = 0xFFFFFFFFu;
     for (size_t i = 0; i < len; i++) {
-        crc ^= static_cast<uint32_t>(data[i]) << 24;
-        for (int b = 0; b < 8; b++) {
-            crc = (crc & 0x80000000u) ? (crc << 1) ^ poly : crc << 1;
-        }
+        crc = (crc << 8) ^ table.t[(crc >> 24) ^ data[i]];
     }
     return crc;
 }
@@ -133,6 +149,18 @@ ArlEngine::ArlEngine(Chip &chip)
         e_ovid_ = need(t->fields, t->field_count, "outer_vlanid");
         e_lrnclass_ = need(t->fields, t->field_count, "lrnclass");
         e_gid_ = need(t->fields, t->field_count, "gid");
+        ef_ = EntryFields{e_valid_,
+                          e_stati_,
+                          need(t->fields, t->field_count, "age_cnt"),
+                          e_opcode_,
+                          e_learn_data_,
+                          need(t->fields, t->field_count, "dst_blk_list"),
+                          need(t->fields, t->field_count, "src_blk_list")};
+    }
+    a_float_ = need_reg("arl_age_lrn_cfg1", &r);
+    if (r != nullptr) {
+        f_float_succ_ = need(r->fields, r->field_count, "float_succ_cnt");
+        f_float_fail_ = need(r->fields, r->field_count, "float_fail_cnt");
     }
 }
 
@@ -158,14 +186,12 @@ uint32_t ArlEngine::need_reg(const char *name, const desc::Register **out)
 
 uint32_t ArlEngine::reg(uint32_t addr) const
 {
-    uint64_t v = 0;
-    chip_.load(4, addr, 4, &v);
-    return static_cast<uint32_t>(v);
+    return chip_.core_word(addr);
 }
 
 void ArlEngine::set_reg(uint32_t addr, uint32_t value)
 {
-    chip_.store(4, addr, 4, value);
+    chip_.set_core_word(addr, value);
 }
 
 void ArlEngine::install()
@@ -261,8 +287,8 @@ void ArlEngine::buckets(const ArlEntry &image, uint32_t *b0, uint32_t *b1) const
         h0 = static_cast<uint32_t>(lo) ^ static_cast<uint32_t>(lo >> 32) ^ static_cast<uint32_t>(hi);
         h1 = (h0 << 13 | h0 >> 19) ^ static_cast<uint32_t>(hi << 7);
     } else {
-        h0 = _crc(bytes, sizeof(bytes), 0x04C11DB7u);
-        h1 = _crc(bytes, sizeof(bytes), 0x1EDC6F41u);
+        h0 = _crc(bytes, sizeof(bytes), kCrcBar0);
+        h1 = _crc(bytes, sizeof(bytes), kCrcBar1);
     }
     *b0 = h0 % (bar0_size() / kWays);
     *b1 = h1 % (kBar1 / kWays);
@@ -385,12 +411,17 @@ ArlEngine::Result ArlEngine::limit_check(const ArlEntry &image) const
         return Result{kGlobalLimit, 0, true};
     }
     if (bits_get(image.data(), e_opcode_) == 0) {
-        const uint64_t port = bits_get(image.data(), e_learn_data_);
-        if (port < kPorts) {
-            const uint32_t lmt = reg(a_port_lmt_[port]);
-            if (word_get(lmt, f_port_lmt_en_) && port_count_[port] >= word_get(lmt, f_port_lmt_)) {
-                return Result{kPortLimit, 0, true};
-            }
+        return port_limit_check(static_cast<uint32_t>(bits_get(image.data(), e_learn_data_)));
+    }
+    return Result{};
+}
+
+ArlEngine::Result ArlEngine::port_limit_check(uint32_t port) const
+{
+    if (port < kPorts) {
+        const uint32_t lmt = reg(a_port_lmt_[port]);
+        if (word_get(lmt, f_port_lmt_en_) && port_count_[port] >= word_get(lmt, f_port_lmt_)) {
+            return Result{kPortLimit, 0, true};
         }
     }
     return Result{};
@@ -548,6 +579,88 @@ void ArlEngine::on_command(uint32_t cfg)
     set_reg(a_state_, state);
     // The start bit clears itself when the command is done.
     set_reg(a_cfg_, word_set(cfg, f_start_, 0));
+}
+
+// ---- the packet path -------------------------------------------------------
+
+ArlEntry *ArlEngine::lookup(uint32_t vid, uint64_t mac)
+{
+    ArlEntry image{};
+    bits_set(image.data(), e_vlanid_, vid);
+    bits_set(image.data(), e_mac_ip_, mac << 16);
+    Slot at{};
+    return find(image, &at) ? slot(at) : nullptr;
+}
+
+ArlEngine::Result ArlEngine::learn(uint32_t vid, uint64_t mac, uint32_t port)
+{
+    ArlEntry image{};
+    bits_set(image.data(), e_valid_, 1);
+    bits_set(image.data(), e_vlanid_, vid);
+    bits_set(image.data(), e_mac_ip_, mac << 16);
+    bits_set(image.data(), ef_.age_cnt, kAgeFull);
+    bits_set(image.data(), e_learn_data_, port);
+    const Result r = insert(image, 0);
+    if (!r.fail) {
+        publish_counts();
+    }
+    return r;
+}
+
+ArlEngine::Result ArlEngine::move(ArlEntry *entry, uint32_t port)
+{
+    const Result limit = port_limit_check(port);
+    if (limit.fail) {
+        return limit;
+    }
+    ArlEntry moved = *entry;
+    bits_set(moved.data(), e_opcode_, 0);
+    bits_set(moved.data(), e_learn_data_, port);
+    bits_set(moved.data(), ef_.age_cnt, kAgeFull);
+    put(entry, moved);
+    publish_counts();
+    return Result{};
+}
+
+void ArlEngine::refresh(ArlEntry *entry) const
+{
+    bits_set(entry->data(), ef_.age_cnt, kAgeFull);
+}
+
+uint32_t ArlEngine::age_pass()
+{
+    uint32_t removed = 0;
+    for (auto *v : {&bar0_, &bar1_, &cam_}) {
+        const uint32_t size = v == &bar0_ ? bar0_size() : static_cast<uint32_t>(v->size());
+        for (uint32_t i = 0; i < size; i++) {
+            ArlEntry &e = (*v)[i];
+            if (!bits_get(e.data(), e_valid_) || bits_get(e.data(), e_stati_)) {
+                continue;
+            }
+            const uint64_t age = bits_get(e.data(), ef_.age_cnt);
+            if (age <= 1) {
+                remove(&e);
+                removed++;
+            } else {
+                bits_set(e.data(), ef_.age_cnt, age - 1);
+            }
+        }
+    }
+    if (removed != 0) {
+        publish_counts();
+    }
+    return removed;
+}
+
+void ArlEngine::float_counted(bool succeeded)
+{
+    const uint32_t w = reg(a_float_);
+    const FieldRef f = succeeded ? f_float_succ_ : f_float_fail_;
+    // The counters stop at their highest value.
+    const uint32_t n = word_get(w, f);
+    if (n < width_mask(f.width)) {
+        set_reg(a_float_, word_set(w, f, n + 1));
+    }
 }
 
 } // namespace tide::sim

@@ -43,6 +43,22 @@ public:
         kPortLimit = 9,
     };
 
+    // Outcome of a command or of a learning step: the fail cause, the
+    // count of a batched command, and whether the block reports a failure.
+    struct Result {
+        uint32_t cause = kOk;
+        uint32_t count = 0;
+        bool fail = false;
+    };
+
+    // Fields of an entry, for the packet path.
+    struct EntryFields {
+        FieldRef valid, stati, age_cnt, opcode, learn_data, dst_blk, src_blk;
+    };
+
+    // The age count of an entry that was just learned or hit.
+    static constexpr uint32_t kAgeFull = 3;
+
     explicit ArlEngine(Chip &chip);
 
     // Whether the description gave every register and field the engine
@@ -61,12 +77,28 @@ public:
     uint32_t static_count() const { return static_count_; }
     uint32_t dynamic_count() const { return dynamic_count_; }
 
+    // ---- the packet path: lookup, learning, moves and aging ------------
+    // They work on the same table, counters and limits as the command
+    // block, so that a learned entry and an entry the CPU inserted are
+    // alike.  The caller holds the chip's mutex.
+    const EntryFields &fields() const { return ef_; }
+    // The entry of a MAC key (key mode 0) in `vid`, or NULL.
+    ArlEntry *lookup(uint32_t vid, uint64_t mac);
+    // A new dynamic entry of (vid, mac) on `port`, refused for the same
+    // causes as a CPU insert (limits 8 and 9, a full bucket 7).
+    Result learn(uint32_t vid, uint64_t mac, uint32_t port);
+    // A dynamic entry moved to `port`; refused (9) when that port is at its
+    // learn limit.
+    Result move(ArlEntry *entry, uint32_t port);
+    // A hit: the age count back to full.
+    void refresh(ArlEntry *entry) const;
+    // One aging pass: the age count of every dynamic entry one lower, and
+    // the entries it brings to zero removed.  Gives the number removed.
+    uint32_t age_pass();
+    // Counts a station move that succeeded or was refused.
+    void float_counted(bool succeeded);
+
 private:
-    struct Result {
-        uint32_t cause = kOk;
-        uint32_t count = 0;
-        bool fail = false;
-    };
     struct Slot {
         uint32_t bucket; // 0 bar0, 1 bar1, 2 cam
         uint32_t addr;
@@ -92,6 +124,9 @@ private:
     FieldRef f_share_, f_ram_share_, f_hash_mode_, f_init_ok_;
     // Entry fields.
     FieldRef e_valid_, e_stati_, e_opcode_, e_learn_data_, e_vlanid_, e_mac_ip_, e_ovid_, e_lrnclass_, e_gid_;
+    EntryFields ef_;
+    uint32_t a_float_ = 0;
+    FieldRef f_float_succ_, f_float_fail_;
 
     FieldRef need(const desc::Field *fields, uint32_t count, const char *name);
     uint32_t need_reg(const char *name, const desc::Register **out = nullptr);
@@ -111,6 +146,7 @@ private:
 
     Result insert(const ArlEntry &image, uint32_t flags);
     Result limit_check(const ArlEntry &image) const;
+    Result port_limit_check(uint32_t port) const;
     void put(ArlEntry *at, const ArlEntry &entry);
     void remove(ArlEntry *at);
     void count(const ArlEntry &entry, int delta);

@@ -5,6 +5,7 @@
 
 #include "sim/sim_int.h"
 #include "sim/sim_arl.h"
+#include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
 
 namespace tide::sim {
@@ -43,6 +44,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     }
     log_.resize(TIDE_SIM_WRITE_LOG_DEPTH);
     arl = std::make_unique<ArlEngine>(*this);
+    pkt = std::make_unique<Pipeline>(*this);
     if (ok()) {
         reset_core();
     }
@@ -53,6 +55,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
 
 Chip::~Chip()
 {
+    pkt.reset();
     arl.reset();
     for (Region &r : regions_) {
         if (r.mem != nullptr) {
@@ -68,7 +71,7 @@ bool Chip::ok() const
             return false;
         }
     }
-    return arl == nullptr || arl->ok();
+    return (arl == nullptr || arl->ok()) && (pkt == nullptr || pkt->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)

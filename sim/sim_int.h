@@ -18,6 +18,7 @@
 #include <array>
 #include <atomic>
 #include <condition_variable>
+#include <cstring>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -51,6 +52,7 @@ constexpr uint32_t kPciConfigSize = 4096;
 
 class Chip;
 class ArlEngine;
+class Pipeline;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 
 struct Region {
@@ -81,6 +83,26 @@ public:
     // or on a BAR that does not exist.
     bool load(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value) const;
     bool store(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value);
+    // One word of the switch core as the chip's own logic reads and writes
+    // it (the engines and the packet path); 0 outside the aperture.
+    uint32_t core_word(uint32_t addr) const
+    {
+        const Region &r = regions_[kApLsw];
+        if (static_cast<uint64_t>(addr) + 4 > r.size) {
+            return 0;
+        }
+        uint32_t raw = 0;
+        memcpy(&raw, r.mem + addr, 4);
+        return identity.byte_order == kByteOrderNative ? raw : __builtin_bswap32(raw);
+    }
+    void set_core_word(uint32_t addr, uint32_t value)
+    {
+        Region &r = regions_[kApLsw];
+        if (static_cast<uint64_t>(addr) + 4 <= r.size) {
+            const uint32_t raw = identity.byte_order == kByteOrderNative ? value : __builtin_bswap32(value);
+            memcpy(r.mem + addr, &raw, 4);
+        }
+    }
 
     // The bus side: an access of the SDK through the hooks.  Writes are
     // logged and run their handler.
@@ -110,6 +132,8 @@ public:
 
     // The MAC table.
     std::unique_ptr<ArlEngine> arl;
+    // The packet path.
+    std::unique_ptr<Pipeline> pkt;
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();

@@ -5,7 +5,8 @@
 set -eu
 tided=$1
 out=$(mktemp)
-trap 'rm -f "$out"' EXIT
+cfg=$(mktemp)
+trap 'rm -f "$out" "$cfg"' EXIT
 
 run() { # run <signal> <args...>
     sig=$1
@@ -36,6 +37,15 @@ grep -q "tided: stopped" "$out"
 run TERM --chips 4
 for c in 0 1 2 3; do grep -q "chip $c (atolreef) is up" "$out"; done
 grep -q "SIGTERM, shutting down" "$out"
+
+# The configuration file: a setting for chip 1 only.
+printf 'debug_level_init=3\nchip_hw_init.chip1=0\n' >"$cfg"
+run INT --chips 2 --config "$cfg"
+[ "$(grep -c 'no hw init' "$out")" -eq 1 ] || { echo "chip_hw_init.chip1 not applied:"; cat "$out"; exit 1; }
+grep -q "SOFT-INIT:          base" "$out"
+rc=0
+"$tided" --config /nonexistent/chip_config.txt >"$out" 2>&1 || rc=$?
+[ $rc -eq 2 ] || { echo "a missing --config gave $rc"; exit 1; }
 
 rc=0
 "$tided" --chips 5 >"$out" 2>&1 || rc=$?

@@ -1,7 +1,7 @@
 // tided: the reference application.  It stands simulated atolreef chips
-// behind the SDK, brings them up in the library's calling order, and keeps
-// them up until SIGINT or SIGTERM, when it tears everything down in the
-// reverse order.
+// behind the SDK, brings them up in the library's calling order, makes VLAN
+// 1 of the front ports so that the chips switch, and keeps them up until
+// SIGINT or SIGTERM, when it tears everything down in the reverse order.
 //
 //   tided [--chips N] [--config FILE]
 #include <getopt.h>
@@ -15,11 +15,17 @@
 #include <tide/sim.h>
 #include <tide/tide.h>
 
+#include "app/tided/bootstrap_vlan.h"
+
 namespace {
+
+// The front ports, members of VLAN 1 without tags.
+constexpr uint32_t kFrontPorts = 0x0FFFFFFF;
 
 struct Options {
     unsigned chips = 1;
     const char *config = TIDED_DEFAULT_CONFIG;
+    bool config_given = false;
 };
 
 void _usage(FILE *out)
@@ -54,6 +60,7 @@ int _parse(int argc, char **argv, Options *opt)
         }
         case 'c':
             opt->config = optarg;
+            opt->config_given = true;
             break;
         case 'h':
             _usage(stdout);
@@ -120,6 +127,21 @@ int main(int argc, char **argv)
         return 1;
     }
     printf("tided: %u simulated chip(s), configuration %s\n", opt.chips, opt.config);
+    // Every chip reads the same file; ".chipN" keys in it single one out.
+    // A file named on the command line must be there; without the shipped
+    // one every setting takes its default.
+    for (unsigned c = 0; c < opt.chips; c++) {
+        const int rc = shr_property_cfg_file_load(c, opt.config);
+        if (rc != 0 && opt.config_given) {
+            fprintf(stderr, "tided: configuration %s: %d (%s)\n", opt.config, rc, shr_errmsg(rc));
+            deinit_api_base_software_process();
+            tide_sim_uninstall();
+            return 2;
+        }
+        if (rc != 0 && c == 0) {
+            printf("tided: no configuration at %s, every setting takes its default\n", opt.config);
+        }
+    }
 
     bool hw_up[TIDE_MAX_CHIPS] = {};
     unsigned soft_up = 0;
@@ -135,7 +157,11 @@ int main(int argc, char **argv)
             break;
         }
         hw_up[c] = true;
-        printf("tided: chip %u (%s) is up\n", c, shr_chip_name_get(c));
+        if (!_ok("bootstrap_vlan", c, bootstrap_vlan(c, 1, kFrontPorts, kFrontPorts))) {
+            status = 1;
+            break;
+        }
+        printf("tided: chip %u (%s) is up, VLAN 1 on ports 0 to 27\n", c, shr_chip_name_get(c));
     }
 
     if (status == 0) {

@@ -13,9 +13,10 @@
 
 TIDE_BEGIN_DECLS
 
-/* Highest mode of the shell; mode 0 is "config". */
+/* Highest mode of the shell; mode 0 is "config", mode 43 "sim" holds the
+ * commands of the chip model. */
 #define CLI_MODE_CONFIG 0u
-#define CLI_MODE_LAST 42u
+#define CLI_MODE_LAST 43u
 
 /* Room of the prompt text, terminating NUL included. */
 #define CLI_PROMPT_SIZE 128u

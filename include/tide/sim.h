@@ -106,6 +106,70 @@ TIDE_API int tide_sim_arl_entry_get(uint32_t chip, uint32_t index, uint32_t entr
 TIDE_API int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dynamic_count,
                                     uint32_t *entries);
 
+/* ---- the packet path ----------------------------------------------------
+ * A frame injected on a port runs through the chip's pipeline as the SDK
+ * has programmed it (tag parsing, port and VLAN rows, learning, the MAC
+ * table, flooding, egress tag handling) and the copies that leave the chip
+ * wait in a queue per port.  Frames are given and returned without their
+ * FCS.  Each port keeps the last TIDE_SIM_QUEUE_FRAMES frames it sent;
+ * older ones are forgotten (and counted).  Port 31 is the CPU port: frames
+ * the chip sends to the CPU wait there with their to-CPU cause. */
+
+#define TIDE_SIM_QUEUE_FRAMES 1024u
+/* Longest frame the injection takes; the chip's own length checks apply to
+ * shorter ones. */
+#define TIDE_SIM_FRAME_MAX 65535u
+/* Cause of a frame that was forwarded rather than sent to the CPU. */
+#define TIDE_SIM_CAUSE_NONE 0xFFFFFFFFu
+
+/* A frame arrives on `lport` (0 to 31; 31 comes from the CPU).  0 when the
+ * chip took it, whatever it then decided; -4 for a bad port or a length of
+ * 0 or above TIDE_SIM_FRAME_MAX, -20 for a NULL frame. */
+TIDE_API int tide_sim_packet_inject(uint32_t chip, uint32_t lport, const uint8_t *frame, uint32_t len);
+/* Takes the oldest frame that left `lport`: copies it into `buf` and its
+ * length into `*len`.  -7 when none is waiting; -4 for a bad port, or when
+ * `size` is too small (then `*len` gives the size needed and the frame
+ * stays); -20 for a NULL pointer. */
+TIDE_API int tide_sim_packet_capture(uint32_t chip, uint32_t lport, uint8_t *buf, uint32_t size, uint32_t *len);
+
+typedef struct tide_sim_frame_info {
+    uint32_t len;      /* bytes of the frame */
+    uint32_t src_port; /* the port it came in by */
+    uint32_t cause;    /* to-CPU cause, or TIDE_SIM_CAUSE_NONE */
+    uint64_t time_ms;  /* model time when it left */
+} tide_sim_frame_info;
+/* Reads the `index`-th oldest frame waiting on `lport` without taking it:
+ * up to `size` bytes into `buf` (which may be NULL) and its description
+ * into `info` (which may be NULL).  -7 when there is no such frame. */
+TIDE_API int tide_sim_packet_peek(uint32_t chip, uint32_t lport, uint32_t index, uint8_t *buf, uint32_t size,
+                                  tide_sim_frame_info *info);
+
+typedef struct tide_sim_port_stats {
+    uint64_t rx_frames;       /* frames injected on the port */
+    uint64_t rx_bytes;
+    uint64_t rx_dropped;      /* of these, dropped by the ingress pipeline */
+    uint32_t last_drop_cause; /* cause of the last of them */
+    uint32_t waiting;         /* frames sent and not yet captured */
+    uint64_t tx_frames;       /* frames the port sent */
+    uint64_t tx_bytes;
+    uint64_t tx_forgotten;    /* sent frames the full queue forgot */
+} tide_sim_port_stats;
+TIDE_API int tide_sim_port_stats_get(uint32_t chip, uint32_t lport, tide_sim_port_stats *stats);
+
+/* The model's clock, in milliseconds from the start of the model.  It only
+ * moves when advanced; aging runs on it. */
+TIDE_API int tide_sim_time_advance(uint32_t chip, uint32_t ms);
+TIDE_API int tide_sim_time_get(uint32_t chip, uint64_t *ms);
+
+/* From now on every frame in and out of the chip is written to a capture
+ * file (pcapng: one interface per port named "port0" to "port31", the
+ * direction in each frame's flags, drop and to-CPU causes as comments).
+ * -8 when a file is open already, -11 when the file cannot be written,
+ * -20 for a NULL path. */
+TIDE_API int tide_sim_pcap_open(uint32_t chip, const char *path);
+/* Closes the file; -7 when none is open, -11 when writing it failed. */
+TIDE_API int tide_sim_pcap_close(uint32_t chip);
+
 /* Counters of the driver side, for tests and for a user's curiosity. */
 typedef struct tide_sim_stats {
     uint64_t ioctl_calls;  /* command records on /dev/hal_drv */

@@ -2,7 +2,11 @@
 // family levels with the hard reset.
 #include <gtest/gtest.h>
 
+#include "atolreef_cib.h"
+#include "csl/reef/reg_tbl/csl_reef_cib.h"
+#include "api/api_families.h"
 #include "dpl/common/dpl_init_pre.h"
+#include "shared/shr_int.h"
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "hal/hal_op/hal.h"
 #include "support/fixture.h"
@@ -167,6 +171,109 @@ TEST_F(Levels, FeatureLocks)
     EXPECT_EQ(g_dpl_lock[0][6], nullptr);
     EXPECT_EQ(dpl_lock_destroy(0, 6), 0);
     EXPECT_EQ(dpl_lock_take(9, 6, __func__, __LINE__), -4);
+}
+
+// The switches of the chip configuration, read at bring-up.
+TEST_F(Levels, ResetAndHardwareInitSwitches)
+{
+    ASSERT_EQ(shr_property_set(0, "chip_lsw_hw_reset", "0"), 0);
+    ASSERT_EQ(shr_property_set(0, "chip_hw_init", "0"), 0);
+    ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
+    ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+    Capture::clear();
+    ASSERT_EQ(init_api_hardware_process(0), 0);
+    EXPECT_TRUE(tide::test::sim_writes(0).empty()); // no reset, no module touched the chip
+    EXPECT_TRUE(Capture::has("[CHIP-INIT:    no hw init]............[OK]\r\n"));
+    EXPECT_FALSE(Capture::has("hw reset"));
+    EXPECT_EQ(g_dpl_reef_hw_inited[0], 1u);
+    // The deinit still walks every module.
+    Capture::clear();
+    EXPECT_EQ(deinit_api_hardware_process(0), 0);
+    EXPECT_TRUE(Capture::has("[CHIP-DEINIT:          base]............[OK]\r\n"));
+    EXPECT_EQ(deinit_api_software_process(0), 0);
+}
+
+TEST_F(Levels, LogLevelsComeFromTheChipConfiguration)
+{
+    shr_property_set(0, "debug_level", "2");
+    shr_property_set(0, "debug_level_port", "4");
+    ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
+    EXPECT_EQ(shr_debugk_ll_level_get(SHR_MOD_L3), 2);
+    EXPECT_EQ(shr_debugk_ll_level_get(SHR_MOD_PORT), 4);
+    EXPECT_EQ(shr_debugk_ll_level_get(SHR_MOD_INIT), 3); // its own default
+    EXPECT_EQ(shr_debugk_ll_level_get(SHR_MOD_TOP), 1);
+    EXPECT_EQ(g_shr_current_dk_enable[SHR_MOD_L3], 1);
+    EXPECT_EQ(deinit_api_software_process(0), 0);
+    shr_property_set(1, "debug_status", "0");
+    ASSERT_EQ(init_api_software_process(1, &cfg_), 0);
+    EXPECT_EQ(g_shr_current_dk_enable[SHR_MOD_L3], 0); // the last chip decides
+    EXPECT_EQ(deinit_api_software_process(1), 0);
+}
+
+// After hardware init every port's ingress and egress rows are valid and
+// every cause id copies by its queue index; `causid_en` 0 leaves the cause
+// ids as the chip holds them.
+TEST_F(Levels, BaseHardwareInitMarksPortsAndCauses)
+{
+    shr_property_set(1, "causid_en", "0");
+    for (u32 chip : {0u, 1u}) {
+        ASSERT_EQ(init_api_software_process(chip, &cfg_), 0);
+        ASSERT_EQ(init_api_hardware_process(chip), 0);
+        up_[chip] = true;
+    }
+    for (u32 port : {0u, 27u, 31u}) {
+        cib_ipro_ipat_tbl_t ipat{};
+        cib_epro_epat_table_t epat{};
+        ASSERT_EQ(csl_reef_cib_ipro_ipat_tbl_get(0, 0, port, &ipat), 0);
+        ASSERT_EQ(csl_reef_cib_epro_epat_table_get(0, 0, port, &epat), 0);
+        EXPECT_EQ(ipat.vld, 1u) << port;
+        EXPECT_EQ(epat.vld, 1u) << port;
+        EXPECT_EQ(epat.port_cnt_type, 3u) << port;
+    }
+    const u32 last = cib_tab_depth(&atolreef_cib_epro_causeid_tablem) - 1;
+    for (u32 chip : {0u, 1u}) {
+        cib_epro_causeid_table_t row{};
+        ASSERT_EQ(csl_reef_cib_epro_causeid_table_get(chip, 0, last, &row), 0);
+        EXPECT_EQ(row.vld, chip == 0 ? 1u : 0u);
+        EXPECT_EQ(row.cp_qindex_en, chip == 0 ? 1u : 0u);
+    }
+}
+
+TEST_F(Levels, MemoryTestAtBringUp)
+{
+    shr_property_set(0, "ram_dft_test", "1");
+    ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
+    ASSERT_EQ(init_api_hardware_process(0), 0);
+    ASSERT_EQ(deinit_api_hardware_process(0), 0);
+    // A cell that holds one bit whatever is written fails the test, and
+    // bring-up with it.
+    const u32 addr = atolreef_cib_epro_causeid_tablem.addr[0];
+    ASSERT_EQ(tide_sim_stuck_bit_set(0, 4, addr, 1, 1), 0);
+    Capture::clear();
+    EXPECT_NE(init_api_hardware_process(0), 0);
+    EXPECT_TRUE(Capture::has("[CHIP-INIT:          base] ram test failed!\n"));
+    EXPECT_EQ(g_dpl_reef_hw_inited[0], 0u);
+    tide_sim_stuck_bits_clear(0);
+    EXPECT_EQ(deinit_api_software_process(0), 0);
+}
+
+TEST_F(Levels, SoftResetPulsesTheCoreReset)
+{
+    ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
+    ASSERT_EQ(init_api_hardware_process(0), 0);
+    up_[0] = true;
+    const u32 addr = atolreef_cib_lsw_hreg_soft_rst_reg.addr[0];
+    ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+    EXPECT_EQ(reef_init_dispatch.chip_soft_reset(0, 0x1000000), -4);
+    EXPECT_TRUE(tide::test::sim_writes(0).empty());
+    ASSERT_EQ(reef_init_dispatch.chip_soft_reset(0, 0xABCDEF), 0);
+    std::vector<uint64_t> pulses;
+    for (const auto &w : tide::test::sim_writes(0)) {
+        if (w.bar == 4 && w.addr == addr) {
+            pulses.push_back(w.value);
+        }
+    }
+    EXPECT_EQ(pulses, (std::vector<uint64_t>{0xABCDEF, 0}));
 }
 
 } // namespace

@@ -207,8 +207,8 @@ TEST_F(Frame, ExportedCallsOnInvalidAndValidChips)
     EXPECT_EQ(base_api_cause_show(0, 0, 0, 0), -24);
     EXPECT_EQ(pkt_api_init(0, nullptr), -24);
     EXPECT_EQ(pkt_api_deinit(0, 2), -24);
-    // The soft reset has no exported door and an empty slot for now.
-    EXPECT_EQ(tide::api::dispatch<&reef_init_dispatch_t::chip_soft_reset>(init_dispatch, 0, 1u), -24);
+    // The soft reset has no exported door; its slot checks the value first.
+    EXPECT_EQ(tide::api::dispatch<&reef_init_dispatch_t::chip_soft_reset>(init_dispatch, 0, 0x1000000u), -4);
 }
 
 // Calls an exported function with the chip and value-initialised arguments.

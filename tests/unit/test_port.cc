@@ -34,13 +34,10 @@ constexpr uint32_t kFlushAddr = 0x1400028; // qm_qm_port_flush_en, LSW aperture
 
 // ---- properties as a chip configuration would give them ------------------------------
 
-std::map<std::string, i32> g_props; // "key" for the chip, "key_<port>" for a port
-
-i32 _props(u32, i32 port, const char *key, i32 dflt)
+// "key" for the chip, "key_<port>" for a port.
+void _prop(const std::string &key, i32 value)
 {
-    const std::string name = port < 0 ? key : std::string(key) + "_" + std::to_string(port);
-    const auto it = g_props.find(name);
-    return it != g_props.end() ? it->second : dflt;
+    ASSERT_EQ(shr_property_set(0, key.c_str(), std::to_string(value).c_str()), 0);
 }
 
 // ---- a driver that records its calls ---------------------------------------------------
@@ -152,13 +149,12 @@ constexpr csl_port_driver_t _fake_driver_make()
 
 const csl_port_driver_t g_fake = _fake_driver_make();
 
-// One chip up, with the properties of g_props read at bring-up.
+// One chip up, with the properties set before it read at bring-up.
 class Port : public tide::test::SimChips {
 protected:
     Port() : SimChips(1, 0) {}
     void SetUp() override
     {
-        g_csl_port_property_hook = _props;
         SimChips::SetUp();
         up_chip(0);
         Capture::clear();
@@ -166,8 +162,6 @@ protected:
     void TearDown() override
     {
         SimChips::TearDown();
-        g_csl_port_property_hook = nullptr;
-        g_props.clear();
         g_inside = nullptr;
         g_fake_rc = 0;
         _calls_clear();
@@ -313,7 +307,7 @@ class PortMode1 : public Port {
 protected:
     void SetUp() override
     {
-        g_props["map_mode"] = 1;
+        _prop("map_mode", 1);
         Port::SetUp();
     }
 };
@@ -606,7 +600,7 @@ TEST_F(Port, ChipWideOperationsHoldTheChipLock)
 
 TEST_F(Port, ExternalPhyOwnsSpeedDuplexAutonegAndLoopbackGet)
 {
-    g_props["port_phy_int_ext_5"] = 1;
+    _prop("port_phy_int_ext_5", 1);
     fake_driver();
     EXPECT_EQ(port_api_speed_set(0, 5, 99999), 0);
     EXPECT_EQ(port_api_autoneg_set(0, 5, 1), 0);
@@ -636,7 +630,7 @@ TEST_F(Port, ExternalPhyOwnsSpeedDuplexAutonegAndLoopbackGet)
 // external PHY become no loop, and are refused on a port without one.
 TEST_F(Port, LoopbackModeMapping)
 {
-    g_props["port_phy_int_ext_5"] = 1;
+    _prop("port_phy_int_ext_5", 1);
     fake_driver();
     static u32 g_seen_mode;
     struct Case {
@@ -709,7 +703,7 @@ TEST_F(Port, SerdesSpeedIdFollowsThePllSelection)
         u32 type, id15, id20;
     } rows[] = {{1, 11, 11}, {2, 11, 11}, {3, 12, 17}, {8, 12, 17},  {4, 13, 13},  {6, 13, 13}, {17, 13, 13},
                 {5, 14, 14}, {7, 14, 14}, {10, 15, 20}, {13, 15, 20}, {14, 15, 20}, {20, 15, 20}};
-    g_props["serdes_freq_pll_sel_4"] = 0;
+    _prop("serdes_freq_pll_sel_4", 0);
     for (const Row &r : rows) {
         u32 id = 0;
         EXPECT_EQ(dpl_reef_port_serdes_speed_get(0, 3, r.type, &id), 0);
@@ -840,7 +834,7 @@ TEST_F(Port, WatchdogResetsOnlyADownLaneThatLostItsClock)
         g_link_status = c.link;
         g_interface_type = c.type;
         g_rx_delta = c.rx_delta;
-        g_props["port_phy_int_ext_9"] = static_cast<i32>(c.phy_ext);
+        _prop("port_phy_int_ext_9", static_cast<i32>(c.phy_ext));
         Capture::clear();
         EXPECT_EQ(dpl_reef_port_chk_sds_status(0, 9), c.rc) << c.link << "/" << c.type << "/" << c.rx_delta;
         EXPECT_EQ(Capture::has("chip_id0 lport9 serdes0 lost its receive clock"), c.rc != 0);

@@ -10,89 +10,31 @@
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "hal/hal_op/hal.h"
 #include "support/fixture.h"
+#include "support/sim_arl.h"
 
 using tide::test::SimChips;
 
 namespace {
 
-// Entry fields of the atolreef MAC table (bit positions of the entry).
-struct Entry {
-    uint32_t w[4] = {}; // w[0] bits 31..0
-
-    void set(uint32_t low, uint32_t width, uint64_t v)
-    {
-        for (uint32_t i = 0; i < width; i++) {
-            const uint32_t b = low + i;
-            if ((v >> i) & 1) {
-                w[b / 32] |= 1u << (b % 32);
-            } else {
-                w[b / 32] &= ~(1u << (b % 32));
-            }
-        }
-    }
-    uint64_t get(uint32_t low, uint32_t width) const
-    {
-        uint64_t v = 0;
-        for (uint32_t i = 0; i < width; i++) {
-            const uint32_t b = low + i;
-            v |= static_cast<uint64_t>((w[b / 32] >> (b % 32)) & 1) << i;
-        }
-        return v;
-    }
-};
-
-Entry mac_entry(uint64_t mac, uint32_t vlan, bool is_static, uint32_t port)
-{
-    Entry e;
-    e.set(117, 1, 1);          // valid
-    e.set(102, 12, vlan);      // vlanid
-    e.set(38 + 16, 48, mac);   // mac_ip: the MAC in its bits 63..16
-    e.set(37, 1, is_static);   // stati
-    e.set(32, 3, 0);           // opcode: port
-    e.set(22, 10, port);       // learn_data
-    return e;
-}
-
-struct State {
-    uint32_t finish, fail, cause, count;
-};
+using Entry = tide::test::ArlImage;
+using State = tide::test::ArlState;
+using tide::test::mac_entry;
 
 class SimArl : public SimChips {
 protected:
     SimArl() : SimChips(1, 1) {}
 
-    // Insert flags as the first command word holds them, shifted down by 29.
-    static constexpr uint32_t kGrab = 1, kReplaceDynamic = 2, kReplaceStatic = 4;
-    static constexpr uint32_t kCfg = 0x41C0040, kMac0 = 0x41C0050, kSch0 = 0x41C0060, kState = 0x41C007C;
+    static constexpr uint32_t kGrab = tide::test::kArlGrab, kReplaceDynamic = tide::test::kArlReplaceDynamic,
+                              kReplaceStatic = tide::test::kArlReplaceStatic;
+    static constexpr uint32_t kCfg = 0x41C0040;
 
     State command(uint32_t op, const Entry &image, uint32_t flags = 0, uint32_t bucket = 0, uint32_t addr = 0,
                   uint32_t compare = 0)
     {
-        EXPECT_EQ(hal_reg_write_32(0, 4, kMac0, flags << 29 | (image.w[3] & 0x1FFFFFFF)), 0);
-        EXPECT_EQ(hal_reg_write_32(0, 4, kMac0 + 4, image.w[2]), 0);
-        EXPECT_EQ(hal_reg_write_32(0, 4, kMac0 + 8, image.w[1]), 0);
-        EXPECT_EQ(hal_reg_write_32(0, 4, kMac0 + 12, image.w[0]), 0);
-        EXPECT_EQ(hal_reg_write_32(0, 4, kCfg, 1u << 31 | bucket << 28 | addr << 12 | op << 9 | compare), 0);
-        return state();
+        return tide::test::arl_command(0, op, image, flags, bucket, addr, compare);
     }
-
-    State state()
-    {
-        uint32_t s = 0;
-        EXPECT_EQ(hal_reg_read_32(0, 4, kState, &s), 0);
-        return State{s & 1, (s >> 1) & 1, (s >> 3) & 0x1F, (s >> 8) & 0x1FFFF};
-    }
-
-    Entry found()
-    {
-        Entry e;
-        uint32_t v = 0;
-        for (int i = 0; i < 4; i++) {
-            hal_reg_read_32(0, 4, kSch0 + 4 * i, &v);
-            e.w[3 - i] = v;
-        }
-        return e;
-    }
+    State state() { return tide::test::arl_state(0); }
+    Entry found() { return tide::test::arl_found(0); }
 
     void counts(uint32_t *st, uint32_t *dyn)
     {

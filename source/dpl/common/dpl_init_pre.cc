@@ -1,9 +1,11 @@
 // The process level of bring-up (console, hooks, device nodes, chip count)
 // and the common level of a chip (HAL attach, classification, mapping).
+#include <algorithm>
 #include <cstring>
 
 #include "csl/common/reg_tab/csl_reg.h"
 #include "dpl/common/dpl_init_pre.h"
+#include "shared/shr_property_int.h"
 #include "sal/linux_um/xsal_int.h"
 
 extern "C" {
@@ -33,6 +35,7 @@ i32 dpl_base_software_init(const sdk_init_cfg *cfg)
 
     // Made on the default allocator, before the application's is set.
     xsal_console_init();
+    shr_property_init();
     xsal_log_debug_buffer_allocate(0);
 
     xsal_malloc_base_func_set(g_dpl_base_cfg.mem_alloc);
@@ -53,6 +56,7 @@ i32 dpl_base_software_init(const sdk_init_cfg *cfg)
     }
     xsal_log_debug_buffer_clear(0);
     xsal_console_deinit();
+    shr_property_deinit();
     return rc;
 }
 
@@ -76,8 +80,34 @@ i32 dpl_base_software_deinit(void)
     xsal_malloc_base_func_set(nullptr);
     xsal_log_debug_buffer_clear(0);
     xsal_console_deinit();
+    shr_property_deinit();
     g_dpl_base_soft_inited = 0;
     return 0;
+}
+
+// The log switch and level of every module, from the chip's properties.
+// They are process-wide: the chip brought up last decides.
+void _dpl_debug_log_level_init(u32 chip_id)
+{
+    const int status = shr_property_get(chip_id, "debug_status", 1);
+    const int level = shr_property_get(chip_id, "debug_level", 1);
+    for (u32 module = 0; module < SHR_MODULE_COUNT; module++) {
+        if (status == 1) {
+            shr_debugk_enable(module);
+        } else {
+            shr_debugk_disable(module);
+        }
+        char key[48] = "debug_level_";
+        const char *name = shr_module_name_get(module);
+        xsal_strupper_to_lower(key + 12, name, std::min(std::strlen(name), sizeof(key) - 13));
+        int dflt = level;
+        if (module == SHR_MOD_INIT) {
+            dflt = 3;
+        } else if (module == SHR_MOD_TOP) {
+            dflt = 1;
+        }
+        shr_debugk_ll_enable(module, static_cast<u8>(shr_property_get(chip_id, key, dflt)));
+    }
 }
 
 i32 dpl_common_soft_init(u32 chip_id, const sdk_init_cfg *cfg)
@@ -90,6 +120,7 @@ i32 dpl_common_soft_init(u32 chip_id, const sdk_init_cfg *cfg)
         return 0;
     }
     _dpl_cfg_copy(&g_dpl_common_cfg[chip_id], cfg);
+    _dpl_debug_log_level_init(chip_id);
 
     csl_hw_op_attach(chip_id, &g_dpl_common_cfg[chip_id]);
     i32 rc = csl_chip_info_init(chip_id);

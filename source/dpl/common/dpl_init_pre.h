@@ -22,6 +22,8 @@ extern u32 g_dpl_reef_hw_inited[SHR_MAX_CHIPS];
 
 i32 dpl_base_software_init(const sdk_init_cfg *cfg);
 i32 dpl_base_software_deinit(void);
+/* Module log switches and levels from the chip's properties. */
+void _dpl_debug_log_level_init(u32 chip_id);
 i32 dpl_common_soft_init(u32 chip_id, const sdk_init_cfg *cfg);
 i32 dpl_common_soft_deinit(u32 chip_id);
 i32 dpl_chip_id_get_by_bus_number(u16 bus_number, u32 *chip_id);

@@ -30,7 +30,7 @@ extern "C" {
 #define CLI_MODE_MAX 43u        /* highest mode a command item may name */
 #define CLI_MODE_PIPE 44u       /* tree of what may follow a pipe */
 #define CLI_MODE_PIPE_PASSED 45u
-#define CLI_MODE_NAMES 43u      /* rows of g_cli_mode_array */
+#define CLI_MODE_NAMES 44u      /* rows of g_cli_mode_array */
 #define CLI_MAX_ARGS 256        /* parameters of one command */
 #define CLI_MAX_WORD 256        /* characters of one parameter */
 #define CLI_MAX_HELP 257        /* help lines of one definition, NULL included */
@@ -213,7 +213,9 @@ typedef struct cli_legacy_cmd {
     X("trunk", 19) X("srv6", 20) X("acl", 21) X("serdes", 22) X("misc", 23) X("synce", 24) X("stp", 25) \
     X("pgc", 26) X("port-isolate", 27) X("dos", 28) X("pkt", 29) X("mdio", 30) X("keepalive", 31) \
     X("product", 32) X("debug", 33) X("counter", 34) X("keth", 35) X("common", 36) X("phy", 37) \
-    X("sflow", 38) X("tas", 39) X("interrupt", 40) X("led", 41) X("storm", 42)
+    X("sflow", 38) X("tas", 39) X("interrupt", 40) X("led", 41) X("storm", 42) X("sim", 43)
+/* Our own mode, after the chip's: the chip model's commands. */
+#define CLI_MODE_SIM 43u
 
 /* Row of the mode table. */
 typedef struct cli_mode_row {

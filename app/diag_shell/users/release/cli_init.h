@@ -32,6 +32,9 @@ void cli_cmd_init_all(void);
  * `chip-id`. */
 void cli_cmd_init_view(void);
 
+/* The commands of the chip model, in mode "sim". */
+void cli_cmd_init_sim(void);
+
 /* Handler of `chip-id <0-16>`. */
 i32 cli_glb_chip_id_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 

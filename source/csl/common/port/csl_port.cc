@@ -2,6 +2,8 @@
 // of port numbers that every feature uses.
 #include <bit>
 
+#include <tide/property.h>
+
 #include "csl/common/port/csl_port.h"
 #include "csl/reef/driver/port/csl_atolreef_port.h"
 
@@ -11,16 +13,10 @@ extern "C" {
 
 csl_port_control *g_csl_port_control[SHR_MAX_CHIPS];
 const csl_port_driver_t *g_csl_port_driver[SHR_MAX_CHIPS];
-csl_port_property_hook_t g_csl_port_property_hook;
-
 i32 csl_port_property_get(u32 chip_id, i32 port, const char *key, i32 dflt)
 {
-    // The one place where the port code reads its properties: the default
-    // stands until the chip configuration is read here.
-    if (g_csl_port_property_hook != nullptr) {
-        return g_csl_port_property_hook(chip_id, port, key, dflt);
-    }
-    return dflt;
+    // A chip setting, or a port's with the port forms tried first.
+    return port < 0 ? shr_property_get(chip_id, key, dflt) : shr_property_port_get(chip_id, port, key, dflt);
 }
 
 i32 csl_port_control_init(u32 chip_id)

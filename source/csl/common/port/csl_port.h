@@ -168,9 +168,6 @@ i32 csl_port_not_exist(u32 chip_id, u32 lport);
 /* A number property of the chip (`port` -1) or of a port or MAG, or
  * `dflt` when it is not set. */
 i32 csl_port_property_get(u32 chip_id, i32 port, const char *key, i32 dflt);
-/* Test seam: when set it answers every property read of the port code. */
-typedef i32 (*csl_port_property_hook_t)(u32 chip_id, i32 port, const char *key, i32 dflt);
-extern csl_port_property_hook_t g_csl_port_property_hook;
 
 #ifdef __cplusplus
 }

@@ -7,6 +7,7 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "csl/common/reg_tab/csl_coverage.h"
 #include "csl/common/reg_tab/csl_reg.h"
 
 extern "C" {
@@ -81,7 +82,10 @@ int csl_write_file_lock_init(u32 chip_id)
     if (g_csl_write_file_lock[chip_id] == nullptr) {
         g_csl_write_file_lock[chip_id] = xsal_mutex_create("write file lock");
     }
-    return g_csl_write_file_lock[chip_id] != nullptr ? 0 : SHR_E_MEMORY;
+    if (g_csl_write_file_lock[chip_id] == nullptr) {
+        return SHR_E_MEMORY;
+    }
+    return _csl_coverage_state_init(chip_id);
 }
 
 int csl_write_file_lock_deinit(u32 chip_id)
@@ -89,6 +93,7 @@ int csl_write_file_lock_deinit(u32 chip_id)
     if (chip_id >= SHR_MAX_CHIPS) {
         return SHR_E_PARAM;
     }
+    _csl_coverage_state_deinit(chip_id);
     if (g_csl_write_fd[chip_id] >= 0) {
         close(g_csl_write_fd[chip_id]);
         g_csl_write_fd[chip_id] = -1;

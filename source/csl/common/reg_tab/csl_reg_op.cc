@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "csl/common/reg_tab/csl_coverage.h"
 #include "csl/common/reg_tab/csl_reg.h"
 #include "hal/hal_op/hal.h"
 
@@ -106,7 +107,11 @@ int _csl_reg_write(u32 chip_id, u32 bar, u32 addr, T value, u32 check)
         csl_output_func(chip_id, 0, "[REG SET]bar:%u  addr:0x%x  reg_data:0x%lx\n", bar, addr, (unsigned long)value);
         _csl_print_backtrace(chip_id);
     }
-    return _hal_write(chip_id, HAL_BAR_LSW, addr, value);
+    const int rc = _hal_write(chip_id, HAL_BAR_LSW, addr, value);
+    if (chip_id < SHR_MAX_CHIPS && g_csl_log_coverage_flag[chip_id]) {
+        _csl_coverage_read_write(chip_id, addr, static_cast<u64>(value), "write");
+    }
+    return rc;
 }
 
 template <typename T>
@@ -137,6 +142,9 @@ int _csl_reg_read(u32 chip_id, u32 bar, u32 addr, T *value, u32 check)
         _csl_print_backtrace(chip_id);
     }
     SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, kGetFmt, bar, addr, (unsigned long)*value);
+    if (bar == HAL_BAR_LSW && chip_id < SHR_MAX_CHIPS && g_csl_log_coverage_flag[chip_id]) {
+        _csl_coverage_read_write(chip_id, addr, static_cast<u64>(*value), "read");
+    }
     return 0;
 }
 

@@ -136,6 +136,8 @@ u32 csl_ram_bist_rand(void);
  * `use_sample` only the first and last entry of each.  The report goes to
  * `out`, cut to out_len - 1; -11 when an entry fails. */
 int csl_reef_direct_tab_ram_bist_test(u32 chip_id, u32 use_sample, u32 loops, char *out, u32 out_len);
+/* The memory test of bring-up: the sampled test of every direct table. */
+int csl_reef_chip_ram_dft_test(u32 chip_id);
 /* One table; the report is appended to `text`, a NUL-terminated buffer of
  * CSL_RAM_BIST_TEXT_BYTES bytes. */
 int _csl_reef_direct_tab_test_single(u32 chip_id, u32 tab_id, u32 use_sample, char *text, u32 loops);

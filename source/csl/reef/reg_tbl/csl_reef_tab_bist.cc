@@ -249,4 +249,16 @@ int csl_reef_direct_tab_ram_bist_test(u32 chip_id, u32 use_sample, u32 loops, ch
     return rc;
 }
 
+// The memory test of bring-up: every direct table's first and last entry
+// take the three patterns once.  The report is kept only when it fails.
+int csl_reef_chip_ram_dft_test(u32 chip_id)
+{
+    char report[512];
+    const int rc = csl_reef_direct_tab_ram_bist_test(chip_id, 1, 1, report, sizeof(report));
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "%s\n", report);
+    }
+    return rc;
+}
+
 } // extern "C"

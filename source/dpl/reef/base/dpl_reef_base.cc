@@ -2,6 +2,7 @@
 #include <strings.h>
 
 #include <cstring>
+#include <initializer_list>
 
 #include "api/api_families.h"
 #include "csl/common/reg_tab/csl_reg.h"
@@ -9,6 +10,9 @@
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/base/dpl_reef_base_index_manage.h"
+#include "csl/common/port/csl_port.h"
+#include "shared/shr_property_int.h"
+#include "atolreef_cib.h"
 
 extern "C" {
 
@@ -36,11 +40,84 @@ i32 dpl_reef_base_soft_deinit(u32 chip_id)
     return rc;
 }
 
+// Every port of the chip's port table takes packets in and out, and its
+// egress counters count by type 3.
+static i32 _dpl_reef_pat_tbl_valid_hw_init(u32 chip_id)
+{
+    const csl_port_control *ctl = g_csl_port_control[chip_id];
+    const u32 ports = ctl != nullptr ? ctl->lport_count : 0;
+    i32 rc = 0;
+    for (u32 port = 0; port < ports; port++) {
+        cib_ipro_ipat_tbl_t ipat{};
+        ipat.vld = 1;
+        u64 ipat_mask[2] = {};
+        ipat_mask[cib_ipro_ipat_tbl__vld / 64] = 1ull << (cib_ipro_ipat_tbl__vld % 64);
+        if (csl_reef_cib_ipro_ipat_tbl_set(chip_id, 0, port, &ipat, ipat_mask) != 0) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "set port:%u ipat vld fail!!!\n", port);
+            rc = SHR_E_FAIL;
+            break;
+        }
+        cib_epro_epat_table_t epat{};
+        epat.vld = 1;
+        epat.port_cnt_type = 3;
+        u64 epat_mask[2] = {};
+        for (u32 bit : {(u32)cib_epro_epat_table__vld, (u32)cib_epro_epat_table__port_cnt_type}) {
+            epat_mask[bit / 64] |= 1ull << (bit % 64);
+        }
+        if (csl_reef_cib_epro_epat_table_set(chip_id, 0, port, &epat, epat_mask) != 0) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "set port:%u epat vld fail or egress counter type fail !!!\n", port);
+            rc = SHR_E_FAIL;
+            break;
+        }
+    }
+    return rc;
+}
+
+// Every cause id is valid and copies to the CPU by its queue index; the
+// other fields keep what the chip holds.
+static i32 _dpl_reef_init_cause_tbl_en(u32 chip_id)
+{
+    if (shr_property_get(chip_id, "causid_en", 1) != 1) {
+        return 0;
+    }
+    const u32 depth = cib_tab_depth(&atolreef_cib_epro_causeid_tablem);
+    u64 mask[2] = {};
+    mask[0] = (1ull << cib_epro_causeid_table__vld) | (1ull << cib_epro_causeid_table__cp_qindex_en);
+    for (u32 i = 0; i < depth; i++) {
+        cib_epro_causeid_table_t row{};
+        row.vld = 1;
+        row.cp_qindex_en = 1;
+        const i32 rc = csl_reef_cib_epro_causeid_table_set(chip_id, 0, i, &row, mask);
+        if (rc != 0) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "cause id init failed!!!!!!![ret=%d]\n", (int)rc);
+            return rc;
+        }
+    }
+    return 0;
+}
+
 i32 dpl_reef_base_hw_init(u32 chip_id)
 {
-    const i32 rc = csl_reef_reg_tab_hw_init(chip_id);
+    if (shr_property_get(chip_id, "ram_dft_test", 0) == 1) {
+        const i32 rc = csl_reef_chip_ram_dft_test(chip_id);
+        if (rc != 0) {
+            SHR_LOG_INF(chip_id, SHR_MOD_INIT, "[CHIP-INIT: %13s] ram test failed!\n", "base");
+            return rc < 0 ? rc : SHR_E_INIT;
+        }
+    }
+    i32 rc = csl_reef_reg_tab_hw_init(chip_id);
     if (rc != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[CHIP-INIT: %13s] reg tab soft init failed!\n", "base");
+        return rc;
+    }
+    rc = _dpl_reef_pat_tbl_valid_hw_init(chip_id);
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[CHIP-INIT: %13s] ipat or epat set valid failed!\n", "base");
+        return rc;
+    }
+    rc = _dpl_reef_init_cause_tbl_en(chip_id);
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[CHIP-INIT: %13s] cause id init failed!\n", "base");
     }
     return rc;
 }

@@ -2,16 +2,19 @@
 // order, logs every step, and stops at the first failure; a failed init
 // runs the matching deinit over all modules, so every module's deinit
 // accepts that its init never ran.
+#include <initializer_list>
 #include <span>
 
 #include "api/api_families.h"
 #include "atolreef_cib.h"
+#include "csl/common/port/csl_port.h"
 #include "csl/common/reg_tab/csl_reg.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
+#include "shared/shr_property_int.h"
 #include "sal/linux_um/xsal_int.h"
 
 namespace {
@@ -200,8 +203,8 @@ i32 dpl_reef_hw_init(u32 chip_id)
         return 0;
     }
     // Both switches default to 1: reset the chip, then program it.
-    const u32 chip_lsw_hw_reset = 1;
-    const u32 chip_hw_init = 1;
+    const int chip_lsw_hw_reset = shr_property_get(chip_id, "chip_lsw_hw_reset", 1);
+    const int chip_hw_init = shr_property_get(chip_id, "chip_hw_init", 1);
     i32 rc = 0;
     if (chip_lsw_hw_reset == 1) {
         rc = dpl_reef_chip_hw_reset(chip_id);
@@ -230,16 +233,53 @@ i32 dpl_reef_hw_deinit(u32 chip_id)
                              kChipDeinitOk, kChipDeinitFail);
 }
 
+// Resets the switch core without touching the host side: the ports are
+// closed around the reset and the ones that were open open again.  A bad
+// value is refused before anything changes.
+i32 dpl_reef_chip_soft_reset(u32 chip_id, u32 value)
+{
+    const csl_port_control *ctl = chip_id < SHR_MAX_CHIPS ? g_csl_port_control[chip_id] : nullptr;
+    const u32 ports = ctl != nullptr ? ctl->lport_count : 0;
+    if (ports > DPL_REEF_SOFT_RESET_PORTS_MAX || value > 0xFFFFFFu) {
+        return SHR_E_PARAM;
+    }
+    u32 was_on[DPL_REEF_SOFT_RESET_PORTS_MAX] = {};
+    for (u32 port = 0; port < ports; port++) {
+        if (tide::port::pbmp_test(ctl->valid_bmp, port)) {
+            dpl_reef_port_enable_get(chip_id, port, &was_on[port]);
+            dpl_reef_port_enable_set(chip_id, port, 0);
+        }
+    }
+    cib_lsw_hreg_soft_rst_t rst{};
+    u8 mask[4] = {};
+    mask[0] = 1u << cib_lsw_hreg_soft_rst__soft_rst;
+    i32 rc = 0;
+    for (u32 v : {value, 0u}) {
+        rst.soft_rst = v;
+        if (rc == 0) {
+            rc = csl_reef_cib_lsw_hreg_soft_rst_set(chip_id, 0, &rst, mask);
+        }
+    }
+    for (u32 port = 0; port < ports; port++) {
+        if (was_on[port] != 0) {
+            dpl_reef_port_enable_set(chip_id, port, 1);
+        }
+    }
+    if (rc != 0) {
+        SHR_LOG_ERRCODE(chip_id, rc);
+    }
+    return 0;
+}
+
 // The contract of the init family: levels 0 to 3 are reached from the
-// exported calls, the resets have no exported door.  The soft reset slot
-// is empty until the registers it writes are described.
+// exported calls, the resets have no exported door.
 extern const reef_init_dispatch_t reef_init_dispatch = {
     .soft_init = dpl_reef_soft_init,
     .soft_deinit = dpl_reef_soft_deinit,
     .hw_init = dpl_reef_hw_init,
     .hw_deinit = dpl_reef_hw_deinit,
     .chip_hw_reset = dpl_reef_chip_hw_reset,
-    .chip_soft_reset = nullptr,
+    .chip_soft_reset = dpl_reef_chip_soft_reset,
 };
 
 } // extern "C"

@@ -1,0 +1,275 @@
+// The model's packet path.
+//
+// A frame injected on a port runs through the stages of the chip in their
+// order, synchronously and under the chip's mutex.  Each stage reads the
+// model's own registers and tables (the ones the SDK programs), may change
+// the packet's record, and may end it with a named cause.  The copies that
+// survive the ingress stages run the egress stages one by one and land in
+// the capture queue of their port, where a test or an operator reads them.
+//
+// Later stages (translation, ACL, replication, mirror, QoS, counters,
+// trace) slot into the two stage lists of sim_pkt_stages.cc.
+#ifndef TIDE_SIM_PKT_H
+#define TIDE_SIM_PKT_H
+
+#include <tide/sim.h>
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <initializer_list>
+#include <memory>
+#include <vector>
+
+#include "sim/sim_arl.h"
+#include "sim/sim_bits.h"
+
+namespace tide::sim {
+
+class Chip;
+class PcapWriter;
+
+// Causes the packet path gives.  Forward and drop causes count in entries
+// 0 to 1023 of the cause statistics, to-CPU causes in 1024 + cause.
+enum Cause : uint16_t {
+    kCauseMinPkt = 513,         // RSM_DISCARD_MINPKT_DROP
+    kCauseMaxPkt = 514,         // RSM_DISCARD_MAXPKT_DROP
+    kCauseIpatInvalid = 565,    // DISCARD_IPAT_TABLE_INVALID
+    kCauseUntagDiscard = 567,   // DISCARD_IPAT_DISCARD_UNTAGPKT
+    kCauseTagDiscard = 568,     // DISCARD_IPAT_DISCARD_TAGPKT
+    kCauseVmapInvalid = 570,    // DISCARD_VMAP_TABLE_INVALID
+    kCauseIvlanInvalid = 571,   // DISCARD_IVLAN_TABLE_INVALID
+    kCauseIvlanCheck = 572,     // DISCARD_IVLAN_CHECK_FAIL
+    kCauseDmacErr = 583,        // ARL_DMAC_ERR
+    kCausePortBridge = 584,     // ARL_PORT_BRIDGE
+    kCauseBc = 585,             // ARL_BC
+    kCauseUnknownMc = 586,      // ARL_UNKNOW_MC
+    kCauseUnknownUc = 587,      // ARL_UNKNOW_UC
+    kCauseDstBlk = 588,         // ARL_DST_BLK
+    kCauseSrcBlk = 589,         // ARL_SRC_BLK
+    kCauseGlbLmt = 590,         // ARL_GLB_LMT
+    kCausePortLmt = 591,        // ARL_PORT_LMT
+    kCauseDynFloat = 593,       // ARL_DYN_FLOAT
+    kCauseStaFloat = 594,       // ARL_STA_FLOAT
+    kCauseHashFull = 595,       // ARL_HASH_FULL
+    kCauseNoLearn = 596,        // ARL_NO_LRN
+    kCauseFloodEmpty = 690,     // MCC_BC_BIT_CN0_DROP
+    kCauseEpatInvalid = 710,    // DISCARD_EPAT_UNVLD
+    kCauseEgressUnuc = 711,     // DISCARD_UNUC
+    kCauseEgressUnmc = 712,     // DISCARD_UNMC
+    kCauseEgressMc = 713,       // DISCARD_MC
+    kCauseEgressBc = 714,       // DISCARD_BC
+    kCauseVlanCheck = 723,      // DISCARD_VLANCHECK
+    kCauseEvlanInvalid = 724,   // DISCARD_EVLAN_UNVLD
+    kCauseOpcodeAbnormal = 733, // DISCARD_OPCODE_ABNORMAL
+    kCauseQmFlush = 749,        // QM_FLUSH_DROP
+};
+
+// To-CPU causes.
+enum CpuCause : uint16_t {
+    kCpuBc = 304,         // TOCPU_ARL_BC
+    kCpuUnknownMc = 305,  // TOCPU_ARL_UNKNOW_MC
+    kCpuUnknownUc = 306,  // TOCPU_ARL_UNKNOW_UC
+    kCpuGlbLmt = 307,     // TOCPU_ARL_GLB_LMT
+    kCpuPortLmt = 309,    // TOCPU_ARL_PORT_LMT
+    kCpuNoLearn = 310,    // TOCPU_ARL_NO_LRN
+    kCpuStaFloat = 311,   // TOCPU_ARL_STA_FLOAT
+    kCpuSoftLearn = 312,  // TOCPU_ARL_SOFT_LRN
+};
+
+// Name of a cause the model gives ("NA" for another).
+const char *cause_name(uint32_t cause, bool to_cpu);
+
+constexpr uint32_t kPorts = 32;
+constexpr uint32_t kCpuPort = 31;
+constexpr uint32_t kMaxEntryWords = 8;
+
+// What the ARL made of the destination MAC.
+enum class DaKind : uint8_t { kUnicast, kMulticast, kBroadcast };
+
+// The record of one packet on its way through the ingress stages.
+struct Packet {
+    const uint8_t *data = nullptr;
+    uint32_t len = 0; // bytes without FCS
+    uint32_t src = 0; // ingress lport
+
+    // TTI: the parsed header.
+    uint64_t dmac = 0, smac = 0;
+    uint32_t tags = 0;       // 0, 1 or 2
+    uint16_t outer_tci = 0;  // tag control of the outer tag
+    uint16_t ethertype = 0;  // after the tags
+
+    // IPRO: the port and VLAN rows.
+    uint32_t vid = 0;
+    uint32_t vlan_idx = 0;
+    uint32_t ipat[kMaxEntryWords] = {};
+    uint32_t ivlan[kMaxEntryWords] = {};
+    uint32_t members = 0; // ingress members of the VLAN
+
+    // ARL.
+    DaKind da = DaKind::kUnicast;
+    bool da_hit = false;
+
+    // Verdict: a drop ends forwarding; a redirect to the CPU replaces it; a
+    // CPU copy goes with it.
+    bool forward = true;
+    bool dropped = false;
+    uint16_t drop_cause = 0;
+    bool to_cpu = false;
+    uint16_t cpu_cause = 0;
+    uint32_t dest = 0; // egress ports, bit n: lport n
+    bool flood = false;
+
+    void drop(uint16_t cause)
+    {
+        if (forward) {
+            forward = false;
+            dropped = true;
+            drop_cause = cause;
+        }
+    }
+    void copy_to_cpu(uint16_t cause)
+    {
+        if (!to_cpu) {
+            to_cpu = true;
+            cpu_cause = cause;
+        }
+    }
+    void redirect_to_cpu(uint16_t cause)
+    {
+        copy_to_cpu(cause);
+        forward = false;
+    }
+};
+
+// A frame that left the chip on a port.
+struct SentFrame {
+    std::vector<uint8_t> bytes;
+    uint32_t src_port = 0;
+    uint32_t cause = TIDE_SIM_CAUSE_NONE;
+    uint64_t time_ms = 0;
+};
+
+// One copy on its way through the egress stages.
+struct EgressCopy {
+    uint32_t port = 0;
+    uint32_t epat[kMaxEntryWords] = {};
+    bool untag = false;
+    std::vector<uint8_t> *frame = nullptr; // built by EPRO, sent by MAC TX
+};
+
+class Pipeline;
+
+// The stage lists (sim_pkt_stages.cc).  `ingress` runs until a stage ends
+// the packet; `egress` runs one copy and says whether it left the chip.
+void run_ingress(Pipeline &pl, Packet &p);
+bool run_egress(Pipeline &pl, const Packet &p, EgressCopy &c);
+
+// A table of the description as the chip's logic reads it.
+struct TableView {
+    uint32_t addr = 0;
+    uint32_t words = 0;
+    uint32_t depth = 0;
+    bool ok() const { return words != 0; }
+};
+
+// A register and its instances.
+struct RegView {
+    const uint32_t *addrs = nullptr;
+    uint32_t instances = 0;
+};
+
+class Pipeline {
+public:
+    explicit Pipeline(Chip &chip);
+    ~Pipeline();
+    Pipeline(const Pipeline &) = delete;
+    Pipeline &operator=(const Pipeline &) = delete;
+
+    // Whether the description gave every register, table and field.
+    bool ok() const { return ok_; }
+
+    // The public calls; the caller holds the chip's mutex.
+    void inject(uint32_t port, const uint8_t *frame, uint32_t len);
+    int capture(uint32_t port, uint8_t *buf, uint32_t size, uint32_t *len);
+    int peek(uint32_t port, uint32_t index, uint8_t *buf, uint32_t size, tide_sim_frame_info *info) const;
+    void stats(uint32_t port, tide_sim_port_stats *out) const;
+    void advance(uint32_t ms);
+    uint64_t now() const { return now_ms_; }
+    int pcap_open(const char *path);
+    int pcap_close();
+
+    // Captured frames a port keeps; older ones are forgotten.
+    static constexpr size_t kQueueFrames = 1024;
+
+private:
+    struct PortState {
+        std::deque<SentFrame> sent;
+        tide_sim_port_stats stats{};
+    };
+
+    Chip &chip_;
+    bool ok_ = true;
+    uint64_t now_ms_ = 0;
+    std::array<PortState, kPorts> ports_{};
+    std::unique_ptr<PcapWriter> pcap_;
+    std::vector<uint8_t> scratch_; // the frame as one egress copy leaves
+
+    // ---- what the stages read, found by name once ----
+public:
+    struct Regs {
+        RegView tpid0, tpid1, tpid_sel[4], inner_tpid, max_len, vlan_glb0, lrn_cfg, glb_cfg, ppri, flush;
+        FieldRef tpid_value[4], inner_bm[4], max_pkt_len, vlan_check_act;
+        FieldRef glb_lrn_en, glb_lmt_en, glb_lmt_act, age_time, glb_age_en, age_cnt_en, two_way_age_en;
+        FieldRef lrn_mode, mac_float_pfe, sta_float_act, mac_float_fail_act, hash_conflict_act;
+    } r;
+    struct Tables {
+        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat;
+    } t;
+    struct IpatFields {
+        FieldRef vld, pvid, discard_untag, discard_tag, vlan_check_en, mac_lrn_mode, nolrn_tocp, nolrn_discard,
+            port_bridge_en, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp, port_mac_lmt,
+            mac_lmt_dlf;
+    } ipat;
+    struct IvlanFields {
+        FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp;
+    } ivlan;
+    struct VlanFields {
+        FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld;
+    } vlan;
+    struct EgressFields {
+        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl;
+    } egr;
+    FieldRef stat_pkts, stat_bytes;
+
+    uint32_t reg(const RegView &r, uint32_t instance = 0) const;
+    void read(const TableView &t, uint32_t index, uint32_t *words) const;
+    // Adds one packet of `bytes` to a cause's statistics entry.
+    void count_cause(uint32_t entry, uint32_t bytes);
+    // The move-priority nibble of a port: priority in bits 1..0, enable 2.
+    uint32_t move_priority(uint32_t port) const;
+    ArlEngine &arl();
+
+private:
+    void resolve();
+    RegView need_reg(const char *name, const desc::Register **out);
+    TableView need_tab(const char *name, const desc::Table **out);
+    // A field to find, and where its place goes.
+    struct Want {
+        FieldRef *field;
+        const char *name;
+    };
+    void need(const desc::Field *fields, uint32_t count, std::initializer_list<Want> wants);
+    void need(const desc::Register *r, std::initializer_list<Want> wants);
+    void need(const desc::Table *t, std::initializer_list<Want> wants);
+
+    void age_to(uint64_t now);
+
+public:
+    // MAC TX: the frame leaves `port` into its capture queue and the pcap.
+    void send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause);
+};
+
+} // namespace tide::sim
+
+#endif // TIDE_SIM_PKT_H

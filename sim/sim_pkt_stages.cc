@@ -1,0 +1,512 @@
+// The stages of the packet path, in the chip's order.
+//
+// Ingress: RSM (length checks), TTI (tags), IPRO (port and VLAN rows),
+// ARL (learning, moves, the destination lookup and flooding), MCC (the copy
+// list).  Egress, per copy: EPRO (port row, egress controls, VLAN check,
+// tag edit), QM (port flush), MAC TX (padding, delivery).
+//
+// A stage returns false to end the packet (ingress) or the copy (egress);
+// the verdict in the packet record says why.
+#include "sim/sim_pkt.h"
+
+namespace tide::sim {
+
+namespace {
+
+constexpr uint32_t kMinWire = 64; // bytes on the wire with the FCS
+constexpr uint32_t kFcs = 4;
+constexpr uint32_t kTagBytes = 4;
+constexpr uint32_t kTypeOffset = 12;
+constexpr uint64_t kBroadcast = 0xFFFFFFFFFFFFull;
+constexpr uint64_t kGroupBit = 1ull << 40; // I/G bit of the first byte
+
+uint16_t _be16(const uint8_t *p)
+{
+    return static_cast<uint16_t>(p[0] << 8 | p[1]);
+}
+
+uint64_t _mac(const uint8_t *p)
+{
+    uint64_t v = 0;
+    for (int i = 0; i < 6; i++) {
+        v = v << 8 | p[i];
+    }
+    return v;
+}
+
+bool _bit(uint32_t bitmap, uint32_t port)
+{
+    return port < kPorts && ((bitmap >> port) & 1) != 0;
+}
+
+// Actions of the over-limit registers: 0 drop, 1 to the CPU, 2 forward
+// without learning.
+void _over_limit(Packet &p, uint32_t act, uint16_t drop_cause, uint16_t cpu_cause)
+{
+    if (act == 0) {
+        p.drop(drop_cause);
+    } else if (act == 1) {
+        p.redirect_to_cpu(cpu_cause);
+    }
+}
+
+// ---- ingress ---------------------------------------------------------------
+
+// RSM: frames shorter than the Ethernet minimum or longer than the
+// programmed maximum (both with the FCS) are dropped.
+bool _rsm(Pipeline &pl, Packet &p)
+{
+    const uint32_t wire = p.len + kFcs;
+    if (wire < kMinWire) {
+        p.drop(kCauseMinPkt);
+        return false;
+    }
+    if (wire > word_get(pl.reg(pl.r.max_len), pl.r.max_pkt_len)) {
+        p.drop(kCauseMaxPkt);
+        return false;
+    }
+    return true;
+}
+
+// TTI: an outer tag whose TPID the port accepts, then an inner tag whose
+// TPID the inner bitmap accepts.
+bool _tti(Pipeline &pl, Packet &p)
+{
+    p.dmac = _mac(p.data);
+    p.smac = _mac(p.data + 6);
+    const uint32_t t01 = pl.reg(pl.r.tpid0), t23 = pl.reg(pl.r.tpid1);
+    const uint32_t tpid[4] = {word_get(t01, pl.r.tpid_value[0]), word_get(t01, pl.r.tpid_value[1]),
+                              word_get(t23, pl.r.tpid_value[2]), word_get(t23, pl.r.tpid_value[3])};
+    const uint32_t outer_bm = (pl.reg(pl.r.tpid_sel[p.src / 8]) >> (4 * (p.src % 8))) & 0xF;
+    const uint32_t inner_reg = pl.reg(pl.r.inner_tpid);
+    uint32_t inner_bm = 0;
+    for (uint32_t i = 0; i < 4; i++) {
+        inner_bm |= word_get(inner_reg, pl.r.inner_bm[i]) << i;
+    }
+    uint32_t off = kTypeOffset;
+    auto tagged = [&](uint32_t accepted) {
+        if (off + kTagBytes + 2 > p.len) {
+            return false;
+        }
+        const uint16_t type = _be16(p.data + off);
+        for (uint32_t i = 0; i < 4; i++) {
+            if (((accepted >> i) & 1) != 0 && type == tpid[i]) {
+                return true;
+            }
+        }
+        return false;
+    };
+    if (tagged(outer_bm)) {
+        p.tags = 1;
+        p.outer_tci = _be16(p.data + off + 2);
+        off += kTagBytes;
+        if (tagged(inner_bm)) {
+            p.tags = 2;
+            off += kTagBytes;
+        }
+    }
+    p.ethertype = _be16(p.data + off);
+    return true;
+}
+
+// IPRO: the port row, the VLAN of the frame (its outer VID, or the port's
+// PVID for untagged and priority-tagged frames), the VLAN's map entry and
+// row, and the ingress membership check.
+bool _ipro(Pipeline &pl, Packet &p)
+{
+    pl.read(pl.t.ipat, p.src, p.ipat);
+    const auto &ip = pl.ipat;
+    if (bits_get(p.ipat, ip.vld) == 0) {
+        p.drop(kCauseIpatInvalid);
+        return false;
+    }
+    if (p.tags == 0 && bits_get(p.ipat, ip.discard_untag) != 0) {
+        p.drop(kCauseUntagDiscard);
+        return false;
+    }
+    if (p.tags != 0 && bits_get(p.ipat, ip.discard_tag) != 0) {
+        p.drop(kCauseTagDiscard);
+        return false;
+    }
+    const uint32_t tag_vid = p.outer_tci & 0xFFF;
+    p.vid = p.tags != 0 && tag_vid != 0 ? tag_vid : static_cast<uint32_t>(bits_get(p.ipat, ip.pvid)) & 0xFFF;
+    uint32_t w[kMaxEntryWords] = {};
+    pl.read(pl.t.vmap, p.vid, w);
+    if (bits_get(w, pl.vlan.vmap_vld) == 0) {
+        p.drop(kCauseVmapInvalid);
+        return false;
+    }
+    p.vlan_idx = static_cast<uint32_t>(bits_get(w, pl.vlan.vmap_idx));
+    pl.read(pl.t.ivlan, p.vlan_idx, p.ivlan);
+    if (bits_get(p.ivlan, pl.ivlan.vld) == 0) {
+        p.drop(kCauseIvlanInvalid);
+        return false;
+    }
+    pl.read(pl.t.vbmp, p.vid, w);
+    p.members = static_cast<uint32_t>(bits_get(w, pl.vlan.ingress_members));
+    // A non-member on a checking port: the check's action, 2 forwarding,
+    // every other value dropping.
+    if (bits_get(p.ipat, ip.vlan_check_en) != 0 && !_bit(p.members, p.src) &&
+        word_get(pl.reg(pl.r.vlan_glb0), pl.r.vlan_check_act) != 2) {
+        p.drop(kCauseIvlanCheck);
+        return false;
+    }
+    return true;
+}
+
+// Whether a station held by `from` may move to `to`: the new port's move
+// priority is enabled, its bit in mac_float_pfe is set, and it is not below
+// the priority of the holding port (when that one is enabled).
+bool _move_allowed(Pipeline &pl, uint32_t from, uint32_t to)
+{
+    const uint32_t n_to = pl.move_priority(to), n_from = from < kPorts ? pl.move_priority(from) : 0;
+    const uint32_t pfe = word_get(pl.reg(pl.r.glb_cfg), pl.r.mac_float_pfe);
+    if ((n_to & 4) == 0 || ((pfe >> (n_to & 3)) & 1) == 0) {
+        return false;
+    }
+    return (n_from & 4) == 0 || (n_to & 3) >= (n_from & 3);
+}
+
+// The outcome of a refused learn or move.
+void _refused(Pipeline &pl, Packet &p, const ArlEngine::Result &r)
+{
+    switch (r.cause) {
+    case ArlEngine::kGlobalLimit:
+        _over_limit(p, word_get(pl.reg(pl.r.lrn_cfg), pl.r.glb_lmt_act), kCauseGlbLmt, kCpuGlbLmt);
+        break;
+    case ArlEngine::kPortLimit:
+        if (bits_get(p.ipat, pl.ipat.port_mac_lmt) != 0) {
+            _over_limit(p, static_cast<uint32_t>(bits_get(p.ipat, pl.ipat.mac_lmt_dlf)), kCausePortLmt,
+                        kCpuPortLmt);
+        }
+        break;
+    default:
+        // A full bucket: hash_conflict_act 0 drops, 1 forwards.
+        if (word_get(pl.reg(pl.r.glb_cfg), pl.r.hash_conflict_act) == 0) {
+            p.drop(kCauseHashFull);
+        }
+        break;
+    }
+}
+
+// The source side of the ARL: block list, station moves, learning.
+void _arl_source(Pipeline &pl, Packet &p)
+{
+    ArlEngine &arl = pl.arl();
+    const ArlEngine::EntryFields &ef = arl.fields();
+    const uint32_t lrn = pl.reg(pl.r.lrn_cfg);
+    const bool port_learns = bits_get(p.ipat, pl.ipat.mac_lrn_mode) != 0;
+    const bool learns =
+        word_get(lrn, pl.r.glb_lrn_en) != 0 && port_learns && bits_get(p.ivlan, pl.ivlan.mac_lrn_mode) != 0;
+    ArlEntry *e = arl.lookup(p.vid, p.smac);
+    if (e != nullptr) {
+        const uint32_t *w = e->data();
+        if (bits_get(w, ef.src_blk) != 0) {
+            p.drop(kCauseSrcBlk);
+            return;
+        }
+        const bool on_port = bits_get(w, ef.opcode) == 0;
+        const uint32_t holder = on_port ? static_cast<uint32_t>(bits_get(w, ef.learn_data)) & 63 : kPorts;
+        if (on_port && holder == p.src) {
+            if (bits_get(w, ef.stati) == 0 && word_get(lrn, pl.r.age_cnt_en) != 0) {
+                arl.refresh(e);
+            }
+            return;
+        }
+        if (bits_get(w, ef.stati) != 0) {
+            // A static station never moves: sta_float_act 0 drops, 1 sends
+            // the frame to the CPU.
+            arl.float_counted(false);
+            if (word_get(pl.reg(pl.r.glb_cfg), pl.r.sta_float_act) == 0) {
+                p.drop(kCauseStaFloat);
+            } else {
+                p.redirect_to_cpu(kCpuStaFloat);
+            }
+            return;
+        }
+        if (!learns) {
+            return;
+        }
+        if (!_move_allowed(pl, holder, p.src)) {
+            // mac_float_fail_act 0 drops, 1 forwards.
+            arl.float_counted(false);
+            if (word_get(pl.reg(pl.r.glb_cfg), pl.r.mac_float_fail_act) == 0) {
+                p.drop(kCauseDynFloat);
+            }
+            return;
+        }
+        const ArlEngine::Result r = arl.move(e, p.src);
+        arl.float_counted(!r.fail);
+        if (r.fail) {
+            _refused(pl, p, r);
+        }
+        return;
+    }
+    if ((p.smac & kGroupBit) != 0) {
+        return; // a group address is no station
+    }
+    if (!port_learns) {
+        // The port's not-learn controls: discard drops, to-CPU copies, both
+        // redirect.
+        const bool discard = bits_get(p.ipat, pl.ipat.nolrn_discard) != 0;
+        const bool tocp = bits_get(p.ipat, pl.ipat.nolrn_tocp) != 0;
+        if (discard && tocp) {
+            p.redirect_to_cpu(kCpuNoLearn);
+        } else if (discard) {
+            p.drop(kCauseNoLearn);
+        } else if (tocp) {
+            p.copy_to_cpu(kCpuNoLearn);
+        }
+        return;
+    }
+    if (!learns) {
+        return;
+    }
+    if (word_get(pl.reg(pl.r.glb_cfg), pl.r.lrn_mode) != 1) {
+        // Software learning: the CPU gets a copy and decides.
+        p.copy_to_cpu(kCpuSoftLearn);
+        return;
+    }
+    const ArlEngine::Result r = arl.learn(p.vid, p.smac, p.src);
+    if (r.fail) {
+        _refused(pl, p, r);
+    }
+}
+
+// Flooding of a frame that no entry claims: the port and the VLAN must both
+// flood it; either of them sends it to the CPU.
+void _flood(Packet &p, bool broad, bool tocp, uint16_t drop_cause, uint16_t cpu_cause, bool bridge)
+{
+    if (tocp) {
+        if (broad) {
+            p.copy_to_cpu(cpu_cause);
+        } else {
+            p.redirect_to_cpu(cpu_cause);
+        }
+    }
+    if (!broad) {
+        if (!tocp) {
+            p.drop(drop_cause);
+        }
+        return;
+    }
+    p.flood = true;
+    p.dest = bridge ? p.members : p.members & ~(1u << p.src);
+    if (p.dest == 0) {
+        p.drop(kCauseFloodEmpty);
+    }
+}
+
+// The destination side of the ARL.
+void _arl_destination(Pipeline &pl, Packet &p)
+{
+    const auto &ip = pl.ipat;
+    const auto &iv = pl.ivlan;
+    const bool bridge = bits_get(p.ipat, ip.port_bridge_en) != 0;
+    auto both = [&](FieldRef a, FieldRef b) { return bits_get(p.ipat, a) != 0 && bits_get(p.ivlan, b) != 0; };
+    auto either = [&](FieldRef a, FieldRef b) { return bits_get(p.ipat, a) != 0 || bits_get(p.ivlan, b) != 0; };
+    if (p.dmac == kBroadcast) {
+        p.da = DaKind::kBroadcast;
+        _flood(p, both(ip.bc_broad, iv.bc_broad), either(ip.bc_tocp, iv.bc_tocp), kCauseBc, kCpuBc, bridge);
+        return;
+    }
+    p.da = (p.dmac & kGroupBit) != 0 ? DaKind::kMulticast : DaKind::kUnicast;
+    ArlEngine &arl = pl.arl();
+    const ArlEngine::EntryFields &ef = arl.fields();
+    ArlEntry *e = arl.lookup(p.vid, p.dmac);
+    if (e == nullptr) {
+        if (p.da == DaKind::kMulticast) {
+            _flood(p, both(ip.unmc_broad, iv.unmc_broad), either(ip.unmc_tocp, iv.unmc_tocp), kCauseUnknownMc,
+                   kCpuUnknownMc, bridge);
+        } else {
+            _flood(p, both(ip.unuc_broad, iv.unuc_broad), either(ip.unuc_tocp, iv.unuc_tocp), kCauseUnknownUc,
+                   kCpuUnknownUc, bridge);
+        }
+        return;
+    }
+    p.da_hit = true;
+    const uint32_t *w = e->data();
+    if (bits_get(w, ef.dst_blk) != 0) {
+        p.drop(kCauseDstBlk);
+        return;
+    }
+    const uint32_t lrn = pl.reg(pl.r.lrn_cfg);
+    if (bits_get(w, ef.stati) == 0 && word_get(lrn, pl.r.two_way_age_en) != 0 &&
+        word_get(lrn, pl.r.age_cnt_en) != 0) {
+        arl.refresh(e);
+    }
+    const uint32_t data = static_cast<uint32_t>(bits_get(w, ef.learn_data));
+    switch (bits_get(w, ef.opcode)) {
+    case 0: {
+        const uint32_t port = data & 63;
+        if (port >= kPorts) {
+            p.drop(kCauseDmacErr);
+        } else if (port == p.src && !bridge) {
+            p.drop(kCausePortBridge);
+        } else {
+            p.dest = 1u << port;
+        }
+        break;
+    }
+    case 6: // drop with the entry's cause
+        p.drop(static_cast<uint16_t>(data));
+        break;
+    case 7: // to the CPU with the entry's cause
+        p.redirect_to_cpu(static_cast<uint16_t>(data & 511));
+        break;
+    default:
+        // Trunks, replication groups and the L3 destinations have no stage
+        // in the model yet.
+        p.drop(kCauseOpcodeAbnormal);
+        break;
+    }
+}
+
+bool _arl(Pipeline &pl, Packet &p)
+{
+    _arl_source(pl, p);
+    if (!p.forward) {
+        return false;
+    }
+    _arl_destination(pl, p);
+    return p.forward;
+}
+
+// MCC: the copy list is the destination set; the CPU copy is made by the
+// pipeline.  Nothing to add until replication groups and mirrors exist.
+bool _mcc(Pipeline &, Packet &p)
+{
+    return p.forward;
+}
+
+struct IngressStage {
+    const char *name;
+    bool (*run)(Pipeline &, Packet &);
+};
+
+constexpr IngressStage kIngress[] = {
+    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"arl", _arl}, {"mcc", _mcc},
+};
+
+// ---- egress ------------------------------------------------------------------
+
+// EPRO: the egress port row and its controls, the egress VLAN check, the
+// VLAN's egress row, and the tag edit.
+bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
+{
+    const auto &eg = pl.egr;
+    pl.read(pl.t.epat, c.port, c.epat);
+    if (bits_get(c.epat, eg.epat_vld) == 0) {
+        *cause = kCauseEpatInvalid;
+        return false;
+    }
+    // Egress flood controls: 1 blocks.
+    if (p.flood) {
+        const FieldRef ctrl = p.da == DaKind::kBroadcast ? eg.bc_ctrl
+                              : p.da == DaKind::kMulticast ? eg.unmc_ctrl
+                                                           : eg.unuc_ctrl;
+        if (bits_get(c.epat, ctrl) != 0) {
+            *cause = p.da == DaKind::kBroadcast ? kCauseEgressBc
+                     : p.da == DaKind::kMulticast ? kCauseEgressUnmc
+                                                  : kCauseEgressUnuc;
+            return false;
+        }
+    } else if (p.da == DaKind::kMulticast && bits_get(c.epat, eg.mc_ctrl) != 0) {
+        *cause = kCauseEgressMc;
+        return false;
+    }
+    uint32_t w[kMaxEntryWords] = {};
+    pl.read(pl.t.vlanbmp, p.vid, w);
+    if (bits_get(c.epat, eg.vlan_check_en) != 0 && !_bit(static_cast<uint32_t>(bits_get(w, pl.vlan.members)), c.port)) {
+        *cause = kCauseVlanCheck;
+        return false;
+    }
+    c.untag = _bit(static_cast<uint32_t>(bits_get(w, pl.vlan.untagged)), c.port);
+    uint32_t ev[kMaxEntryWords] = {};
+    pl.read(pl.t.evlan, p.vlan_idx, ev);
+    if (bits_get(ev, pl.vlan.evlan_vld) == 0) {
+        *cause = kCauseEvlanInvalid;
+        return false;
+    }
+    // The tag edit: an untagged member loses the outer tag; any other
+    // leaves with an outer tag of the port's TPID and the frame's VLAN.
+    std::vector<uint8_t> &f = *c.frame;
+    f.assign(p.data, p.data + p.len);
+    if (c.untag) {
+        if (p.tags != 0) {
+            f.erase(f.begin() + kTypeOffset, f.begin() + kTypeOffset + kTagBytes);
+        }
+        return true;
+    }
+    const uint32_t index = static_cast<uint32_t>(bits_get(c.epat, eg.tpid_index));
+    const uint32_t treg = pl.reg(index < 2 ? pl.r.tpid0 : pl.r.tpid1);
+    const uint32_t tpid = word_get(treg, pl.r.tpid_value[index]);
+    uint32_t tci = p.outer_tci;
+    if (p.tags == 0) {
+        // The PVID's priority and CFI go with the added tag.
+        tci = static_cast<uint32_t>(bits_get(p.ipat, pl.ipat.pvid)) & 0xF000;
+        const uint8_t room[kTagBytes] = {};
+        f.insert(f.begin() + kTypeOffset, room, room + kTagBytes);
+    }
+    tci = (tci & 0xF000) | p.vid;
+    f[kTypeOffset] = static_cast<uint8_t>(tpid >> 8);
+    f[kTypeOffset + 1] = static_cast<uint8_t>(tpid);
+    f[kTypeOffset + 2] = static_cast<uint8_t>(tci >> 8);
+    f[kTypeOffset + 3] = static_cast<uint8_t>(tci);
+    return true;
+}
+
+// QM: a flushed port drops what it would send.
+bool _qm(Pipeline &pl, const Packet &, EgressCopy &c, uint16_t *cause)
+{
+    if (_bit(pl.reg(pl.r.flush, c.port / 32), c.port)) {
+        *cause = kCauseQmFlush;
+        return false;
+    }
+    return true;
+}
+
+// MAC TX: pads to the Ethernet minimum and delivers.
+bool _mac_tx(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *)
+{
+    std::vector<uint8_t> &f = *c.frame;
+    if (f.size() + kFcs < kMinWire) {
+        f.resize(kMinWire - kFcs, 0);
+    }
+    pl.send(c.port, f.data(), static_cast<uint32_t>(f.size()), p.src, TIDE_SIM_CAUSE_NONE);
+    return true;
+}
+
+struct EgressStage {
+    const char *name;
+    bool (*run)(Pipeline &, const Packet &, EgressCopy &, uint16_t *);
+};
+
+constexpr EgressStage kEgress[] = {
+    {"epro", _epro}, {"qm", _qm}, {"mac_tx", _mac_tx},
+};
+
+} // namespace
+
+void run_ingress(Pipeline &pl, Packet &p)
+{
+    for (const IngressStage &s : kIngress) {
+        if (!s.run(pl, p)) {
+            return;
+        }
+    }
+}
+
+bool run_egress(Pipeline &pl, const Packet &p, EgressCopy &c)
+{
+    for (const EgressStage &s : kEgress) {
+        uint16_t cause = 0;
+        if (!s.run(pl, p, c, &cause)) {
+            pl.count_cause(cause, p.len + kFcs);
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace tide::sim
