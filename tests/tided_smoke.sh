@@ -11,6 +11,8 @@ trap 'rm -f "$out" "$cfg"' EXIT
 run() { # run <signal> <args...>
     sig=$1
     shift
+    # Emptied first: the wait below must not see the last run's lines.
+    : >"$out"
     "$tided" "$@" >"$out" 2>&1 &
     pid=$!
     i=0

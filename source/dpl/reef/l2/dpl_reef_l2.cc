@@ -678,12 +678,11 @@ i32 dpl_reef_l2_reg_field_set(u32 chip_id, u32 reg_id, u32 index, const char *fi
 
 i32 dpl_reef_l2_set_property(u32 chip_id)
 {
+    // A chip type without a port model accepts port 0 only.
     const csl_port_control *ctl = csl_port_control_get(chip_id);
-    if (ctl == nullptr || ctl->lport_count == 0) {
-        return SHR_E_INIT;
-    }
+    const u32 ports = ctl != nullptr ? ctl->lport_count : 0;
     const bool atolreef = shr_chip_type_get(chip_id) == SHR_CHIP_TYPE_ATOLREEF;
-    g_l2_property[chip_id] = dpl_reef_l2_property{ctl->lport_count - 1, atolreef ? 7u : 127u, atolreef ? 63u : 255u,
+    g_l2_property[chip_id] = dpl_reef_l2_property{ports > 0 ? ports - 1 : 0, atolreef ? 7u : 127u, atolreef ? 63u : 255u,
                                                   atolreef ? 511u : 1023u, atolreef ? 1023u : 2047u};
     return 0;
 }
@@ -751,6 +750,12 @@ i32 dpl_reef_l2_soft_deinit(u32 chip_id)
 
 i32 dpl_reef_l2_hw_init(u32 chip_id)
 {
+    if (csl_reef_reg_info_get(chip_id, cib_arl_arl_glb_cfg) == nullptr) {
+        // The chip's catalogue does not describe its MAC table: nothing of
+        // it can be programmed.
+        SHR_LOG_WRN(chip_id, SHR_MOD_ARL, "l2 hardware init: no MAC table in the catalogue of this chip\n");
+        return 0;
+    }
     for (const auto step : kHwSteps) {
         const i32 rc = step(chip_id);
         if (rc != 0) {
