@@ -72,6 +72,7 @@ void cli_cmd_init_all(void)
     // The command families link their records here, in their order, ahead
     // of the commands that every mode has; the chip model's own commands
     // come after the chip's families.
+    cli_cmd_init_l2();
     cli_cmd_init_sim();
     cli_cmd_init_view();
 }

@@ -32,6 +32,8 @@ void cli_cmd_init_all(void);
  * `chip-id`. */
 void cli_cmd_init_view(void);
 
+/* The commands of the L2 address service, in mode "l2". */
+void cli_cmd_init_l2(void);
 /* The commands of the chip model, in mode "sim". */
 void cli_cmd_init_sim(void);
 

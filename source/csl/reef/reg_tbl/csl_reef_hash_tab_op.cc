@@ -407,11 +407,11 @@ void _ram_test_compare(u32 chip_id, const u8 *written, const u8 *read, u32 bucke
                        i32 *rc)
 {
     const csl_l2_mac_widths &w = _block(chip_id)->w;
-    if (shr_data_compare_by_bits(written, w.key_pos, read, w.key_pos, w.key_bits) != 0) {
+    if (!shr_data_compare_by_bits(written, w.key_pos, read, w.key_pos, w.key_bits)) {
         csl_ram_bist_report(report, "Ram bist is testing l2 mac key %s(%u) failed!\n", kBucketName[bucket], addr);
         *rc = SHR_E_FAIL;
     }
-    if (shr_data_compare_by_bits(written, 0, read, 0, w.ad_bits) != 0) {
+    if (!shr_data_compare_by_bits(written, 0, read, 0, w.ad_bits)) {
         csl_ram_bist_report(report, "Ram bist is testing l2 mac ad %s(%u) failed!\n", kBucketName[bucket], addr);
         *rc = SHR_E_FAIL;
     }
