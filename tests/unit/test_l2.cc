@@ -805,6 +805,21 @@ TEST_F(L2BringUp, HardwareInitSetsTheDefaultsAndTheProperties)
     EXPECT_EQ(field(cib_arl_arl_glb_cfg, "ram_share_mode"), 0u);
 }
 
+TEST_F(L2BringUp, ASiblingWithoutTheTableComesUpAndRefusesCleanly)
+{
+    tide_sim_identity id{};
+    ASSERT_EQ(tide_sim_identity_get(0, &id), 0);
+    id.device_id = 0x9228;
+    id.revision = 0;
+    ASSERT_EQ(tide_sim_identity_set(0, &id), 0);
+    ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
+    EXPECT_EQ(dpl_reef_l2_hw_init(0), 0); // nothing of the table to program
+    l2_addr a = mac_addr(0x1, 1, 0);
+    EXPECT_EQ(l2_api_addr_add(0, &a), SHR_E_EMPTY);
+    EXPECT_EQ(l2_api_addr_get_by_index(0, 0, &a), SHR_E_NOT_SUPPORT);
+    EXPECT_EQ(deinit_api_software_process(0), 0);
+}
+
 TEST_F(L2BringUp, SharedRamDoublesTheTableAtBringUp)
 {
     ASSERT_EQ(shr_property_set(0, "fbm_share_ram_cfg", "1"), 0);
