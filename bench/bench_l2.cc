@@ -56,51 +56,51 @@ void _fill()
     }
 }
 
-void BM_L2AddrAdd(benchmark::State &state)
+// Runs `op` on the addresses in turn, `start` first; every kBatch of them,
+// outside the timing, `refill` puts the table back.
+template <typename Op>
+void _in_batches(benchmark::State &state, void (*start)(), void (*refill)(), Op op)
 {
-    _empty();
+    start();
     u32 i = 0;
     for (auto _ : state) {
         if (i == kBatch) {
             state.PauseTiming();
-            _empty();
+            refill();
             i = 0;
             state.ResumeTiming();
         }
-        l2_addr a = addresses()[i++];
-        benchmark::DoNotOptimize(l2_api_addr_add(0, &a));
+        op(i++);
     }
     state.SetItemsProcessed(state.iterations());
+}
+
+void _nothing() {}
+
+void BM_L2AddrAdd(benchmark::State &state)
+{
+    _in_batches(state, _empty, _empty, [](u32 i) {
+        l2_addr a = addresses()[i];
+        benchmark::DoNotOptimize(l2_api_addr_add(0, &a));
+    });
 }
 BENCHMARK(BM_L2AddrAdd);
 
 void BM_L2AddrGet(benchmark::State &state)
 {
-    _fill();
-    u32 i = 0;
-    for (auto _ : state) {
+    _in_batches(state, _fill, _nothing, [](u32 i) {
         l2_addr a = addresses()[i];
         benchmark::DoNotOptimize(l2_api_addr_get(0, &a));
-        i = (i + 1) % kBatch;
-    }
-    state.SetItemsProcessed(state.iterations());
+    });
 }
 BENCHMARK(BM_L2AddrGet);
 
 void BM_L2AddrDel(benchmark::State &state)
 {
-    u32 i = kBatch;
-    for (auto _ : state) {
-        if (i == kBatch) {
-            state.PauseTiming();
-            _fill();
-            i = 0;
-            state.ResumeTiming();
-        }
-        l2_addr a = addresses()[i++];
+    _in_batches(state, _fill, _fill, [](u32 i) {
+        l2_addr a = addresses()[i];
         benchmark::DoNotOptimize(l2_api_addr_del(0, &a));
-    }
-    state.SetItemsProcessed(state.iterations());
+    });
 }
 BENCHMARK(BM_L2AddrDel);
 
@@ -108,7 +108,7 @@ BENCHMARK(BM_L2AddrDel);
 // bit and the status read, through the register hooks the SDK would use.
 void BM_ModelInsert(benchmark::State &state)
 {
-    _empty();
+    chip();
     sdk_init_cfg hooks{};
     tide_sim_sdk_init_cfg(&hooks);
     constexpr u32 kMac0 = 0x41C0050, kCfg = 0x41C0040, kState = 0x41C007C;
@@ -129,15 +129,8 @@ void BM_ModelInsert(benchmark::State &state)
         images[n] = {static_cast<u32>(e >> 96), static_cast<u32>(e >> 64), static_cast<u32>(e >> 32),
                      static_cast<u32>(e)};
     }
-    u32 i = 0;
-    for (auto _ : state) {
-        if (i == kBatch) {
-            state.PauseTiming();
-            _empty();
-            i = 0;
-            state.ResumeTiming();
-        }
-        const auto &img = images[i++];
+    _in_batches(state, _empty, _empty, [&](u32 i) {
+        const auto &img = images[i];
         for (u32 w = 0; w < 4; w++) {
             hooks.reg_write(0, kLsw, kMac0 + 4 * w, img[w]);
         }
@@ -145,8 +138,7 @@ void BM_ModelInsert(benchmark::State &state)
         u32 status = 0;
         hooks.reg_read(0, kLsw, kState, &status);
         benchmark::DoNotOptimize(status);
-    }
-    state.SetItemsProcessed(state.iterations());
+    });
 }
 BENCHMARK(BM_ModelInsert);
 

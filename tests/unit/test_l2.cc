@@ -807,11 +807,7 @@ TEST_F(L2BringUp, HardwareInitSetsTheDefaultsAndTheProperties)
 
 TEST_F(L2BringUp, ASiblingWithoutTheTableComesUpAndRefusesCleanly)
 {
-    tide_sim_identity id{};
-    ASSERT_EQ(tide_sim_identity_get(0, &id), 0);
-    id.device_id = 0x9228;
-    id.revision = 0;
-    ASSERT_EQ(tide_sim_identity_set(0, &id), 0);
+    tide::test::kelpreef_identity_set(0);
     ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
     EXPECT_EQ(dpl_reef_l2_hw_init(0), 0); // nothing of the table to program
     l2_addr a = mac_addr(0x1, 1, 0);

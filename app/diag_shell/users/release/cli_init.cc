@@ -63,6 +63,14 @@ void cli_cmd_init_view(void)
     }
 }
 
+void cli_cmd_descs_link(cli_cmd_desc *descs, cli_cmd_item *items, u32 count, u32 mode)
+{
+    for (u32 i = 0; i < count; i++) {
+        items[i] = {&descs[i], mode, 0, CLI_PRIV_MAX, {}};
+    }
+    cli_cmd_items_link(items, count);
+}
+
 void cli_cmd_init_all(void)
 {
     if (g_cli_cmd_inited) {

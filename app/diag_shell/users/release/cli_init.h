@@ -32,6 +32,9 @@ void cli_cmd_init_all(void);
  * `chip-id`. */
 void cli_cmd_init_view(void);
 
+/* Places `count` command records in `mode` (priority 15, no flags) through
+ * their items and links them onto the init list. */
+void cli_cmd_descs_link(cli_cmd_desc *descs, cli_cmd_item *items, u32 count, u32 mode);
 /* The commands of the L2 address service, in mode "l2". */
 void cli_cmd_init_l2(void);
 /* The commands of the chip model, in mode "sim". */

@@ -542,6 +542,24 @@ i32 _port_set(u32 chip_id, u32 port, u32 id, u32 value)
     return rc != 0 ? _fail("l2_api_port_control_set", rc) : 0;
 }
 
+// A batched command over the fields that the words name; the count is
+// printed with `format`.
+i32 _batched_cmd(u32 chip_id, i32 argc, char **argv, i32 (*fn)(u32, l2_addr *, u32, u32 *), const char *what,
+                 const char *format)
+{
+    Entry e;
+    if (!_entry_read(argc, argv, 0, &e)) {
+        return SHR_E_PARAM;
+    }
+    u32 count = 0;
+    const i32 rc = fn(chip_id, &e.addr, e.compare, &count);
+    if (rc != 0) {
+        return _fail(what, rc);
+    }
+    cli_printf(format, count);
+    return 0;
+}
+
 } // namespace
 
 extern "C" {
@@ -577,17 +595,8 @@ i32 cli_l2_entry_delete(u32 chip_id, u32, i32 argc, char **argv)
 // clear l2 (all | {fields}): one batched delete comparing the fields named.
 i32 cli_l2_entry_clear(u32 chip_id, u32, i32 argc, char **argv)
 {
-    Entry e;
-    if (!_entry_read(argc, argv, 0, &e)) {
-        return SHR_E_PARAM;
-    }
-    u32 count = 0;
-    const i32 rc = l2_api_addr_batched_del(chip_id, &e.addr, e.compare, &count);
-    if (rc != 0) {
-        return _fail("l2_api_addr_batched_del", rc);
-    }
-    cli_printf("%u l2 entries deleted\n", count);
-    return 0;
+    return _batched_cmd(chip_id, argc, argv, l2_api_addr_batched_del, "l2_api_addr_batched_del",
+                        "%u l2 entries deleted\n");
 }
 
 // show l2 mac-info (key | filter | all)
@@ -622,17 +631,8 @@ i32 cli_l2_entry_show(u32 chip_id, u32, i32 argc, char **argv)
 // show l2 mac-num ({filter} | ): one batched search.
 i32 cli_l2_entry_num_batch_search_show(u32 chip_id, u32, i32 argc, char **argv)
 {
-    Entry e;
-    if (!_entry_read(argc, argv, 0, &e)) {
-        return SHR_E_PARAM;
-    }
-    u32 count = 0;
-    const i32 rc = l2_api_addr_batched_search(chip_id, &e.addr, e.compare, &count);
-    if (rc != 0) {
-        return _fail("l2_api_addr_batched_search", rc);
-    }
-    cli_printf("mac num: %u\n", count);
-    return 0;
+    return _batched_cmd(chip_id, argc, argv, l2_api_addr_batched_search, "l2_api_addr_batched_search",
+                        "mac num: %u\n");
 }
 
 // ---- aging and learning ------------------------------------------------------------------
@@ -1327,8 +1327,5 @@ cli_cmd_item g_l2_items[k_l2_commands];
 
 extern "C" void cli_cmd_init_l2(void)
 {
-    for (u32 i = 0; i < k_l2_commands; i++) {
-        g_l2_items[i] = {&g_l2_desc[i], CLI_MODE_L2, 0, CLI_PRIV_MAX, {}};
-    }
-    cli_cmd_items_link(g_l2_items, k_l2_commands);
+    cli_cmd_descs_link(g_l2_desc, g_l2_items, k_l2_commands, CLI_MODE_L2);
 }

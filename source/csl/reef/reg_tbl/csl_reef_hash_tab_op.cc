@@ -154,6 +154,19 @@ const Block *_block(u32 chip_id)
     return &g_block[chip_id];
 }
 
+// Locks or unlocks the mutex of a hash type.
+i32 _hash_lock_op(u32 chip_id, u32 type, int (*op)(xsal_mutex_t, const char *, int))
+{
+    if (type >= CSL_HASH_TYPE_COUNT) {
+        return SHR_E_PARAM;
+    }
+    const xsal_mutex_t m = chip_id < SHR_MAX_CHIPS ? kHashLocks[type].table[chip_id] : nullptr;
+    if (m == nullptr) {
+        return SHR_E_INIT;
+    }
+    return op(m, __FILE__, __LINE__) == 0 ? 0 : SHR_E_INTERNAL;
+}
+
 // Holds a hash type's mutex for a scope.
 class HashGuard {
 public:
@@ -186,6 +199,18 @@ struct Cmd {
     u32 bucket_addr = 0;
     u8 *entry_out = nullptr; // searches: the returned entry
 };
+
+// A command at a bucket and address.
+Cmd _bucket_cmd(u32 op, u32 bucket_type, u32 bucket_addr, u8 *entry_out)
+{
+    Cmd c;
+    c.op = op;
+    c.bucket = true;
+    c.bucket_type = bucket_type;
+    c.bucket_addr = bucket_addr;
+    c.entry_out = entry_out;
+    return c;
+}
 
 i32 _read(u32 chip_id, u32 addr, u32 *value)
 {
@@ -463,26 +488,12 @@ const char *csl_reef_hash_l2_mac_fail_case_text(u32 cause)
 
 i32 csl_reef_hash_table_get_lock(u32 chip_id, u32 type)
 {
-    if (type >= CSL_HASH_TYPE_COUNT) {
-        return SHR_E_PARAM;
-    }
-    const xsal_mutex_t m = chip_id < SHR_MAX_CHIPS ? kHashLocks[type].table[chip_id] : nullptr;
-    if (m == nullptr) {
-        return SHR_E_INIT;
-    }
-    return xsal_mutex_lock(m) == 0 ? 0 : SHR_E_INTERNAL;
+    return _hash_lock_op(chip_id, type, xsal_mutex_lock_);
 }
 
 i32 csl_reef_hash_table_get_unlock(u32 chip_id, u32 type)
 {
-    if (type >= CSL_HASH_TYPE_COUNT) {
-        return SHR_E_PARAM;
-    }
-    const xsal_mutex_t m = chip_id < SHR_MAX_CHIPS ? kHashLocks[type].table[chip_id] : nullptr;
-    if (m == nullptr) {
-        return SHR_E_INIT;
-    }
-    return xsal_mutex_unlock(m) == 0 ? 0 : SHR_E_INTERNAL;
+    return _hash_lock_op(chip_id, type, xsal_mutex_unlock_);
 }
 
 i32 csl_reef_hash_tab_soft_init(u32 chip_id)
@@ -584,21 +595,14 @@ i32 csl_reef_hash_l2_mac_batched_search(u32 chip_id, const u8 *key, const u8 *ad
 i32 csl_reef_hash_l2_mac_appointed_hash_insert(u32 chip_id, const u8 *key, const u8 *ad, u32 bucket_type,
                                                u32 bucket_addr, u8 *fail_case)
 {
-    Cmd c;
-    c.bucket = true;
-    c.bucket_type = bucket_type;
-    c.bucket_addr = bucket_addr;
-    return _key_op(chip_id, CSL_L2_MAC_OP_HASH_INSERT, key, ad, true, c, fail_case, nullptr);
+    return _key_op(chip_id, CSL_L2_MAC_OP_HASH_INSERT, key, ad, true,
+                   _bucket_cmd(CSL_L2_MAC_OP_HASH_INSERT, bucket_type, bucket_addr, nullptr), fail_case, nullptr);
 }
 
 i32 csl_reef_hash_l2_mac_appointed_hash_delete(u32 chip_id, u32 bucket_type, u32 bucket_addr, u8 *fail_case)
 {
-    Cmd c;
-    c.op = CSL_L2_MAC_OP_HASH_DELETE;
-    c.bucket = true;
-    c.bucket_type = bucket_type;
-    c.bucket_addr = bucket_addr;
-    return _run(chip_id, c, fail_case, nullptr);
+    return _run(chip_id, _bucket_cmd(CSL_L2_MAC_OP_HASH_DELETE, bucket_type, bucket_addr, nullptr), fail_case,
+                nullptr);
 }
 
 i32 csl_reef_hash_l2_mac_appointed_hash_search(u32 chip_id, u32 bucket_type, u32 bucket_addr, u8 *tab_data,
@@ -608,13 +612,8 @@ i32 csl_reef_hash_l2_mac_appointed_hash_search(u32 chip_id, u32 bucket_type, u32
         SHR_LOG_ERRCODE(chip_id, SHR_E_PARAM);
         return SHR_E_PARAM;
     }
-    Cmd c;
-    c.op = CSL_L2_MAC_OP_HASH_SEARCH;
-    c.bucket = true;
-    c.bucket_type = bucket_type;
-    c.bucket_addr = bucket_addr;
-    c.entry_out = tab_data;
-    return _run(chip_id, c, fail_case, nullptr);
+    return _run(chip_id, _bucket_cmd(CSL_L2_MAC_OP_HASH_SEARCH, bucket_type, bucket_addr, tab_data), fail_case,
+                nullptr);
 }
 
 i32 csl_reef_hash_l2_mac_destory_all_entry(u32 chip_id, u8 *fail_case, u32 *return_num)

@@ -161,6 +161,23 @@ i32 _special(u32 chip_id, Slot reef_l2_special_t::*slot, A... args)
     return fn != nullptr ? fn(chip_id, args...) : SHR_E_NOT_SUPPORT;
 }
 
+// An operation whose answer is constant: the event thread, its sync and
+// callbacks do not exist in this library (the application reads the
+// chip's messages by its own path, l2_api_mac_msg_parse).
+template <i32 Status, typename... A>
+i32 _answer(u32, A...)
+{
+    return Status;
+}
+
+// The chip's special operation under the feature lock.
+template <typename Slot, typename... A>
+i32 _special_locked(u32 chip_id, Slot reef_l2_special_t::*slot, A... args)
+{
+    L2_LOCK(chip_id);
+    return l2_lock_hold_.status() != 0 ? l2_lock_hold_.status() : _special(chip_id, slot, args...);
+}
+
 // Groups whose marks no MAC entry uses any more lose their marks (and
 // their trees, once replication exists).
 i32 _l2_batched_delete_multicast_delete(u32 chip_id)
@@ -491,38 +508,44 @@ i32 _age_control_set(u32 chip_id, u32 id, u32 value)
 }
 
 // The steps of the hardware init, in order.
-i32 _hw_move_pri_defaults(u32 chip_id)
-{
-    l2_port_move_pri pri{};
-    pri.enable = 1;
-    for (u32 flag : {0u, 1u}) {
-        const u32 last = flag == 0 ? g_l2_property[chip_id].port_max : g_l2_property[chip_id].tgid_max;
-        for (u32 id = 0; id <= last; id++) {
-            pri.flag = flag;
-            pri.id = id;
-            const i32 rc = dpl_reef_l2_port_move_pri_set(chip_id, &pri);
-            if (rc != 0 && rc != SHR_E_NOT_SUPPORT) {
-                return rc;
-            }
-        }
-    }
-    return 0;
-}
 
-i32 _hw_limit_defaults(u32 chip_id)
+// A default written for ids 0 to count - 1; a chip without the operation
+// has nothing to write.
+template <typename Fn>
+i32 _for_each_id(u32 count, Fn fn)
 {
-    for (u32 port = 0; port < g_l2_property[chip_id].port_max; port++) {
-        l2_learn_limit limit{};
-        limit.flags = L2_LIMIT_PORT | L2_LIMIT_ENABLE | L2_LIMIT_VALUE;
-        limit.port = port;
-        limit.limit_en = 1;
-        limit.limit_value = DPL_L2_LIMIT_DEFAULT;
-        const i32 rc = dpl_reef_l2_learn_limit_set(chip_id, &limit);
+    for (u32 id = 0; id < count; id++) {
+        const i32 rc = fn(id);
         if (rc != 0 && rc != SHR_E_NOT_SUPPORT) {
             return rc;
         }
     }
     return 0;
+}
+
+i32 _hw_move_pri_defaults(u32 chip_id)
+{
+    const dpl_reef_l2_property &p = g_l2_property[chip_id];
+    i32 rc = 0;
+    for (u32 flag : {0u, 1u}) {
+        rc = rc != 0 ? rc : _for_each_id(flag == 0 ? p.port_max + 1 : p.tgid_max + 1, [&](u32 id) {
+            l2_port_move_pri pri{flag, 1, 0, id};
+            return dpl_reef_l2_port_move_pri_set(chip_id, &pri);
+        });
+    }
+    return rc;
+}
+
+i32 _hw_limit_defaults(u32 chip_id)
+{
+    return _for_each_id(g_l2_property[chip_id].port_max, [chip_id](u32 port) {
+        l2_learn_limit limit{};
+        limit.flags = L2_LIMIT_PORT | L2_LIMIT_ENABLE | L2_LIMIT_VALUE;
+        limit.port = port;
+        limit.limit_en = 1;
+        limit.limit_value = DPL_L2_LIMIT_DEFAULT;
+        return dpl_reef_l2_learn_limit_set(chip_id, &limit);
+    });
 }
 
 i32 _hw_messages(u32 chip_id)
@@ -869,11 +892,7 @@ i32 dpl_reef_l2_addr_replace(u32 chip_id, l2_addr *addr)
 
 i32 dpl_reef_l2_addr_get_by_index(u32 chip_id, u32 index, l2_addr *addr)
 {
-    L2_LOCK(chip_id);
-    if (l2_lock_hold_.status() != 0) {
-        return l2_lock_hold_.status();
-    }
-    return _special(chip_id, &reef_l2_special_t::addr_get_by_index, index, addr);
+    return _special_locked(chip_id, &reef_l2_special_t::addr_get_by_index, index, addr);
 }
 
 i32 dpl_reef_l2_addr_next_entry_get(u32 chip_id, u32 *cursor, l2_addr *addr)
@@ -1259,30 +1278,22 @@ i32 dpl_reef_l2_vlan_control_get(u32 chip_id, u32 vid, u32 id, u32 *value)
 
 i32 dpl_reef_l2_port_move_pri_get(u32 chip_id, l2_port_move_pri *pri)
 {
-    L2_LOCK(chip_id);
-    return l2_lock_hold_.status() != 0 ? l2_lock_hold_.status()
-                                       : _special(chip_id, &reef_l2_special_t::port_move_pri_get, pri);
+    return _special_locked(chip_id, &reef_l2_special_t::port_move_pri_get, pri);
 }
 
 i32 dpl_reef_l2_port_move_pri_set(u32 chip_id, l2_port_move_pri *pri)
 {
-    L2_LOCK(chip_id);
-    return l2_lock_hold_.status() != 0 ? l2_lock_hold_.status()
-                                       : _special(chip_id, &reef_l2_special_t::port_move_pri_set, pri);
+    return _special_locked(chip_id, &reef_l2_special_t::port_move_pri_set, pri);
 }
 
 i32 dpl_reef_l2_learn_limit_get(u32 chip_id, l2_learn_limit *limit)
 {
-    L2_LOCK(chip_id);
-    return l2_lock_hold_.status() != 0 ? l2_lock_hold_.status()
-                                       : _special(chip_id, &reef_l2_special_t::learn_limit_get, limit);
+    return _special_locked(chip_id, &reef_l2_special_t::learn_limit_get, limit);
 }
 
 i32 dpl_reef_l2_learn_limit_set(u32 chip_id, l2_learn_limit *limit)
 {
-    L2_LOCK(chip_id);
-    return l2_lock_hold_.status() != 0 ? l2_lock_hold_.status()
-                                       : _special(chip_id, &reef_l2_special_t::learn_limit_set, limit);
+    return _special_locked(chip_id, &reef_l2_special_t::learn_limit_set, limit);
 }
 
 i32 dpl_reef_l2_mac_cnt_get(u32 chip_id, u32 type, u32 *count)
@@ -1312,61 +1323,6 @@ i32 dpl_reef_l2_addr_unfreeze(u32 chip_id)
     i32 rc = l2_lock_hold_.status();
     rc = rc != 0 ? rc : dpl_reef_l2_learn_control_set(chip_id, 0, 1);
     return rc != 0 ? rc : _age_control_set(chip_id, L2_AGE_TIME, DPL_L2_AGE_TIME_DEFAULT);
-}
-
-// No thread of this service delivers events: the application reads the
-// chip's messages by its own path (l2_api_mac_msg_parse).
-i32 dpl_reef_l2_addr_register(u32 chip_id, l2_addr_callback fn, void *user)
-{
-    (void)chip_id;
-    (void)fn;
-    (void)user;
-    return SHR_E_NOT_SUPPORT;
-}
-
-i32 dpl_reef_l2_addr_unregister(u32 chip_id, l2_addr_callback fn)
-{
-    (void)chip_id;
-    (void)fn;
-    return SHR_E_NOT_SUPPORT;
-}
-
-i32 dpl_reef_l2_sync_start(u32 chip_id)
-{
-    (void)chip_id;
-    return SHR_E_NOT_SUPPORT;
-}
-
-i32 dpl_reef_l2_sync_stop(u32 chip_id)
-{
-    (void)chip_id;
-    return SHR_E_NOT_SUPPORT;
-}
-
-i32 dpl_reef_l2_thread_is_idling(u32 chip_id)
-{
-    (void)chip_id;
-    return 0;
-}
-
-i32 dpl_reef_l2_thread_set_idling(u32 chip_id, u32 idling)
-{
-    (void)chip_id;
-    (void)idling;
-    return SHR_E_NOT_SUPPORT;
-}
-
-i32 dpl_reef_l2_thread_is_running(u32 chip_id)
-{
-    (void)chip_id;
-    return 0;
-}
-
-i32 dpl_reef_l2_sync_get(u32 chip_id, u32 *state)
-{
-    (void)chip_id;
-    (void)state;
-    return SHR_E_NOT_SUPPORT;
 }
 
 i32 dpl_reef_l2_mac_entry_size_get(u32 chip_id, u32 *size)
@@ -1426,20 +1382,20 @@ extern const reef_l2_dispatch_t reef_l2_dispatch = {
     .mac_cnt_get = dpl_reef_l2_mac_cnt_get,
     .addr_freeze = dpl_reef_l2_addr_freeze,
     .addr_unfreeze = dpl_reef_l2_addr_unfreeze,
-    .addr_register = dpl_reef_l2_addr_register,
-    .addr_unregister = dpl_reef_l2_addr_unregister,
+    .addr_register = _answer<SHR_E_NOT_SUPPORT, l2_addr_callback, void *>,
+    .addr_unregister = _answer<SHR_E_NOT_SUPPORT, l2_addr_callback>,
     .protocol_add = nullptr,
     .protocol_get = nullptr,
     .protocol_delete = nullptr,
     .protocol_delete_all = nullptr,
     .protocol_search = nullptr,
     .protocol_traverse = nullptr,
-    .sync_start = dpl_reef_l2_sync_start,
-    .sync_stop = dpl_reef_l2_sync_stop,
-    .thread_is_idling = dpl_reef_l2_thread_is_idling,
-    .thread_set_idling = dpl_reef_l2_thread_set_idling,
-    .thread_is_running = dpl_reef_l2_thread_is_running,
-    .sync_get = dpl_reef_l2_sync_get,
+    .sync_start = _answer<SHR_E_NOT_SUPPORT>,
+    .sync_stop = _answer<SHR_E_NOT_SUPPORT>,
+    .thread_is_idling = _answer<0>,
+    .thread_set_idling = _answer<SHR_E_NOT_SUPPORT, u32>,
+    .thread_is_running = _answer<0>,
+    .sync_get = _answer<SHR_E_NOT_SUPPORT, u32 *>,
     .mac_entry_size_get = dpl_reef_l2_mac_entry_size_get,
     .mac_msg_parse = dpl_reef_l2_mac_msg_parse,
 };

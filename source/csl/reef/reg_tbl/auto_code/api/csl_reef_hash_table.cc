@@ -185,6 +185,50 @@ u64 _flags(const csl_l2_mac_ad *ad, const u8 *mask)
     return CSL_L2_MAC_FLAGS(sta, dyn, grab);
 }
 
+// The layout of the chip, once the record and the data are there.
+i32 _checked(u32 chip_id, const void *record, const void *data, const Layout **l)
+{
+    *l = _layout(chip_id);
+    if (*l == nullptr) {
+        return SHR_E_EMPTY;
+    }
+    return record == nullptr || data == nullptr ? SHR_E_PARAM : 0;
+}
+
+// A record into its data buffer (key or AD) of `width` bits.
+template <size_t N, typename Rec>
+i32 _to_data(u32 chip_id, const Member (&members)[N], Bits (Layout::*bits)[N], u32 csl_l2_mac_widths::*width,
+             const Rec *rec, u8 *data, const u8 *mask)
+{
+    const Layout *l = nullptr;
+    i32 rc = _checked(chip_id, rec, data, &l);
+    if (rc != 0) {
+        return rc;
+    }
+    u128 v = 0;
+    rc = _record_to_image(chip_id, members, l->*bits, rec, mask, l->w.*width, &v);
+    tide::l2mac::store(v, data, _bytes(l->w.*width));
+    return rc;
+}
+
+// A record from a key buffer, or (`entry`) from a whole entry, where the
+// key stands at its position (`key_at_pos`) and the AD at bit 0.
+template <size_t N, typename Rec>
+i32 _from_data(u32 chip_id, const Member (&members)[N], Bits (Layout::*bits)[N], Rec *rec, const u8 *data,
+               bool entry, bool key_at_pos)
+{
+    const Layout *l = nullptr;
+    const i32 rc = _checked(chip_id, rec, data, &l);
+    if (rc != 0) {
+        return rc;
+    }
+    const u128 v = entry ? tide::l2mac::load(data, CSL_L2_MAC_ENTRY_BYTES) >> (key_at_pos ? l->w.key_pos : 0)
+                         : tide::l2mac::load(data, _bytes(l->w.key_bits));
+    *rec = Rec{};
+    _image_to_record(members, l->*bits, v, rec);
+    return 0;
+}
+
 using batched_fn = i32 (*)(u32, const u8 *, const u8 *, const csl_l2_mac_cmp *, u8 *, u32 *);
 
 i32 _batched(u32 chip_id, batched_fn fn, const csl_l2_mac_key *key, const csl_l2_mac_ad *ad, const u8 *ad_mask,
@@ -230,74 +274,27 @@ i32 csl_reef_hash_l2_mac_layout_init(u32 chip_id)
 
 i32 csl_reef_hash_l2_mac_key_TO_data(u32 chip_id, const csl_l2_mac_key *key, u8 *data, const u8 *mask)
 {
-    const Layout *l = _layout(chip_id);
-    if (l == nullptr) {
-        return SHR_E_EMPTY;
-    }
-    if (key == nullptr || data == nullptr) {
-        return SHR_E_PARAM;
-    }
-    u128 v = 0;
-    const i32 rc = _record_to_image(chip_id, kKeyMembers, l->key, key, mask, l->w.key_bits, &v);
-    tide::l2mac::store(v, data, _bytes(l->w.key_bits));
-    return rc;
+    return _to_data(chip_id, kKeyMembers, &Layout::key, &csl_l2_mac_widths::key_bits, key, data, mask);
 }
 
 i32 csl_reef_hash_data_TO_l2_mac_key(u32 chip_id, csl_l2_mac_key *key, const u8 *data)
 {
-    const Layout *l = _layout(chip_id);
-    if (l == nullptr) {
-        return SHR_E_EMPTY;
-    }
-    if (key == nullptr || data == nullptr) {
-        return SHR_E_PARAM;
-    }
-    *key = csl_l2_mac_key{};
-    _image_to_record(kKeyMembers, l->key, tide::l2mac::load(data, _bytes(l->w.key_bits)), key);
-    return 0;
+    return _from_data(chip_id, kKeyMembers, &Layout::key, key, data, false, false);
 }
 
 i32 csl_reef_hash_entry_TO_l2_mac_key(u32 chip_id, csl_l2_mac_key *key, const u8 *entry)
 {
-    const Layout *l = _layout(chip_id);
-    if (l == nullptr) {
-        return SHR_E_EMPTY;
-    }
-    if (key == nullptr || entry == nullptr) {
-        return SHR_E_PARAM;
-    }
-    *key = csl_l2_mac_key{};
-    _image_to_record(kKeyMembers, l->key, tide::l2mac::load(entry, CSL_L2_MAC_ENTRY_BYTES) >> l->w.key_pos, key);
-    return 0;
+    return _from_data(chip_id, kKeyMembers, &Layout::key, key, entry, true, true);
 }
 
 i32 csl_reef_hash_l2_mac_ad_TO_data(u32 chip_id, const csl_l2_mac_ad *ad, u8 *data, const u8 *mask)
 {
-    const Layout *l = _layout(chip_id);
-    if (l == nullptr) {
-        return SHR_E_EMPTY;
-    }
-    if (ad == nullptr || data == nullptr) {
-        return SHR_E_PARAM;
-    }
-    u128 v = 0;
-    const i32 rc = _record_to_image(chip_id, kAdMembers, l->ad, ad, mask, l->w.ad_bits, &v);
-    tide::l2mac::store(v, data, _bytes(l->w.ad_bits));
-    return rc;
+    return _to_data(chip_id, kAdMembers, &Layout::ad, &csl_l2_mac_widths::ad_bits, ad, data, mask);
 }
 
 i32 csl_reef_hash_data_TO_l2_mac_ad(u32 chip_id, csl_l2_mac_ad *ad, const u8 *entry)
 {
-    const Layout *l = _layout(chip_id);
-    if (l == nullptr) {
-        return SHR_E_EMPTY;
-    }
-    if (ad == nullptr || entry == nullptr) {
-        return SHR_E_PARAM;
-    }
-    *ad = csl_l2_mac_ad{};
-    _image_to_record(kAdMembers, l->ad, tide::l2mac::load(entry, CSL_L2_MAC_ENTRY_BYTES), ad);
-    return 0;
+    return _from_data(chip_id, kAdMembers, &Layout::ad, ad, entry, true, false);
 }
 
 i32 csl_reef_hash_l2_mac_add(u32 chip_id, const csl_l2_mac_key *key, const u8 *key_mask, const csl_l2_mac_ad *ad,
