@@ -9,6 +9,7 @@ fail=0
 for want in init_api_base_software_process init_api_software_process init_api_hardware_process \
     deinit_api_software_process base_api_reg_set_by_addr base_api_reg_get_by_addr base_api_control_get \
     port_api_config_get port_api_enable_get port_api_reset \
+    l2_api_addr_add l2_api_addr_get l2_api_addr_del l2_api_mac_msg_parse l2_api_protocol_traverse \
     l3_api_iif_create pkt_api_init pkt_api_deinit shr_errmsg shr_chip_valid_get xsal_malloc \
     hal_ui_os_ops_set cli_cmd_execute cli_ctree_getprompt; do
     if ! echo "$syms" | grep -qx "$want"; then
@@ -17,7 +18,8 @@ for want in init_api_base_software_process init_api_software_process init_api_ha
     fi
 done
 for hidden in hal_ui_reg_read_32 csl_reg_read32 dpl_reef_soft_init dpl_lock_take cli_cmdstr_parse thread_main \
-    dpl_reef_port_enable_set csl_port_valid_check; do
+    dpl_reef_port_enable_set csl_port_valid_check dpl_reef_l2_addr_add csl_reef_hash_l2_mac_add \
+    csl_reef_hash_l2_mac_appointed_insert; do
     if echo "$syms" | grep -qx "$hidden"; then
         echo "internal symbol exported: $hidden"
         fail=1

@@ -134,7 +134,7 @@ API_DECLARE_FAMILY(base, TIDE_BASE_OPS)
 
 API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
 
-/* ---- l2: 51 slots; `ptrs` marks the operations whose pointer arguments the
+/* ---- l2: 51 slots; PTRS marks the operations whose pointer arguments the
  * guard checks before the chip ------------------------------------------- */
 #define TIDE_L2_OPS(OP)                                                                                     \
     OP(addr_add, (u32 chip_id, l2_addr *addr), (chip_id, addr), PTRS)                                       \
