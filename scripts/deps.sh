@@ -15,6 +15,8 @@ have_cmd python3 || need="$need python3"
 [ -f /usr/include/gtest/gtest.h ] || need="$need libgtest-dev"
 [ -f /usr/include/gmock/gmock.h ] || need="$need libgmock-dev"
 [ -f /usr/include/benchmark/benchmark.h ] || need="$need libbenchmark-dev"
+# Line editing of the shell client tidesh.
+[ -f /usr/include/histedit.h ] || need="$need libedit-dev"
 # A standard reader of the chip model's capture files, for their test.
 have_cmd tshark || need="$need tshark"
 # The fuzzers of the test suite: clang and its libFuzzer runtime.

@@ -1,6 +1,7 @@
 #!/bin/sh
-# tided brings chips up, stays up, and tears them down on SIGINT and SIGTERM
-# with exit code 0; bad options give exit code 2.
+# tided brings chips up, starts its shell server, stays up, and tears
+# everything down on SIGINT and SIGTERM with exit code 0; bad options give
+# exit code 2.
 #   tided_smoke.sh <tided>
 set -eu
 tided=$1
@@ -11,7 +12,6 @@ trap 'rm -f "$out" "$cfg"' EXIT
 run() { # run <signal> <args...>
     sig=$1
     shift
-    # Emptied first: the wait below must not see the last run's lines.
     : >"$out"
     "$tided" "$@" >"$out" 2>&1 &
     pid=$!
@@ -31,12 +31,15 @@ run() { # run <signal> <args...>
     fi
 }
 
-run INT
+sock=$(mktemp -u "${TMPDIR:-/tmp}/tided-smoke.XXXXXX")
+run INT --socket "$sock"
 grep -q "chip 0 (atolreef) is up" "$out"
+grep -q "shell server on unix:$sock" "$out"
 grep -q "SIGINT, shutting down" "$out"
 grep -q "tided: stopped" "$out"
+[ ! -e "$sock" ] || { echo "the socket was left behind"; exit 1; }
 
-run TERM --chips 4
+run TERM --chips 4 --socket "$sock"
 for c in 0 1 2 3; do grep -q "chip $c (atolreef) is up" "$out"; done
 grep -q "SIGTERM, shutting down" "$out"
 
@@ -52,6 +55,9 @@ rc=0
 rc=0
 "$tided" --chips 5 >"$out" 2>&1 || rc=$?
 [ $rc -eq 2 ] || { echo "--chips 5 gave $rc"; exit 1; }
+rc=0
+"$tided" --socket "" >"$out" 2>&1 || rc=$?
+[ $rc -eq 2 ] || { echo "--socket '' gave $rc"; exit 1; }
 rc=0
 "$tided" --bogus >"$out" 2>&1 || rc=$?
 [ $rc -eq 2 ] || { echo "--bogus gave $rc"; exit 1; }

@@ -1,9 +1,11 @@
 // tided: the reference application.  It stands simulated atolreef chips
 // behind the SDK, brings them up in the library's calling order, makes VLAN
-// 1 of the front ports so that the chips switch, and keeps them up until
-// SIGINT or SIGTERM, when it tears everything down in the reverse order.
+// 1 of the front ports so that the chips switch, starts the shell server so
+// that an operator can reach them with tidesh, and keeps them up until
+// SIGINT or SIGTERM, when it stops the server and tears everything down in
+// the reverse order.
 //
-//   tided [--chips N] [--config FILE]
+//   tided [--chips N] [--config FILE] [--socket PATH]
 #include <getopt.h>
 #include <signal.h>
 #include <unistd.h>
@@ -25,17 +27,19 @@ constexpr uint32_t kFrontPorts = 0x0FFFFFFF;
 struct Options {
     unsigned chips = 1;
     const char *config = TIDED_DEFAULT_CONFIG;
+    const char *socket = CLI_SERVER_SOCKET_PATH;
     bool config_given = false;
 };
 
 void _usage(FILE *out)
 {
     fprintf(out,
-            "usage: tided [--chips N] [--config FILE]\n"
+            "usage: tided [--chips N] [--config FILE] [--socket PATH]\n"
             "  --chips N      simulated atolreef chips, 1 to 4 (default 1)\n"
             "  --config FILE  chip configuration file (default %s)\n"
+            "  --socket PATH  unix socket of the shell server (default %s)\n"
             "  --help         this text\n",
-            TIDED_DEFAULT_CONFIG);
+            TIDED_DEFAULT_CONFIG, CLI_SERVER_SOCKET_PATH);
 }
 
 // 0 to go on, 1 to stop with success (help), -1 on a bad option.
@@ -43,10 +47,11 @@ int _parse(int argc, char **argv, Options *opt)
 {
     static const option longs[] = {{"chips", required_argument, nullptr, 'n'},
                                    {"config", required_argument, nullptr, 'c'},
+                                   {"socket", required_argument, nullptr, 's'},
                                    {"help", no_argument, nullptr, 'h'},
                                    {nullptr, 0, nullptr, 0}};
     int c;
-    while ((c = getopt_long(argc, argv, "n:c:h", longs, nullptr)) != -1) {
+    while ((c = getopt_long(argc, argv, "n:c:s:h", longs, nullptr)) != -1) {
         switch (c) {
         case 'n': {
             char *end = nullptr;
@@ -61,6 +66,13 @@ int _parse(int argc, char **argv, Options *opt)
         case 'c':
             opt->config = optarg;
             opt->config_given = true;
+            break;
+        case 's':
+            if (cli_server_socket_path_set(optarg) != 0) {
+                fprintf(stderr, "tided: --socket takes a path of 1 to 107 characters\n");
+                return -1;
+            }
+            opt->socket = optarg;
             break;
         case 'h':
             _usage(stdout);
@@ -122,6 +134,9 @@ int main(int argc, char **argv)
     sdk_init_cfg cfg;
     memset(&cfg, 0, sizeof(cfg));
     tide_sim_sdk_init_cfg(&cfg);
+    // What the library prints for the operator reaches the shell client
+    // whose command printed it.
+    cfg.cli_printf = cli_output_show;
     if (!_ok("init_api_base_software_process", 0, init_api_base_software_process(&cfg))) {
         tide_sim_uninstall();
         return 1;
@@ -161,14 +176,30 @@ int main(int argc, char **argv)
             status = 1;
             break;
         }
+        // The shell names ports by the library's numbers and inner names.
+        cli_shell_mode_set(c, 1);
         printf("tided: chip %u (%s) is up, VLAN 1 on ports 0 to 27\n", c, shr_chip_name_get(c));
     }
 
+    bool shell = false;
+    if (status == 0) {
+        char where[160];
+        if (cli_server_main(0) != 0 || cli_server_address_get(where, sizeof(where)) != 0) {
+            fprintf(stderr, "tided: the shell server could not start on %s\n", opt.socket);
+            status = 1;
+        } else {
+            shell = true;
+            printf("tided: shell server on %s (tidesh --socket %s)\n", where, opt.socket);
+        }
+    }
     if (status == 0) {
         printf("tided: running; Ctrl-C or SIGTERM stops\n");
         int sig = 0;
         sigwait(&stop, &sig);
         printf("tided: %s, shutting down\n", sig == SIGINT ? "SIGINT" : "SIGTERM");
+    }
+    if (shell) {
+        cli_server_wait(0);
     }
     _tear_down(soft_up, hw_up);
     _ok("deinit_api_base_software_process", 0, deinit_api_base_software_process());

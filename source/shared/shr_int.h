@@ -4,6 +4,8 @@
 #ifndef TIDE_SHR_INT_H
 #define TIDE_SHR_INT_H
 
+#include <stdarg.h>
+
 #include "tide_int.h"
 #include "shared/shr_bits.h"
 
@@ -26,6 +28,10 @@ extern shr_output_func_t g_shr_debug_base_cli_func;
 extern u8 g_shr_current_dk_enable[SHR_MODULE_COUNT];
 extern u8 g_shr_current_ll[SHR_MODULE_COUNT];
 
+/* Formats into a heap block (xsal_malloc with `tag` and `module`) that
+ * starts at `first_size` bytes and doubles until the text fits; its length
+ * at `*len`.  NULL without memory or for a format that fails. */
+char *shr_vformat_alloc(u64 first_size, const char *tag, u32 module, u32 *len, const char *format, va_list args);
 
 #ifdef __cplusplus
 }

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Builds the fuzzers of the command language with clang (once) and runs
+# Builds the fuzzers of the command language and the wire format with clang (once) and runs
 # each for a number of seconds; fails on the first crash or leak.
 #   run.sh [build dir [seconds per fuzzer]]
 set -eu
@@ -15,7 +15,7 @@ if [ ! -f "$dir/build.ninja" ]; then
     cmake -S "$src" -B "$dir" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo $launcher >/dev/null
 fi
 cmake --build "$dir" -- -j2
-for name in parse grammar; do
+for name in parse grammar msg; do
     corpus="$dir/corpus/$name"
     mkdir -p "$corpus"
     echo "== fuzz_cli_$name: ${secs} s"

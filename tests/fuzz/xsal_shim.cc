@@ -1,5 +1,5 @@
-// The three OS calls that the command language core uses, over the C
-// library, so that the fuzzers build from the core's sources alone.
+// The OS calls that the command language core and the wire format use,
+// over the C library, so that the fuzzers build from their sources alone.
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -21,6 +21,15 @@ void xsal_mem_free(void *ptr)
 int xsal_vprintf(const char *format, va_list args)
 {
     return std::vprintf(format, args);
+}
+
+int xsal_printf(const char *format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    const int n = std::vprintf(format, args);
+    va_end(args);
+    return n;
 }
 
 } // extern "C"

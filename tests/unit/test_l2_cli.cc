@@ -18,10 +18,12 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
+        cli_shell_mode_set(0, 1); // ports by their logical numbers
         ASSERT_EQ(run("l2"), 0);
     }
     void TearDown() override
     {
+        cli_shell_mode_set(0, 0);
         cli_ctree_free();
         SimChips::TearDown();
     }
@@ -68,6 +70,7 @@ TEST_F(L2Cli, RefusalsAreNamedByTheirCause)
     ASSERT_EQ(run("l2 cpu-insert replace-static enable"), 0);
     EXPECT_EQ(run("l2 add mac 00:00:00:00:00:01 vid 1 port 2"), 0) << out_;
     EXPECT_EQ(run("l2 add mac 00:00:00:00:00:02 vid 1 port 40"), SHR_E_PARAM);
+    EXPECT_NE(out_.find("input port: 40 convert to logical port failed"), std::string::npos) << out_;
 }
 
 TEST_F(L2Cli, SettingsReachTheServiceAndShowBack)

@@ -349,8 +349,6 @@ i32 cli_view_setup(u32 chip_id, u32 mode, i32 argc, char **argv);
 i32 cli_mode_by_name(const char *name);
 i32 legacy_cmd_reg_once(const cli_legacy_cmd *hooks);
 i32 cli_diagshell_exit(u32 chip_id);
-/* op 1 sets the debug flag that silences "return OK"; any op returns it. */
-u32 cli_debug_on_off(i32 op, u32 value);
 
 /* ---- output ------------------------------------------------------------------------- */
 

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_init.h"
 
 namespace {
@@ -81,6 +82,8 @@ void cli_cmd_init_all(void)
     // of the commands that every mode has; the chip model's own commands
     // come after the chip's families.
     cli_cmd_init_l2();
+    cli_cmd_init_config();
+    cli_cmd_init_common();
     cli_cmd_init_sim();
     cli_cmd_init_view();
 }
@@ -92,17 +95,47 @@ i32 cli_glb_chip_id_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     char *stop = nullptr;
     const unsigned long id = argc >= 1 && argv != nullptr && argv[0] != nullptr ? std::strtoul(argv[0], &stop, 10) : 0;
     if (stop == nullptr || *stop != '\0' || stop == argv[0]) {
-        cli_printf("invalid param\n");
+        cli_output_show("invalid param\n");
         return SHR_E_PARAM;
     }
     u32 type = 0;
     u32 sub_devid = 0;
     if (id >= SHR_MAX_CHIPS || shr_chip_sub_devid_get(static_cast<u32>(id), &type, &sub_devid) != SHR_E_NONE) {
-        cli_printf("chip_id %d invalid\n", static_cast<int>(id));
+        cli_output_show("chip_id %d invalid\n", static_cast<int>(id));
         return SHR_E_UNIT;
     }
-    setchipidPrompt(static_cast<u32>(id));
+    // A client keeps its session's chip and prompt itself and sends the
+    // chip with every command; the shell inside the library keeps them
+    // here.
+    if (cli_server_client_get() == nullptr) {
+        chip_id_set(static_cast<u32>(id));
+        setchipidPrompt(static_cast<u32>(id));
+    }
     return SHR_E_NONE;
+}
+
+void cli_cmd_exec_lock(void)
+{
+    pthread_mutex_lock(&g_cli_exec_lock);
+}
+
+void cli_cmd_exec_unlock(void)
+{
+    pthread_mutex_unlock(&g_cli_exec_lock);
+}
+
+i32 cli_cmd_tree_build(void)
+{
+    _exec_guard guard;
+    cli_cmd_init_all();
+    return cli_ctree_init() == 0 && cli_ctree_create() == 0 ? 0 : -1;
+}
+
+void cli_cmd_tree_release(void)
+{
+    _exec_guard guard;
+    cli_ctree_delete();
+    cli_ctree_deinit();
 }
 
 i32 cli_cmd_execute(u32 chip_id, const char *line, char *buf, i32 size)

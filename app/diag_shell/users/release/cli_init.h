@@ -35,13 +35,40 @@ void cli_cmd_init_view(void);
 /* Places `count` command records in `mode` (priority 15, no flags) through
  * their items and links them onto the init list. */
 void cli_cmd_descs_link(cli_cmd_desc *descs, cli_cmd_item *items, u32 count, u32 mode);
-/* The commands of the L2 address service, in mode "l2". */
+
+/* The command families, in the order of the init list. */
 void cli_cmd_init_l2(void);
+void cli_cmd_init_config(void);
+void cli_cmd_init_common(void);
+
+/* Handlers of mode `config`. */
+i32 cli_terminal_monitor_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+/* Handlers of mode `common`. */
+i32 cli_common_show_chip(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_key_check(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_key_check_show(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_debug_log_enable(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_debug_log_disable(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_debug_log_show(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_sdk_set_init(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_sdk_set_deinit(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_chip_id_by_bus_number_display(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_common_debug_show_mutex(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_chip_version_show(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+
 /* The commands of the chip model, in mode "sim". */
 void cli_cmd_init_sim(void);
 
 /* Handler of `chip-id <0-16>`. */
 i32 cli_glb_chip_id_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+
+/* The lock under which lines run one at a time (recursive). */
+void cli_cmd_exec_lock(void);
+void cli_cmd_exec_unlock(void);
+/* Builds the tree of the library's records, or frees it, under that
+ * lock; 0 or -1. */
+i32 cli_cmd_tree_build(void);
+void cli_cmd_tree_release(void);
 
 /* Creates the lock table for the chips of the registry; 0 or -17. */
 i32 cli_user_init(void);

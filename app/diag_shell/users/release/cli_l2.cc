@@ -4,7 +4,7 @@
 // The entry commands share one reader of their words: each keyword of an
 // entry (a key part, a destination, an option) fills its part of an
 // l2_addr and says which field a batched command compares.  Ports are
-// logical port numbers.
+// named as the shell names them (cli_pport_to_lport).
 #include <arpa/inet.h>
 
 #include <tide/l2.h>
@@ -12,8 +12,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "app/diag_shell/users/release/cli_init.h"
+#include "app/diag_shell/users/release/cli_param.h"
 
 extern "C" {
 
@@ -41,53 +43,45 @@ const char *_cause_text(u32 cause)
     return cause < k_mac_causes ? g_mac_errmsg[cause] : "unknown cause";
 }
 
-// A number in decimal or, with 0x, in hexadecimal.
 bool _num(const char *word, u32 *out)
 {
-    if (word == nullptr || *word == '\0') {
-        return false;
-    }
-    const bool hex = word[0] == '0' && (word[1] == 'x' || word[1] == 'X') && word[2] != '\0';
-    char *end = nullptr;
-    const unsigned long v = std::strtoul(hex ? word + 2 : word, &end, hex ? 16 : 10);
-    if (*end != '\0' || v > 0xFFFFFFFFul || word[0] == '-' || word[0] == '+') {
-        cli_printf("Input Non-Valid-Number String(%s)\n", word);
-        return false;
-    }
-    *out = static_cast<u32>(v);
-    return true;
+    return cli_get_uint32_param(word, out) == 0;
 }
 
 bool _mac(const char *word, u8 mac[6])
 {
-    unsigned b[6];
-    char tail = 0;
-    if (std::strlen(word) != 17 ||
-        sscanf(word, "%2x:%2x:%2x:%2x:%2x:%2x%c", &b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &tail) != 6) {
-        cli_printf("mac address %s is wrong.\n", word);
+    if (cli_get_mac_addr(word, mac) != 0) {
+        cli_output_show("mac address %s is wrong.\n", word);
         return false;
-    }
-    for (u32 i = 0; i < 6; i++) {
-        mac[i] = static_cast<u8>(b[i]);
     }
     return true;
 }
 
 bool _ipv4(const char *word, u32 *out)
 {
-    in_addr a{};
-    if (inet_pton(AF_INET, word, &a) != 1) {
-        cli_printf("ipv4 address is wrong.\n");
+    if (cli_get_ipv4addr(word, out) != 0) {
+        cli_output_show("parameter %s is incorrect.\n", word);
         return false;
     }
-    *out = ntohl(a.s_addr);
+    return true;
+}
+
+// A port name of the operator into a logical port.
+bool _port(u32 chip_id, const char *word, u32 *lport)
+{
+    const i32 rc = cli_pport_to_lport(chip_id, word, lport);
+    if (rc != 0) {
+        cli_output_show(" chip_id: %u input port: %s convert to logical port failed.(errmsg = %s) \n", chip_id, word,
+                        shr_errmsg(rc));
+        return false;
+    }
     return true;
 }
 
 bool _ipv6(const char *word, u8 out[16])
 {
     if (inet_pton(AF_INET6, word, out) != 1) {
-        cli_printf("ipv6 address is wrong.\n");
+        cli_output_show("ipv6 address is wrong.\n");
         return false;
     }
     return true;
@@ -95,7 +89,7 @@ bool _ipv6(const char *word, u8 out[16])
 
 i32 _fail(const char *what, i32 rc)
 {
-    cli_printf(" call %s failed, %s\n", what, shr_errmsg(rc));
+    cli_output_show(" call %s failed, %s\n", what, shr_errmsg(rc));
     return rc;
 }
 
@@ -108,6 +102,7 @@ bool _enable(const char *word)
 
 // What the words of an entry command filled.
 struct Entry {
+    u32 chip = 0;
     l2_addr addr{};
     u32 compare = 0; // compare bits of a batched command
     bool ip = false, sip = false;
@@ -189,6 +184,11 @@ bool _w_u16(Entry &e, char **v)
     return true;
 }
 
+bool _w_port(Entry &e, char **v)
+{
+    return _port(e.chip, v[0], &e.addr.port);
+}
+
 constexpr Word k_words[] = {
     {"mac", 1, 0, L2_CMP_MAC, _w_mac},
     {"dip", 1, 0, L2_CMP_MAC, _w_dip},
@@ -203,7 +203,7 @@ constexpr Word k_words[] = {
     {"fid", 1, L2_FLAG_KEY_FID, L2_CMP_VLAN, _w_vid},
     {"vfi", 1, L2_FLAG_KEY_VFI, L2_CMP_VLAN, _w_u16<&l2_addr::vfi>},
     {"modid", 1, 0, 0, _w_u32<&l2_addr::modid>},
-    {"port", 1, L2_FLAG_DEST_PORT, L2_CMP_DEST, _w_u32<&l2_addr::port>},
+    {"port", 1, L2_FLAG_DEST_PORT, L2_CMP_DEST, _w_port},
     {"tgid", 1, L2_FLAG_DEST_TRUNK, L2_CMP_DEST, _w_u32<&l2_addr::tgid>},
     {"mgid", 1, L2_FLAG_DEST_MCAST, L2_CMP_DEST, _w_u32<&l2_addr::mgid>},
     {"dvp", 1, L2_FLAG_DEST_DVP, L2_CMP_DEST, _w_u32<&l2_addr::dvp>},
@@ -231,8 +231,9 @@ constexpr Word k_words[] = {
 
 // Reads the words of an entry from argv[first]; false (with a line
 // printed) for a word it does not know or a bad value.
-bool _entry_read(i32 argc, char **argv, i32 first, Entry *e)
+bool _entry_read(u32 chip_id, i32 argc, char **argv, i32 first, Entry *e)
 {
+    e->chip = chip_id;
     for (i32 i = first; i < argc;) {
         const Word *w = nullptr;
         for (const Word &k : k_words) {
@@ -242,7 +243,7 @@ bool _entry_read(i32 argc, char **argv, i32 first, Entry *e)
             }
         }
         if (w == nullptr || i + static_cast<i32>(w->values) >= argc + (w->values == 0 ? 1 : 0)) {
-            cli_printf("parameter %s is incorrect.\n", argv[i]);
+            cli_output_show("parameter %s is incorrect.\n", argv[i]);
             return false;
         }
         e->addr.flags |= w->flags;
@@ -306,8 +307,8 @@ void _key_str(const l2_addr &a, char *buf, size_t len)
 
 void _entry_head()
 {
-    cli_printf("%-40s %-5s %-8s %-12s %-4s %s\n", "Key", "VID", "Type", "Destination", "Age", "Flags");
-    cli_printf("--------------------------------------------------------------------------------\n");
+    cli_output_show("%-40s %-5s %-8s %-12s %-4s %s\n", "Key", "VID", "Type", "Destination", "Age", "Flags");
+    cli_output_show("--------------------------------------------------------------------------------\n");
 }
 
 void _entry_line(const l2_addr &a)
@@ -315,7 +316,7 @@ void _entry_line(const l2_addr &a)
     char key[96], dest[32];
     _key_str(a, key, sizeof(key));
     _dest_str(a, dest, sizeof(dest));
-    cli_printf("%-40s %-5u %-8s %-12s %-4u %s%s%s%s\n", key, a.vid, (a.flags & L2_FLAG_DYNAMIC) ? "dynamic" : "static",
+    cli_output_show("%-40s %-5u %-8s %-12s %-4u %s%s%s%s\n", key, a.vid, (a.flags & L2_FLAG_DYNAMIC) ? "dynamic" : "static",
                dest, a.age_cnt, (a.flags & L2_FLAG_SRC_DROP) ? "src-drop " : "",
                (a.flags & L2_FLAG_DST_DROP) ? "dst-drop " : "", (a.flags & L2_FLAG_DYN_COVER_STATIC) ? "dyn-cover-static " : "",
                (a.flags & L2_FLAG_DYN_COVER_STATIC_FWD) ? "dyn-cover-static-fwd" : "");
@@ -366,48 +367,57 @@ i32 _show_one(u32, l2_addr *a, void *user)
 
 // ---- ports and lists ----------------------------------------------------------------
 
-// A list of numbers: "3", "3,5", "5-7" and their mixtures.  Calls `fn` for
-// each; the first failure ends the walk.
+// Calls `fn` for each id of a list of numbers and ranges ("3,5-7"); the
+// first failure ends the walk.
 template <typename Fn>
-i32 _list_walk(const char *list, Fn fn)
+i32 _id_list_walk(const char *list, Fn fn)
 {
-    const char *p = list;
-    while (*p != '\0') {
-        char *end = nullptr;
-        const unsigned long first = std::strtoul(p, &end, 10);
-        unsigned long last = first;
-        if (end == p) {
-            cli_printf("para %s is invalid.\n", list);
-            return SHR_E_PARAM;
+    if (cli_check_intlist(list) < 0) {
+        cli_output_show(" para %s is invalid.\n", list);
+        return SHR_E_PARAM;
+    }
+    std::string copy(list);
+    char *cursor = copy.data();
+    for (i32 v = cli_get_next_from_intlist(&cursor, 0); v >= 0; v = cli_get_next_from_intlist(&cursor, v)) {
+        const i32 rc = fn(static_cast<u32>(v));
+        if (rc != 0) {
+            return rc;
         }
-        if (*end == '-') {
-            const char *q = end + 1;
-            last = std::strtoul(q, &end, 10);
-            if (end == q || last < first) {
-                cli_printf("para %s is invalid.\n", list);
-                return SHR_E_PARAM;
-            }
-        }
-        if (*end != ',' && *end != '\0') {
-            cli_printf("para %s is invalid.\n", list);
-            return SHR_E_PARAM;
-        }
-        for (unsigned long v = first; v <= last; v++) {
-            const i32 rc = fn(static_cast<u32>(v));
-            if (rc != 0) {
-                return rc;
-            }
-        }
-        p = *end == ',' ? end + 1 : end;
     }
     return 0;
+}
+
+// Calls `fn` for each port of a port list; the first failure ends the
+// walk.
+template <typename Fn>
+i32 _port_list_walk(u32 chip_id, const char *list, Fn fn)
+{
+    if (cli_pport_list_str_is_valid(list) != 0) {
+        cli_output_show("pport_list: %s is invalid!\n", list);
+        return SHR_E_PARAM;
+    }
+    std::string copy(list);
+    char *cursor = copy.data();
+    char name[CLI_PPORT_SIZE] = {};
+    i32 r = 0;
+    while ((r = cli_pport_str_get_from_port_list(&cursor, name, sizeof(name), name)) == 0) {
+        u32 lport = 0;
+        if (!_port(chip_id, name, &lport)) {
+            return SHR_E_PARAM;
+        }
+        const i32 rc = fn(lport);
+        if (rc != 0) {
+            return rc;
+        }
+    }
+    return r == 1 ? 0 : r;
 }
 
 // The number after a keyword, or a line and -4.
 bool _arg_num(i32 argc, char **argv, i32 at, u32 *out)
 {
     if (at >= argc) {
-        cli_printf("parameter number is incorrect. \n");
+        cli_output_show("parameter number is incorrect. \n");
         return false;
     }
     return _num(argv[at], out);
@@ -443,7 +453,7 @@ u32 _limit_act(const char *word)
 
 // The scope words of a limit command into a record: port, vid, glb; vfi
 // and svp have no limit on this chip.
-i32 _limit_scope(i32 argc, char **argv, l2_learn_limit *l, bool *all_ports)
+i32 _limit_scope(u32 chip_id, i32 argc, char **argv, l2_learn_limit *l, bool *all_ports)
 {
     *all_ports = false;
     for (i32 i = 0; i < argc; i++) {
@@ -451,13 +461,11 @@ i32 _limit_scope(i32 argc, char **argv, l2_learn_limit *l, bool *all_ports)
             l->flags |= L2_LIMIT_GLOBAL;
         } else if (std::strcmp(argv[i], "port") == 0) {
             l->flags |= L2_LIMIT_PORT;
-            u32 port = 0;
             if (i + 1 < argc && _name_index(k_act_names, argv[i + 1]) < 0 && std::strcmp(argv[i + 1], "enable") != 0 &&
                 std::strcmp(argv[i + 1], "disable") != 0) {
-                if (!_num(argv[++i], &port)) {
+                if (!_port(chip_id, argv[++i], &l->port)) {
                     return SHR_E_PARAM;
                 }
-                l->port = port;
             } else {
                 *all_ports = true;
             }
@@ -468,7 +476,7 @@ i32 _limit_scope(i32 argc, char **argv, l2_learn_limit *l, bool *all_ports)
             }
         } else if (std::strcmp(argv[i], "vfi") == 0 || std::strcmp(argv[i], "svp") == 0 ||
                    std::strcmp(argv[i], "vlan-vfi") == 0) {
-            cli_printf("Key [%s] Not Support for chip[%s]!\n", argv[i], "atolreef");
+            cli_output_show("Key [%s] Not Support for chip[%s]!\n", argv[i], shr_chip_name_get(chip_id));
             return SHR_E_NOT_SUPPORT;
         }
     }
@@ -482,8 +490,9 @@ i32 _limit_apply(u32 chip_id, l2_learn_limit l, bool all_ports)
         return rc != 0 ? _fail("l2_api_learn_limit_set", rc) : 0;
     }
     l2_learn_limit each = l;
-    for (u32 port = 0; port < 32; port++) {
-        each.port = port;
+    char name[CLI_PPORT_SIZE];
+    for (i32 prev = -1; cli_port_list_next_lport_get(chip_id, 0, prev, &each.port, name) == 0;
+         prev = static_cast<i32>(each.port)) {
         const i32 rc = l2_api_learn_limit_set(chip_id, &each);
         if (rc != 0) {
             return _fail("l2_api_learn_limit_set", rc);
@@ -500,18 +509,19 @@ i32 _age_set(u32 chip_id, u32 id, u32 value)
 
 
 // The move priority record of `port WORD`, `tgid WORD` or `vp WORD`.
-i32 _move_target(i32 argc, char **argv, l2_port_move_pri *pri)
+i32 _move_target(u32 chip_id, i32 argc, char **argv, l2_port_move_pri *pri)
 {
     if (argc < 2) {
-        cli_printf("parameter number is incorrect. \n");
+        cli_output_show("parameter number is incorrect. \n");
         return SHR_E_PARAM;
     }
     if (std::strcmp(argv[0], "vp") == 0) {
-        cli_printf("Key [%s] Not Support for chip[%s]!\n", argv[0], "atolreef");
+        cli_output_show("Key [%s] Not Support for chip[%s]!\n", argv[0], shr_chip_name_get(chip_id));
         return SHR_E_NOT_SUPPORT;
     }
     pri->flag = std::strcmp(argv[0], "tgid") == 0 ? 1 : 0;
-    return _num(argv[1], &pri->id) ? 0 : SHR_E_PARAM;
+    const bool ok = pri->flag == 1 ? _num(argv[1], &pri->id) : _port(chip_id, argv[1], &pri->id);
+    return ok ? 0 : SHR_E_PARAM;
 }
 
 // Read, change, write of a move priority record.
@@ -548,7 +558,7 @@ i32 _batched_cmd(u32 chip_id, i32 argc, char **argv, i32 (*fn)(u32, l2_addr *, u
                  const char *format)
 {
     Entry e;
-    if (!_entry_read(argc, argv, 0, &e)) {
+    if (!_entry_read(chip_id, argc, argv, 0, &e)) {
         return SHR_E_PARAM;
     }
     u32 count = 0;
@@ -556,7 +566,7 @@ i32 _batched_cmd(u32 chip_id, i32 argc, char **argv, i32 (*fn)(u32, l2_addr *, u
     if (rc != 0) {
         return _fail(what, rc);
     }
-    cli_printf(format, count);
+    cli_output_show(format, count);
     return 0;
 }
 
@@ -570,13 +580,13 @@ extern "C" {
 i32 cli_l2_addr_add(u32 chip_id, u32, i32 argc, char **argv)
 {
     Entry e;
-    if (argc < 1 || !_mac(argv[0], e.addr.mac) || !_entry_read(argc, argv, 1, &e)) {
+    if (argc < 1 || !_mac(argv[0], e.addr.mac) || !_entry_read(chip_id, argc, argv, 1, &e)) {
         return SHR_E_PARAM;
     }
     e.addr.key_type = L2_KEY_MAC_VLAN;
     const i32 rc = l2_api_addr_add(chip_id, &e.addr);
     if (rc != 0) {
-        cli_printf("add l2 entry failed, fail case: %s (errmsg: %s)\n", _cause_text(e.addr.fail_case), shr_errmsg(rc));
+        cli_output_show("add l2 entry failed, fail case: %s (errmsg: %s)\n", _cause_text(e.addr.fail_case), shr_errmsg(rc));
     }
     return rc;
 }
@@ -585,7 +595,7 @@ i32 cli_l2_addr_add(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_l2_entry_delete(u32 chip_id, u32, i32 argc, char **argv)
 {
     Entry e;
-    if (!_entry_read(argc, argv, 0, &e)) {
+    if (!_entry_read(chip_id, argc, argv, 0, &e)) {
         return SHR_E_PARAM;
     }
     const i32 rc = l2_api_addr_del(chip_id, &e.addr);
@@ -603,7 +613,7 @@ i32 cli_l2_entry_clear(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_l2_entry_show(u32 chip_id, u32, i32 argc, char **argv)
 {
     Entry e;
-    if (!_entry_read(argc, argv, 0, &e)) {
+    if (!_entry_read(chip_id, argc, argv, 0, &e)) {
         return SHR_E_PARAM;
     }
     if (e.compare & L2_CMP_MAC) {
@@ -624,7 +634,7 @@ i32 cli_l2_entry_show(u32 chip_id, u32, i32 argc, char **argv)
     if (rc != 0) {
         return _fail("l2_api_addr_traverse", rc);
     }
-    cli_printf("Total: %u\n", walk.shown);
+    cli_output_show("Total: %u\n", walk.shown);
     return 0;
 }
 
@@ -689,7 +699,7 @@ i32 cli_l2_event_to_cpu_enable_config(u32 chip_id, u32, i32 argc, char **argv)
     static constexpr const char *kEvents[] = {"learn",   "move",           "aging",     "cpu-insert",
                                               "cpu-del", "cpu-batch-search", "hash-full"};
     if (argc < 2) {
-        cli_printf("parameter number is incorrect. \n");
+        cli_output_show("parameter number is incorrect. \n");
         return SHR_E_PARAM;
     }
     const bool all = std::strcmp(argv[0], "all") == 0;
@@ -709,14 +719,14 @@ i32 cli_l2_event_to_cpu_enable_config(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_l2_learn_port_mode_set(u32 chip_id, u32, i32 argc, char **argv)
 {
     u32 port = 0;
-    if (argc < 2 || !_num(argv[0], &port)) {
+    if (argc < 2 || !_port(chip_id, argv[0], &port)) {
         return SHR_E_PARAM;
     }
     char mode[64];
     snprintf(mode, sizeof(mode), "%s%s%s", argv[1], argc > 2 ? " " : "", argc > 2 ? argv[2] : "");
     const i32 m = _name_index(k_learn_names, mode);
     if (m < 0) {
-        cli_printf("port learn-mode %s is not support \n", mode);
+        cli_output_show("port learn-mode %s is not support \n", mode);
         return SHR_E_NOT_SUPPORT;
     }
     const i32 rc = l2_api_port_control_set(chip_id, port, L2_PORT_LEARN_MODE, static_cast<u32>(m));
@@ -730,7 +740,7 @@ i32 cli_l2_move_act_enable_config(u32 chip_id, u32, i32 argc, char **argv)
 {
     u32 pri = 0;
     if (argc < 2 || !_num(argv[0], &pri) || pri > 3) {
-        cli_printf("pri %s is out of range, max 3\n", argc > 0 ? argv[0] : "");
+        cli_output_show("pri %s is out of range, max 3\n", argc > 0 ? argv[0] : "");
         return SHR_E_PARAM;
     }
     cli_lock_take(chip_id, CLI_LOCK_L2, __FILE__, __LINE__);
@@ -748,7 +758,7 @@ i32 cli_l2_move_act_enable_config(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_l2_port_move_act_enable_config(u32 chip_id, u32, i32 argc, char **argv)
 {
     l2_port_move_pri pri{};
-    const i32 rc = _move_target(argc, argv, &pri);
+    const i32 rc = _move_target(chip_id, argc, argv, &pri);
     if (rc != 0 || argc < 3) {
         return rc != 0 ? rc : SHR_E_PARAM;
     }
@@ -761,7 +771,7 @@ i32 cli_l2_port_move_pri_set(u32 chip_id, u32, i32 argc, char **argv)
 {
     l2_port_move_pri pri{};
     u32 value = 0;
-    const i32 rc = _move_target(argc, argv, &pri);
+    const i32 rc = _move_target(chip_id, argc, argv, &pri);
     if (rc != 0 || !_arg_num(argc, argv, 2, &value) || value > 0xFF) {
         return rc != 0 ? rc : SHR_E_PARAM;
     }
@@ -821,7 +831,7 @@ i32 cli_l2_hash_alg_set(u32 chip_id, u32, i32 argc, char **argv)
     static constexpr const char *kAlg[] = {"crc", "xor"};
     const i32 alg = argc > 0 ? _name_index(kAlg, argv[0]) : -1;
     if (alg < 0) {
-        cli_printf("Key [%s] Not Support for chip[%s]!\n", argc > 0 ? argv[0] : "", "atolreef");
+        cli_output_show("Key [%s] Not Support for chip[%s]!\n", argc > 0 ? argv[0] : "", shr_chip_name_get(chip_id));
         return SHR_E_NOT_SUPPORT;
     }
     return _control_set(chip_id, L2_CTRL_HASH_MODE, static_cast<u32>(alg) + 1);
@@ -831,7 +841,7 @@ i32 cli_l2_hash_alg_set(u32 chip_id, u32, i32 argc, char **argv)
 i32 _cli_l2_ipmc_multicast_cfg_set(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 5) {
-        cli_printf("parameter number is incorrect. \n");
+        cli_output_show("parameter number is incorrect. \n");
         return SHR_E_PARAM;
     }
     const u32 first = std::strcmp(argv[0], "ipv6-dip-sel") == 0 ? L2_CTRL_IPV6_DIP_SEL0 : L2_CTRL_IPV6_IP_SEL0;
@@ -854,7 +864,7 @@ i32 _cli_l2_ipmc_multicast_cfg_set(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_l2_port_bridge_enable_config(u32 chip_id, u32, i32 argc, char **argv)
 {
     u32 port = 0;
-    if (argc < 3 || !_num(argv[1], &port)) {
+    if (argc < 3 || !_port(chip_id, argv[1], &port)) {
         return SHR_E_PARAM;
     }
     const u32 id = std::strcmp(argv[0], "egress-port") == 0 ? L2_PORT_EGRESS_BRIDGE : L2_PORT_BRIDGE;
@@ -867,13 +877,13 @@ i32 cli_l2_port_config(u32 chip_id, u32, i32 argc, char **argv)
 {
     static constexpr const char *kWhat[] = {"unknown-unicast-act", "unknown-multicast-act", "broadcast-act"};
     u32 port = 0;
-    if (argc < 3 || !_num(argv[0], &port)) {
+    if (argc < 3 || !_port(chip_id, argv[0], &port)) {
         return SHR_E_PARAM;
     }
     const i32 id = _name_index(kWhat, argv[1]);
     const i32 act = _name_index(k_act_names, argv[2]);
     if (id < 0 || act < 0) {
-        cli_printf("Key [%s] Not Support for chip[%s]!\n", argv[1], "atolreef");
+        cli_output_show("Key [%s] Not Support for chip[%s]!\n", argv[1], shr_chip_name_get(chip_id));
         return SHR_E_NOT_SUPPORT;
     }
     return _port_set(chip_id, port, static_cast<u32>(id), static_cast<u32>(act));
@@ -887,7 +897,7 @@ i32 cli_l2_egresss_port_config(u32 chip_id, u32, i32 argc, char **argv)
                                             "broadcast-act"};
     u32 port = 0;
     const i32 id = argc >= 3 ? _name_index(kWhat, argv[1]) : -1;
-    if (id < 0 || !_num(argv[0], &port)) {
+    if (id < 0 || !_port(chip_id, argv[0], &port)) {
         return SHR_E_PARAM;
     }
     return _port_set(chip_id, port, L2_PORT_EGRESS_UNKNOWN_UCAST + static_cast<u32>(id),
@@ -901,7 +911,7 @@ i32 cli_l2_mac_limit_enable_config(u32 chip_id, u32, i32 argc, char **argv)
 {
     l2_learn_limit l{};
     bool all = false;
-    const i32 rc = _limit_scope(argc, argv, &l, &all);
+    const i32 rc = _limit_scope(chip_id, argc, argv, &l, &all);
     if (rc != 0 || argc < 1) {
         return rc != 0 ? rc : SHR_E_PARAM;
     }
@@ -924,7 +934,7 @@ i32 cli_l2_mac_limit_over_limit_enable(u32 chip_id, u32, i32 argc, char **argv)
 {
     l2_learn_limit l{};
     bool all = false;
-    const i32 rc = _limit_scope(argc, argv, &l, &all);
+    const i32 rc = _limit_scope(chip_id, argc, argv, &l, &all);
     if (rc != 0 || argc < 1) {
         return rc != 0 ? rc : SHR_E_PARAM;
     }
@@ -938,7 +948,7 @@ i32 cli_l2_mac_limit_config(u32 chip_id, u32, i32 argc, char **argv)
 {
     l2_learn_limit l{};
     bool all = false;
-    i32 rc = _limit_scope(argc, argv, &l, &all);
+    i32 rc = _limit_scope(chip_id, argc, argv, &l, &all);
     if (rc != 0 || argc < 2) {
         return rc != 0 ? rc : SHR_E_PARAM;
     }
@@ -962,7 +972,7 @@ i32 cli_l2_mac_limit_delete(u32 chip_id, u32, i32 argc, char **argv)
 {
     l2_learn_limit l{};
     bool all = false;
-    const i32 rc = _limit_scope(argc, argv, &l, &all);
+    const i32 rc = _limit_scope(chip_id, argc, argv, &l, &all);
     if (rc != 0) {
         return rc;
     }
@@ -976,12 +986,12 @@ i32 cli_l2_mac_limit_show(u32 chip_id, u32, i32 argc, char **argv)
 {
     l2_learn_limit l{};
     bool all = false;
-    i32 rc = _limit_scope(argc, argv, &l, &all);
+    i32 rc = _limit_scope(chip_id, argc, argv, &l, &all);
     if (rc != 0) {
         return rc;
     }
-    cli_printf("%-8s %-6s %-8s %-10s %-10s %s\n", "Scope", "Id", "Enable", "Threshold", "Count", "Action");
-    cli_printf("--------------------------------------------------------------\n");
+    cli_output_show("%-8s %-6s %-8s %-10s %-10s %s\n", "Scope", "Id", "Enable", "Threshold", "Count", "Action");
+    cli_output_show("--------------------------------------------------------------\n");
     const u32 first = all ? 0 : l.port, last = all ? 31 : l.port;
     for (u32 p = first; p <= last; p++) {
         l2_learn_limit each = l;
@@ -991,7 +1001,7 @@ i32 cli_l2_mac_limit_show(u32 chip_id, u32, i32 argc, char **argv)
             return _fail("l2_api_learn_limit_get", rc);
         }
         const bool glb = (l.flags & L2_LIMIT_GLOBAL) != 0;
-        cli_printf("%-8s %-6u %-8u %-10u %-10u %u\n", glb ? "global" : "port", glb ? 0 : p, each.limit_en,
+        cli_output_show("%-8s %-6u %-8u %-10u %-10u %u\n", glb ? "global" : "port", glb ? 0 : p, each.limit_en,
                    each.limit_value, each.mac_cnt, each.over_act);
     }
     return 0;
@@ -1020,14 +1030,14 @@ i32 cli_l2_status_info_show(u32 chip_id, u32, i32, char **)
     if (rc != 0) {
         return _fail("l2_api_learn_control_get", rc);
     }
-    cli_printf("%-24s : %s\n", "learning", learn ? "enable" : "disable");
+    cli_output_show("%-24s : %s\n", "learning", learn ? "enable" : "disable");
     for (const Row &r : kRows) {
         u32 v = 0;
         rc = r.age ? l2_api_age_control_get(chip_id, r.id, &v) : l2_api_control_get(chip_id, r.id, &v);
         if (rc != 0) {
             return _fail(r.age ? "l2_api_age_control_get" : "l2_api_control_get", rc);
         }
-        cli_printf("%-24s : %u\n", r.name, v);
+        cli_output_show("%-24s : %u\n", r.name, v);
     }
     return 0;
 }
@@ -1043,7 +1053,7 @@ i32 cli_l2_reserved_multicast_info_show(u32 chip_id, u32, i32, char **)
         if (rc != 0) {
             return _fail("l2_api_control_get", rc);
         }
-        cli_printf("%-24s : %u\n", kNames[i], v);
+        cli_output_show("%-24s : %u\n", kNames[i], v);
     }
     return 0;
 }
@@ -1054,10 +1064,10 @@ i32 cli_l2_port_info_show(u32 chip_id, u32, i32 argc, char **argv)
     if (argc < 1) {
         return SHR_E_PARAM;
     }
-    cli_printf("%-6s %-16s %-16s %-16s %-7s %s\n", "Port", "Unknown-ucast", "Unknown-mcast", "Broadcast", "Bridge",
+    cli_output_show("%-6s %-16s %-16s %-16s %-7s %s\n", "Port", "Unknown-ucast", "Unknown-mcast", "Broadcast", "Bridge",
                "Learn");
-    cli_printf("----------------------------------------------------------------------------------\n");
-    return _list_walk(argv[0], [chip_id](u32 port) {
+    cli_output_show("----------------------------------------------------------------------------------\n");
+    return _port_list_walk(chip_id, argv[0], [chip_id](u32 port) {
         u32 v[4] = {}, learn = 0;
         for (u32 id = 0; id < 4; id++) {
             const i32 rc = l2_api_port_control_get(chip_id, port, id, &v[id]);
@@ -1069,7 +1079,7 @@ i32 cli_l2_port_info_show(u32 chip_id, u32, i32 argc, char **argv)
         if (rc != 0) {
             return _fail("l2_api_port_control_get", rc);
         }
-        cli_printf("%-6u %-16s %-16s %-16s %-7s %s\n", port, k_act_names[v[0]], k_act_names[v[1]], k_act_names[v[2]],
+        cli_output_show("%-6u %-16s %-16s %-16s %-7s %s\n", port, k_act_names[v[0]], k_act_names[v[1]], k_act_names[v[2]],
                    v[3] ? "enable" : "disable", k_learn_names[learn]);
         return 0;
     });
@@ -1082,21 +1092,22 @@ i32 cli_l2_port_move_info_show(u32 chip_id, u32, i32 argc, char **argv)
         return SHR_E_PARAM;
     }
     if (std::strcmp(argv[0], "vps") == 0) {
-        cli_printf("Key [%s] Not Support for chip[%s]!\n", argv[0], "atolreef");
+        cli_output_show("Key [%s] Not Support for chip[%s]!\n", argv[0], shr_chip_name_get(chip_id));
         return SHR_E_NOT_SUPPORT;
     }
     const u32 flag = std::strcmp(argv[0], "tgids") == 0 ? 1 : 0;
-    cli_printf("%-6s %-8s %s\n", flag ? "Tgid" : "Port", "Enable", "Pri");
-    cli_printf("----------------------\n");
-    return _list_walk(argv[1], [chip_id, flag](u32 id) {
+    cli_output_show("%-6s %-8s %s\n", flag ? "Tgid" : "Port", "Enable", "Pri");
+    cli_output_show("----------------------\n");
+    auto show = [chip_id, flag](u32 id) {
         l2_port_move_pri pri{flag, 0, 0, id};
         const i32 rc = l2_api_port_move_pri_get(chip_id, &pri);
         if (rc != 0) {
             return _fail("l2_api_port_move_pri_get", rc);
         }
-        cli_printf("%-6u %-8s %u\n", id, pri.enable ? "enable" : "disable", pri.pri);
+        cli_output_show("%-6u %-8s %u\n", id, pri.enable ? "enable" : "disable", pri.pri);
         return 0;
-    });
+    };
+    return flag ? _id_list_walk(argv[1], show) : _port_list_walk(chip_id, argv[1], show);
 }
 
 // show l2 cnt
@@ -1109,7 +1120,7 @@ i32 cli_l2_counter_show(u32 chip_id, u32, i32, char **)
         if (rc != 0) {
             return _fail("l2_api_mac_cnt_get", rc);
         }
-        cli_printf("%-16s : %u\n", kNames[type], n);
+        cli_output_show("%-16s : %u\n", kNames[type], n);
     }
     return 0;
 }
@@ -1126,7 +1137,7 @@ i32 cli_l2_thread_status_set(u32 chip_id, u32, i32 argc, char **argv)
 // show l2 thread
 i32 cli_l2_thread_show(u32 chip_id, u32, i32, char **)
 {
-    cli_printf("l2 thread : %s\n", l2_api_thread_is_running(chip_id) > 0 ? "running" : "not running");
+    cli_output_show("l2 thread : %s\n", l2_api_thread_is_running(chip_id) > 0 ? "running" : "not running");
     return 0;
 }
 
@@ -1154,17 +1165,14 @@ const char *const k_del_help[] = {"L2 table", "Delete an entry", "Multicast entr
                                   "VFI id", "Destination IPv4 key", "IPv4 address", "Source IPv4", "IPv4 address",
                                   "VLAN", "VLAN id", "Destination IPv6 key", "IPv6 address", "Source IPv6",
                                   "IPv6 address", "VLAN", "VLAN id", nullptr};
-const char *const k_clear_help[] = {"Clear", "L2 table entries", "Every entry", "MAC address", "MAC address",
-                                    "Destination IPv4", "IPv4 address", "Destination and source IPv4", "IPv4 address",
-                                    "IPv4 address", "Destination, source IPv4 and VLAN", "IPv4 address",
-                                    "IPv4 address", "Destination IPv6", "IPv6 address", "Destination and source IPv6",
-                                    "IPv6 address", "IPv6 address", "Destination, source IPv6 and VLAN",
-                                    "IPv6 address", "IPv6 address", "VLAN", "VLAN id", "Forwarding id",
-                                    "Forwarding id", "VFI", "VFI id", "Trunk", "Trunk id", "Module", "Module id",
-                                    "Port", "Logical port", "DVP", "DVP id", "NHP", "NHP id", "ECMP", "ECMP id",
-                                    "Drop entries", "Cause id", "Cause id", "To-CPU entries", "Cause id", "Cause id",
-                                    "Multicast group", "Group id", "Outer VLAN", "Outer VLAN id", "Static entries",
-                                    "Dynamic entries", "Remote entries", "Pending entries", nullptr};
+// Short lines: with its long definition the record must fit in one page
+// of a client's download.
+const char *const k_clear_help[] = {"Clear", "L2 entries", "All", "MAC", "MAC", "DIP", "IPv4", "DIP, SIP", "IPv4",
+                                    "IPv4", "DIP, SIP, VLAN", "IPv4", "IPv4", "DIPv6", "IPv6", "DIPv6, SIPv6", "IPv6",
+                                    "IPv6", "DIPv6, SIPv6, VLAN", "IPv6", "IPv6", "VLAN", "Id", "FID", "Id", "VFI",
+                                    "Id", "Trunk", "Id", "Module", "Id", "Port", "Port", "DVP", "Id", "NHP", "Id",
+                                    "ECMP", "Id", "Drop", "Cause", "Id", "To CPU", "Cause", "Id", "Group", "Id",
+                                    "Outer VLAN", "Id", "Static", "Dynamic", "Remote", "Pending", nullptr};
 const char *const k_show_help[] = {"Show", "L2", "Entries of the L2 table", "MAC address key", "MAC address",
                                    "VLAN", "VLAN id", "VFI", "VFI id", "Forwarding id", "Forwarding id", "VFI",
                                    "VFI id", "VLAN", "VLAN id", "VFI", "VFI id", "Forwarding id", "Forwarding id",

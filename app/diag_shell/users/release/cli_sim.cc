@@ -33,7 +33,7 @@ constexpr u32 k_hex_per_line = 16;
 bool _model_here()
 {
     if (tide_sim_packet_inject == nullptr) {
-        cli_printf("the chip model is not in this process\n");
+        cli_output_show("the chip model is not in this process\n");
         return false;
     }
     return true;
@@ -90,11 +90,11 @@ bool _frame_of(i32 argc, char **argv, std::vector<u8> *frame)
 void _hex_dump(const u8 *data, u32 len)
 {
     for (u32 at = 0; at < len; at += k_hex_per_line) {
-        cli_printf("  %04x ", static_cast<unsigned>(at));
+        cli_output_show("  %04x ", static_cast<unsigned>(at));
         for (u32 i = at; i < len && i < at + k_hex_per_line; i++) {
-            cli_printf(" %02x", data[i]);
+            cli_output_show(" %02x", data[i]);
         }
-        cli_printf("\n");
+        cli_output_show("\n");
     }
 }
 
@@ -106,7 +106,7 @@ i32 _sim_inject(u32 chip_id, u32, i32 argc, char **argv)
     }
     std::vector<u8> frame;
     if (argc < 2 || !_frame_of(argc - 1, argv + 1, &frame) || frame.size() > TIDE_SIM_FRAME_MAX) {
-        cli_printf("invalid frame: give its bytes as pairs of hexadecimal digits\n");
+        cli_output_show("invalid frame: give its bytes as pairs of hexadecimal digits\n");
         return SHR_E_PARAM;
     }
     const u32 port = _number(argv[0]);
@@ -116,10 +116,10 @@ i32 _sim_inject(u32 chip_id, u32, i32 argc, char **argv)
     }
     const int rc = tide_sim_packet_inject(chip_id, port, frame.data(), static_cast<u32>(frame.size()));
     if (rc != 0) {
-        cli_printf("inject failed: %d\n", rc);
+        cli_output_show("inject failed: %d\n", rc);
         return rc;
     }
-    cli_printf("port %u took %u bytes\n", port, static_cast<unsigned>(frame.size()));
+    cli_output_show("port %u took %u bytes\n", port, static_cast<unsigned>(frame.size()));
     bool sent = false;
     for (u32 p = 0; p < k_ports; p++) {
         tide_sim_port_stats now{};
@@ -128,26 +128,26 @@ i32 _sim_inject(u32 chip_id, u32, i32 argc, char **argv)
             continue;
         }
         if (!sent) {
-            cli_printf("sent on port");
+            cli_output_show("sent on port");
             sent = true;
         }
-        cli_printf(" %u", p);
+        cli_output_show(" %u", p);
         tide_sim_frame_info info{};
         if (p == k_cpu_port && now.waiting > 0 &&
             tide_sim_packet_peek(chip_id, p, now.waiting - 1, nullptr, 0, &info) == 0 &&
             info.cause != TIDE_SIM_CAUSE_NONE) {
-            cli_printf(" (to-CPU cause %u)", info.cause);
+            cli_output_show(" (to-CPU cause %u)", info.cause);
         }
     }
     if (sent) {
-        cli_printf("\n");
+        cli_output_show("\n");
     }
     tide_sim_port_stats in{};
     tide_sim_port_stats_get(chip_id, port, &in);
     if (in.rx_dropped != before[port].rx_dropped) {
-        cli_printf("dropped, cause %u\n", in.last_drop_cause);
+        cli_output_show("dropped, cause %u\n", in.last_drop_cause);
     } else if (!sent) {
-        cli_printf("no port sent it\n");
+        cli_output_show("no port sent it\n");
     }
     return SHR_E_NONE;
 }
@@ -169,15 +169,15 @@ i32 _sim_show_sent(u32 chip_id, u32, i32, char **)
             continue;
         }
         if (!any) {
-            cli_printf("port  rx-frames  rx-dropped  tx-frames  waiting\n");
+            cli_output_show("port  rx-frames  rx-dropped  tx-frames  waiting\n");
             any = true;
         }
-        cli_printf("%4u  %9llu  %10llu  %9llu  %7u\n", p, static_cast<unsigned long long>(s.rx_frames),
+        cli_output_show("%4u  %9llu  %10llu  %9llu  %7u\n", p, static_cast<unsigned long long>(s.rx_frames),
                    static_cast<unsigned long long>(s.rx_dropped), static_cast<unsigned long long>(s.tx_frames),
                    s.waiting);
     }
     if (!any) {
-        cli_printf("no frames yet\n");
+        cli_output_show("no frames yet\n");
     }
     return SHR_E_NONE;
 }
@@ -193,16 +193,16 @@ i32 _sim_show_sent_port(u32 chip_id, u32, i32 argc, char **argv)
     u32 i = 0;
     tide_sim_frame_info info{};
     for (; tide_sim_packet_peek(chip_id, port, i, buf.data(), static_cast<u32>(buf.size()), &info) == 0; i++) {
-        cli_printf("frame %u: %u bytes from port %u at %llu ms", i, info.len, info.src_port,
+        cli_output_show("frame %u: %u bytes from port %u at %llu ms", i, info.len, info.src_port,
                    static_cast<unsigned long long>(info.time_ms));
         if (info.cause != TIDE_SIM_CAUSE_NONE) {
-            cli_printf(", to-CPU cause %u", info.cause);
+            cli_output_show(", to-CPU cause %u", info.cause);
         }
-        cli_printf("\n");
+        cli_output_show("\n");
         _hex_dump(buf.data(), info.len);
     }
     if (i == 0) {
-        cli_printf("port %u has no frame waiting\n", port);
+        cli_output_show("port %u has no frame waiting\n", port);
     }
     return SHR_E_NONE;
 }
@@ -221,7 +221,7 @@ i32 _sim_clear_sent(u32 chip_id, u32, i32, char **)
             taken++;
         }
     }
-    cli_printf("%u frames cleared\n", taken);
+    cli_output_show("%u frames cleared\n", taken);
     return SHR_E_NONE;
 }
 
@@ -236,7 +236,7 @@ i32 _sim_time_advance(u32 chip_id, u32, i32 argc, char **argv)
     if (rc != 0 || tide_sim_time_get(chip_id, &now) != 0) {
         return rc != 0 ? rc : SHR_E_FAIL;
     }
-    cli_printf("model time %llu ms\n", static_cast<unsigned long long>(now));
+    cli_output_show("model time %llu ms\n", static_cast<unsigned long long>(now));
     return SHR_E_NONE;
 }
 
@@ -248,7 +248,7 @@ i32 _sim_pcap_open(u32 chip_id, u32, i32 argc, char **argv)
     }
     const int rc = argc >= 1 ? tide_sim_pcap_open(chip_id, argv[0]) : SHR_E_PARAM;
     if (rc != 0) {
-        cli_printf("cannot open the capture file: %d\n", rc);
+        cli_output_show("cannot open the capture file: %d\n", rc);
     }
     return rc;
 }
@@ -261,7 +261,7 @@ i32 _sim_pcap_close(u32 chip_id, u32, i32, char **)
     }
     const int rc = tide_sim_pcap_close(chip_id);
     if (rc != 0) {
-        cli_printf("no capture file closed: %d\n", rc);
+        cli_output_show("no capture file closed: %d\n", rc);
     }
     return rc;
 }

@@ -1,6 +1,6 @@
 // Output of the diagnostic code: to the output hook, or to a file that a
-// dump has opened for the chip.  The text is formatted on the heap (the
-// buffer doubles until it fits) and handed on as plain text.
+// dump has opened for the chip.  The text is formatted on the heap and
+// handed on as plain text.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -9,38 +9,13 @@
 
 #include "csl/common/reg_tab/csl_coverage.h"
 #include "csl/common/reg_tab/csl_reg.h"
+#include "shared/shr_int.h"
 
 extern "C" {
 
 int g_csl_write_fd[SHR_MAX_CHIPS] = {-1, -1, -1, -1};
 i64 g_csl_write_limit_bytes[SHR_MAX_CHIPS];
 xsal_mutex_t g_csl_write_file_lock[SHR_MAX_CHIPS];
-
-// Formats into a heap buffer; NULL when there is no memory.
-static char *_csl_format(const char *format, va_list args, int *len)
-{
-    u64 size = 1024;
-    for (;;) {
-        char *buf = static_cast<char *>(xsal_malloc(size, "csl_output", SHR_MOD_REG_TAB));
-        if (buf == nullptr) {
-            return nullptr;
-        }
-        va_list copy;
-        va_copy(copy, args);
-        const int n = vsnprintf(buf, size, format, copy);
-        va_end(copy);
-        if (n < 0) {
-            xsal_mem_free(buf);
-            return nullptr;
-        }
-        if (static_cast<u64>(n) < size) {
-            *len = n;
-            return buf;
-        }
-        xsal_mem_free(buf);
-        size *= 2;
-    }
-}
 
 int csl_output_func(u32 chip_id, u32 to_file, const char *format, ...)
 {
@@ -50,12 +25,13 @@ int csl_output_func(u32 chip_id, u32 to_file, const char *format, ...)
     }
     va_list args;
     va_start(args, format);
-    int len = 0;
-    char *buf = _csl_format(format, args, &len);
+    u32 n = 0;
+    char *buf = shr_vformat_alloc(1024, "csl_output", SHR_MOD_REG_TAB, &n, format, args);
     va_end(args);
     if (buf == nullptr) {
         return 0;
     }
+    const int len = static_cast<int>(n);
     int rc = len;
     if (to_file == 0) {
         shr_debug_base_cli_printf_func_get()("%s", buf);
