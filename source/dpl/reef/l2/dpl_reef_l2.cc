@@ -294,33 +294,26 @@ i32 _ipat_control_set(u32 chip_id, u32 port, u32 id, u32 value)
     return csl_reef_cib_ipro_ipat_tbl_set(chip_id, 0, port, &r, mask);
 }
 
+// The egress port row's field of each egress control, from id 4 on.
+struct EpatField {
+    u8 cib_epro_epat_table_t::*field;
+    u32 member;
+};
+constexpr EpatField kEpat[] = {
+    {&cib_epro_epat_table_t::port_bridge_en, cib_epro_epat_table__port_bridge_en},
+    {&cib_epro_epat_table_t::unuc_ctrl, cib_epro_epat_table__unuc_ctrl},
+    {&cib_epro_epat_table_t::unmc_ctrl, cib_epro_epat_table__unmc_ctrl},
+    {&cib_epro_epat_table_t::mc_ctrl, cib_epro_epat_table__mc_ctrl},
+    {&cib_epro_epat_table_t::bc_ctrl, cib_epro_epat_table__bc_ctrl},
+};
+
 i32 _epat_control_set(u32 chip_id, u32 port, u32 id, u32 value)
 {
+    const EpatField &f = kEpat[id - L2_PORT_EGRESS_BRIDGE];
     cib_epro_epat_table_t r{};
+    r.*f.field = static_cast<u8>(value);
     u64 mask[2] = {};
-    const u8 v = static_cast<u8>(value);
-    switch (id) {
-    case L2_PORT_EGRESS_BRIDGE:
-        r.port_bridge_en = v;
-        _mask_set(mask, cib_epro_epat_table__port_bridge_en);
-        break;
-    case L2_PORT_EGRESS_UNKNOWN_UCAST:
-        r.unuc_ctrl = v;
-        _mask_set(mask, cib_epro_epat_table__unuc_ctrl);
-        break;
-    case L2_PORT_EGRESS_UNKNOWN_MCAST:
-        r.unmc_ctrl = v;
-        _mask_set(mask, cib_epro_epat_table__unmc_ctrl);
-        break;
-    case L2_PORT_EGRESS_MCAST:
-        r.mc_ctrl = v;
-        _mask_set(mask, cib_epro_epat_table__mc_ctrl);
-        break;
-    default:
-        r.bc_ctrl = v;
-        _mask_set(mask, cib_epro_epat_table__bc_ctrl);
-        break;
-    }
+    _mask_set(mask, f.member);
     return csl_reef_cib_epro_epat_table_set(chip_id, 0, port, &r, mask);
 }
 
@@ -1260,8 +1253,7 @@ i32 dpl_reef_l2_port_control_get(u32 chip_id, u32 port, u32 id, u32 *value)
     }
     cib_epro_epat_table_t r{};
     rc = csl_reef_cib_epro_epat_table_get(chip_id, 0, port, &r);
-    const u8 egress[4] = {r.unuc_ctrl, r.unmc_ctrl, r.mc_ctrl, r.bc_ctrl};
-    *value = id == L2_PORT_EGRESS_BRIDGE ? r.port_bridge_en : egress[id - L2_PORT_EGRESS_UNKNOWN_UCAST];
+    *value = r.*kEpat[id - L2_PORT_EGRESS_BRIDGE].field;
     return rc;
 }
 
