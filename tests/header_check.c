@@ -3,6 +3,7 @@
 #include <tide/cli.h>
 #include <tide/hal_os.h>
 #include <tide/init.h>
+#include <tide/l2.h>
 #include <tide/port.h>
 #include <tide/shr.h>
 #include <tide/sim.h>
@@ -15,5 +16,6 @@ int tide_header_check(void)
 {
     sdk_init_cfg cfg = {0};
     port_config config = {0};
-    return (int)sizeof(cfg) + (int)sizeof(hal_devio) + (int)sizeof(config.pbmp[0]);
+    l2_addr addr = {0};
+    return (int)sizeof(cfg) + (int)sizeof(hal_devio) + (int)sizeof(config.pbmp[0]) + (int)sizeof(addr);
 }

@@ -8,6 +8,7 @@
 #include <tide/base.h>
 #include <tide/cli.h>
 #include <tide/init.h>
+#include <tide/l2.h>
 #include <tide/port.h>
 #include <tide/shr.h>
 #include <tide/stub.h>

@@ -12,6 +12,7 @@
 
 #include <tide/base.h>
 #include <tide/init.h>
+#include <tide/l2.h>
 #include <tide/port.h>
 
 #include "api/api_guard.h"
@@ -132,5 +133,69 @@ API_DECLARE_FAMILY(base, TIDE_BASE_OPS)
     OP(reset, (u32 chip_id, u32 lport, u32 reset_flag), (chip_id, lport, reset_flag))
 
 API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
+
+/* ---- l2: 51 slots; PTRS marks the operations whose pointer arguments the
+ * guard checks before the chip ------------------------------------------- */
+#define TIDE_L2_OPS(OP)                                                                                     \
+    OP(addr_add, (u32 chip_id, l2_addr *addr), (chip_id, addr), PTRS)                                       \
+    OP(addr_replace, (u32 chip_id, l2_addr *addr), (chip_id, addr), PTRS)                                   \
+    OP(addr_del, (u32 chip_id, l2_addr *addr), (chip_id, addr), PTRS)                                       \
+    OP(addr_get, (u32 chip_id, l2_addr *addr), (chip_id, addr), PTRS)                                       \
+    OP(addr_get_by_index, (u32 chip_id, u32 index, l2_addr *addr), (chip_id, index, addr), PTRS)            \
+    OP(addr_next_entry_get, (u32 chip_id, u32 *cursor, l2_addr *addr), (chip_id, cursor, addr), PTRS)       \
+    OP(addr_traverse, (u32 chip_id, l2_addr_traverse_cb fn, void *user), (chip_id, fn, user), )             \
+    OP(addr_batched_del, (u32 chip_id, l2_addr *addr, u32 compare, u32 *count),                             \
+       (chip_id, addr, compare, count), PTRS)                                                               \
+    OP(addr_batched_search, (u32 chip_id, l2_addr *addr, u32 compare, u32 *count),                          \
+       (chip_id, addr, compare, count), PTRS)                                                               \
+    OP(multicast_create, (u32 chip_id, u32 flags, u32 *mgid), (chip_id, flags, mgid), PTRS)                 \
+    OP(multicast_bitmap_get, (u32 chip_id, u32 mgid, l2_multicast_bitmap *bitmap), (chip_id, mgid, bitmap), \
+       PTRS)                                                                                                \
+    OP(multicast_bitmap_set, (u32 chip_id, u32 mgid, l2_multicast_bitmap *bitmap), (chip_id, mgid, bitmap), \
+       PTRS)                                                                                                \
+    OP(multicast_port_add, (u32 chip_id, u32 mgid, u64 port), (chip_id, mgid, port), )                      \
+    OP(multicast_port_delete, (u32 chip_id, u32 mgid, u64 port), (chip_id, mgid, port), )                   \
+    OP(multicast_port_attribute_set, (u32 chip_id, u32 mgid, u64 port, l2_multicast_port_attr *attr),       \
+       (chip_id, mgid, port, attr), PTRS)                                                                   \
+    OP(multicast_port_attribute_get, (u32 chip_id, u32 mgid, u64 port, l2_multicast_port_attr *attr),       \
+       (chip_id, mgid, port, attr), PTRS)                                                                   \
+    OP(multicast_destroy, (u32 chip_id, u32 mgid), (chip_id, mgid), )                                       \
+    OP(mac_clear_all, (u32 chip_id), (chip_id), )                                                           \
+    OP(age_control_get, (u32 chip_id, u32 id, u32 *value), (chip_id, id, value), PTRS)                      \
+    OP(age_control_set, (u32 chip_id, u32 id, u32 value), (chip_id, id, value), )                           \
+    OP(learn_control_get, (u32 chip_id, u32 id, u32 *value), (chip_id, id, value), PTRS)                    \
+    OP(learn_control_set, (u32 chip_id, u32 id, u32 value), (chip_id, id, value), )                         \
+    OP(control_get, (u32 chip_id, u32 id, u32 *value), (chip_id, id, value), PTRS)                          \
+    OP(control_set, (u32 chip_id, u32 id, u32 value), (chip_id, id, value), )                               \
+    OP(port_control_get, (u32 chip_id, u32 port, u32 id, u32 *value), (chip_id, port, id, value), PTRS)     \
+    OP(port_control_set, (u32 chip_id, u32 port, u32 id, u32 value), (chip_id, port, id, value), )          \
+    OP(vlan_control_get, (u32 chip_id, u32 vid, u32 id, u32 *value), (chip_id, vid, id, value), PTRS)       \
+    OP(vlan_control_set, (u32 chip_id, u32 vid, u32 id, u32 value), (chip_id, vid, id, value), )            \
+    OP(port_move_pri_get, (u32 chip_id, l2_port_move_pri *pri), (chip_id, pri), PTRS)                       \
+    OP(port_move_pri_set, (u32 chip_id, l2_port_move_pri *pri), (chip_id, pri), PTRS)                       \
+    OP(learn_limit_get, (u32 chip_id, l2_learn_limit *limit), (chip_id, limit), PTRS)                       \
+    OP(learn_limit_set, (u32 chip_id, l2_learn_limit *limit), (chip_id, limit), PTRS)                       \
+    OP(mac_cnt_get, (u32 chip_id, u32 type, u32 *count), (chip_id, type, count), PTRS)                      \
+    OP(addr_freeze, (u32 chip_id), (chip_id), )                                                             \
+    OP(addr_unfreeze, (u32 chip_id), (chip_id), )                                                           \
+    OP(addr_register, (u32 chip_id, l2_addr_callback fn, void *user), (chip_id, fn, user), )                \
+    OP(addr_unregister, (u32 chip_id, l2_addr_callback fn), (chip_id, fn), )                                \
+    OP(protocol_add, (u32 chip_id, l2_protocol *entry), (chip_id, entry), PTRS)                             \
+    OP(protocol_get, (u32 chip_id, l2_protocol *entry), (chip_id, entry), PTRS)                             \
+    OP(protocol_delete, (u32 chip_id, l2_protocol *entry), (chip_id, entry), )                              \
+    OP(protocol_delete_all, (u32 chip_id), (chip_id), )                                                     \
+    OP(protocol_search, (u32 chip_id, l2_protocol *entry), (chip_id, entry), PTRS)                          \
+    OP(protocol_traverse, (u32 chip_id, l2_protocol_traverse_cb fn, void *user), (chip_id, fn, user), )     \
+    OP(sync_start, (u32 chip_id), (chip_id), )                                                              \
+    OP(sync_stop, (u32 chip_id), (chip_id), )                                                               \
+    OP(thread_is_idling, (u32 chip_id), (chip_id), )                                                        \
+    OP(thread_set_idling, (u32 chip_id, u32 idling), (chip_id, idling), )                                   \
+    OP(thread_is_running, (u32 chip_id), (chip_id), )                                                       \
+    OP(sync_get, (u32 chip_id, u32 *state), (chip_id, state), )                                             \
+    OP(mac_entry_size_get, (u32 chip_id, u32 *size), (chip_id, size), )                                     \
+    OP(mac_msg_parse, (u32 chip_id, const u8 *buf, u32 len, l2_addr *out, u32 *count),                      \
+       (chip_id, buf, len, out, count), )
+
+API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

@@ -12,6 +12,8 @@
 #ifndef TIDE_API_GUARD_H
 #define TIDE_API_GUARD_H
 
+#include <type_traits>
+
 #include "tide_int.h"
 
 #define API_FAMILY_SLOTS 3u
@@ -47,6 +49,27 @@ inline i32 dispatch_ptr(const void *ptr, const Table *const (&family)[API_FAMILY
     return dispatch<Slot>(family, chip_id, args...);
 }
 
+template <typename T>
+constexpr bool null_arg(T v)
+{
+    if constexpr (std::is_pointer_v<T>) {
+        return v == nullptr;
+    } else {
+        return false;
+    }
+}
+
+// The same check for every pointer among the arguments.
+template <auto Slot, typename Table, typename... Args>
+inline i32 dispatch_ptrs(const Table *const (&family)[API_FAMILY_SLOTS], u32 chip_id, Args... args)
+{
+    if ((... || null_arg(args))) {
+        SHR_LOG_ERR(SHR_NO_CHIP, SHR_MOD_TOP, "NULL pointer!\n");
+        return SHR_E_NULL_PTR;
+    }
+    return dispatch<Slot>(family, chip_id, args...);
+}
+
 // A function of a family that the reef family does not implement.
 inline i32 stub(u32 chip_id)
 {
@@ -72,11 +95,12 @@ inline i32 stub_ptr(u32 chip_id, const void *ptr, u32 module_id, const char *wha
 /*
  * Family tables from a list of operations.  A family lists its operations
  * once, in slot order, as OP(name, (parameters with chip_id first),
- * (arguments)); these macros make the table type, the dispatch array and
+ * (arguments)), with a fourth element where the family's guards differ
+ * by operation; these macros make the table type, the dispatch array and
  * the exported functions from it.
  */
 #define API_UNPAREN(...) __VA_ARGS__
-#define API_TABLE_SLOT(name, params, args) i32(*name) params;
+#define API_TABLE_SLOT(name, params, args, ...) i32(*name) params;
 #define API_DECLARE_FAMILY(module, LIST)                                                   \
     extern "C" {                                                                          \
     typedef struct reef_##module##_dispatch_t {                                           \
@@ -94,6 +118,13 @@ inline i32 stub_ptr(u32 chip_id, const void *ptr, u32 module_id, const char *wha
     extern "C" i32 module##_api_##name params                                                     \
     {                                                                                             \
         return tide::api::dispatch<&reef_##module##_dispatch_t::name>(module##_dispatch, API_UNPAREN args); \
+    }
+
+// The form whose pointer arguments are checked before the chip.
+#define API_EXPORT_FN_PTRS(module, name, params, args)                                                  \
+    extern "C" i32 module##_api_##name params                                                           \
+    {                                                                                                   \
+        return tide::api::dispatch_ptrs<&reef_##module##_dispatch_t::name>(module##_dispatch, API_UNPAREN args); \
     }
 
 #endif /* TIDE_API_GUARD_H */

@@ -146,6 +146,15 @@ void SimChips::TearDown()
     restore_hal_tables();
 }
 
+void kelpreef_identity_set(uint32_t chip)
+{
+    tide_sim_identity id{};
+    ASSERT_EQ(tide_sim_identity_get(chip, &id), 0);
+    id.device_id = 0x9228;
+    id.revision = 0;
+    ASSERT_EQ(tide_sim_identity_set(chip, &id), 0);
+}
+
 void restore_hal_tables()
 {
     // Register hooks stay in the shared table after tear-down; a test that

@@ -66,6 +66,10 @@ protected:
     std::vector<bool> up_;
 };
 
+// Makes the model report a kelpreef chip (device 0x9228, revision 0) for
+// `chip`, before the SDK attaches it.
+void kelpreef_identity_set(uint32_t chip);
+
 // Puts the library's own register slots back into the HAL tables.
 void restore_hal_tables();
 

@@ -771,11 +771,7 @@ protected:
 
 TEST_F(PortSibling, HasNoPortDriver)
 {
-    tide_sim_identity id{};
-    ASSERT_EQ(tide_sim_identity_get(0, &id), 0);
-    id.device_id = 0x9228;
-    id.revision = 0;
-    ASSERT_EQ(tide_sim_identity_set(0, &id), 0);
+    tide::test::kelpreef_identity_set(0);
     ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
     EXPECT_EQ(shr_chip_type_get(0), 1u);
     u32 v = 0;

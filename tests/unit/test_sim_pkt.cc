@@ -1,8 +1,9 @@
 // The model's packet path end to end: the SDK's chip brought up on the
 // model, VLAN 1 made by hand (ports 0 to 27 untagged), frames injected on
-// ports and read back where they left.  Programming goes through the
-// generated accessors and the by-name field door; the MAC table through its
-// command block (support/sim_arl.h) until the L2 service exists.
+// ports and read back where they left.  L2 settings and addresses go
+// through the L2 service; what has no service yet (VLAN rows, egress rows,
+// aging switches) through the generated accessors and the by-name field
+// door.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -19,9 +20,7 @@
 #include "app/tided/bootstrap_vlan.h"
 #include "atolreef_cib.h"
 #include "support/fixture.h"
-#include "support/sim_arl.h"
 
-using tide::test::ArlImage;
 using tide::test::SimChips;
 
 namespace {
@@ -124,7 +123,6 @@ protected:
         return rec.causeid_stat_result_pkt_num;
     }
 
-    void ipat(uint32_t port, const char *field, uint64_t value) { table("ipro_ipat_tbl", port, field, value); }
     void table(const char *name, uint32_t index, const char *field, uint64_t value)
     {
         base_field_op op{};
@@ -137,42 +135,71 @@ protected:
         op.data_bytes = sizeof(value);
         ASSERT_EQ(base_api_field_set(0, &op), 0) << name << "." << field;
     }
-    void glb(const std::function<void(cib_arl_arl_glb_cfg_t &)> &change)
-    {
-        rmw<cib_arl_arl_glb_cfg_t>(csl_reef_cib_arl_arl_glb_cfg_get, csl_reef_cib_arl_arl_glb_cfg_set, 0, change);
-    }
     void lrn(const std::function<void(cib_arl_age_lrn_cfg0_t &)> &change)
     {
         rmw<cib_arl_age_lrn_cfg0_t>(csl_reef_cib_arl_age_lrn_cfg0_get, csl_reef_cib_arl_age_lrn_cfg0_set, 0,
                                     change);
     }
 
-    // Where the MAC table has (mac, vlan): its port, or -1.
+    static l2_addr key(uint64_t mac, uint32_t vlan)
+    {
+        l2_addr a{};
+        a.flags = L2_FLAG_KEY_VID;
+        for (int i = 5; i >= 0; i--) {
+            a.mac[i] = static_cast<uint8_t>(mac);
+            mac >>= 8;
+        }
+        a.vid = static_cast<uint16_t>(vlan);
+        return a;
+    }
+
+    // Where the L2 service finds (mac, vlan): its port, or -1.
     int station(uint64_t mac, uint32_t vlan = 1)
     {
-        ArlImage e;
-        return tide::test::arl_search(0, mac, vlan, &e) ? static_cast<int>(e.port()) : -1;
+        l2_addr a = key(mac, vlan);
+        const int32_t rc = l2_api_addr_get(0, &a);
+        EXPECT_TRUE(rc == 0 || rc == -7) << rc;
+        return rc == 0 ? static_cast<int>(a.port) : -1;
     }
 
-    void add_static(uint64_t mac, uint32_t port, uint32_t blk_bits = 0)
+    void add(uint64_t mac, uint32_t port, uint32_t flags)
     {
-        ArlImage e = tide::test::mac_entry(mac, 1, true, port);
-        e.set(0, 2, blk_bits); // bit 1 dst_blk_list, bit 0 src_blk_list
-        ASSERT_EQ(tide::test::arl_command(0, 0, e).fail, 0u);
+        l2_addr a = key(mac, 1);
+        a.flags |= L2_FLAG_DEST_PORT | flags;
+        a.port = port;
+        ASSERT_EQ(l2_api_addr_add(0, &a), 0);
     }
+    void add_static(uint64_t mac, uint32_t port, uint32_t flags = 0) { add(mac, port, flags); }
 
-    cib_arl_age_lrn_cfg1_t floats()
+    uint32_t moves(uint32_t type)
     {
-        cib_arl_age_lrn_cfg1_t rec{};
-        EXPECT_EQ(csl_reef_cib_arl_age_lrn_cfg1_get(0, 0, &rec), 0);
-        return rec;
+        uint32_t n = 0;
+        EXPECT_EQ(l2_api_mac_cnt_get(0, type, &n), 0);
+        return n;
     }
 
     uint32_t port_macs(uint32_t port)
     {
-        cib_arl_port_lmt_cnt_t rec{};
-        EXPECT_EQ(csl_reef_cib_arl_port_lmt_cnt_get(0, port, &rec), 0);
-        return rec.port_mac_cnt;
+        l2_learn_limit l{};
+        l.flags = L2_LIMIT_PORT;
+        l.port = port;
+        EXPECT_EQ(l2_api_learn_limit_get(0, &l), 0);
+        return l.mac_cnt;
+    }
+
+    void control(uint32_t id, uint32_t value) { ASSERT_EQ(l2_api_control_set(0, id, value), 0); }
+    void port_control(uint32_t port, uint32_t id, uint32_t value)
+    {
+        ASSERT_EQ(l2_api_port_control_set(0, port, id, value), 0);
+    }
+
+    void move_pri(uint32_t port, uint8_t pri)
+    {
+        l2_port_move_pri p{};
+        p.id = port;
+        p.enable = 1;
+        p.pri = pri;
+        ASSERT_EQ(l2_api_port_move_pri_set(0, &p), 0);
     }
 };
 
@@ -215,9 +242,9 @@ TEST_F(SimPkt, StaticEntriesWinAndTheirBlockBitsDrop)
     EXPECT_EQ(out_ports(), 0u);
     EXPECT_EQ(station(kB), 5);
     EXPECT_EQ(cause(594), 1u);
-    EXPECT_EQ(floats().float_fail_cnt, 1u);
+    EXPECT_EQ(moves(L2_CNT_MOVE_FAIL), 1u);
     // With sta_float_act 1 the CPU gets it.
-    glb([](cib_arl_arl_glb_cfg_t &g) { g.sta_float_act = 1; });
+    control(L2_CTRL_STATIC_MOVE_ACT, 1);
     in(3, eth(kA, kB));
     tide_sim_frame_info info{};
     ASSERT_EQ(tide_sim_packet_peek(0, 31, 0, nullptr, 0, &info), 0);
@@ -226,11 +253,11 @@ TEST_F(SimPkt, StaticEntriesWinAndTheirBlockBitsDrop)
     EXPECT_EQ(out_ports(), bit(31));
     EXPECT_EQ(cause(1024 + 311), 1u);
 
-    add_static(kC, 6, 2); // dst_blk_list
+    add_static(kC, 6, L2_FLAG_DST_DROP);
     in(1, eth(kC, kA));
     EXPECT_EQ(out_ports(), 0u);
     EXPECT_EQ(cause(588), 1u);
-    add_static(0x02000000000Dull, 7, 1); // src_blk_list
+    add_static(0x02000000000Dull, 7, L2_FLAG_SRC_DROP);
     in(7, eth(kA, 0x02000000000Dull));
     EXPECT_EQ(out_ports(), 0u);
     EXPECT_EQ(cause(589), 1u);
@@ -276,11 +303,12 @@ TEST_F(SimPkt, AgingRunsOnTheModelsClock)
 
 TEST_F(SimPkt, LearnLimitsRefuseTheNextStationAndCountersAgree)
 {
-    rmw<cib_arl_port_lmt_cnt_t>(csl_reef_cib_arl_port_lmt_cnt_get, csl_reef_cib_arl_port_lmt_cnt_set, 3,
-                                [](cib_arl_port_lmt_cnt_t &r) {
-                                    r.port_lmt_en = 1;
-                                    r.port_lmt_cnt = 2;
-                                });
+    l2_learn_limit lim{};
+    lim.flags = L2_LIMIT_PORT | L2_LIMIT_ENABLE | L2_LIMIT_VALUE;
+    lim.port = 3;
+    lim.limit_en = 1;
+    lim.limit_value = 2;
+    ASSERT_EQ(l2_api_learn_limit_set(0, &lim), 0);
     for (uint64_t mac = 1; mac <= 3; mac++) {
         in(3, eth(kBroadcast, 0x020000000100ull + mac));
     }
@@ -291,17 +319,21 @@ TEST_F(SimPkt, LearnLimitsRefuseTheNextStationAndCountersAgree)
     // Without the over-limit action the third was still forwarded.
     EXPECT_EQ(out().size(), 27u);
     // With it (drop), the next new station is dropped.
-    ipat(3, "port_mac_lmt", 1);
-    ipat(3, "mac_lmt_dlf", 0);
+    lim.flags = L2_LIMIT_PORT | L2_LIMIT_OVER_LIMIT_EN | L2_LIMIT_OVER_ACT;
+    lim.over_limit_en = 1;
+    lim.over_act = 0;
+    ASSERT_EQ(l2_api_learn_limit_set(0, &lim), 0);
     in(3, eth(kBroadcast, 0x020000000104ull));
     EXPECT_EQ(out_ports(), 0u);
     EXPECT_EQ(cause(591), 1u);
 
     // The global limit counts every dynamic entry, learned or inserted.
-    lrn([](cib_arl_age_lrn_cfg0_t &c) { c.glb_lmt_en = 1; });
-    rmw<cib_arl_glb_lmt_cnt_t>(csl_reef_cib_arl_glb_lmt_cnt_get, csl_reef_cib_arl_glb_lmt_cnt_set, 0,
-                               [](cib_arl_glb_lmt_cnt_t &r) { r.dynamic_lmt_cnt = 3; });
-    ASSERT_EQ(tide::test::arl_command(0, 0, tide::test::mac_entry(kC, 1, false, 9)).fail, 0u);
+    l2_learn_limit glb{};
+    glb.flags = L2_LIMIT_GLOBAL | L2_LIMIT_ENABLE | L2_LIMIT_VALUE;
+    glb.limit_en = 1;
+    glb.limit_value = 3;
+    ASSERT_EQ(l2_api_learn_limit_set(0, &glb), 0);
+    add(kC, 9, L2_FLAG_DYNAMIC);
     in(4, eth(kBroadcast, kA));
     EXPECT_EQ(station(kA), -1);
     EXPECT_EQ(cause(590), 1u);
@@ -318,30 +350,31 @@ TEST_F(SimPkt, StationMovesFollowTheMovePriorities)
     EXPECT_EQ(station(kA), 2);
     EXPECT_EQ(port_macs(1), 0u);
     EXPECT_EQ(port_macs(2), 1u);
-    EXPECT_EQ(floats().float_succ_cnt, 1u);
+    EXPECT_EQ(moves(L2_CNT_MOVE_OK), 1u);
 
     // Port 2 at priority 2 keeps the station against port 4 at priority 1.
-    rmw<cib_arl_port_ppri_t>(csl_reef_cib_arl_port_ppri_get, csl_reef_cib_arl_port_ppri_set, 0,
-                             [](cib_arl_port_ppri_t &r) { r.port_ppri = 0x44456644; });
+    for (uint32_t port = 0; port < 8; port++) {
+        move_pri(port, port == 2 || port == 3 ? 2 : port == 4 ? 1 : 0);
+    }
     in(4, eth(kBroadcast, kA));
     EXPECT_EQ(station(kA), 2);
     EXPECT_EQ(out_ports(), 0u); // mac_float_fail_act 0 drops
     EXPECT_EQ(cause(593), 1u);
-    EXPECT_EQ(floats().float_fail_cnt, 1u);
-    glb([](cib_arl_arl_glb_cfg_t &g) { g.mac_float_fail_act = 1; });
+    EXPECT_EQ(moves(L2_CNT_MOVE_FAIL), 1u);
+    control(L2_CTRL_MOVE_FAIL_ACT, 1);
     in(4, eth(kBroadcast, kA));
     EXPECT_EQ(out_ports(), kFront & ~bit(4));
     EXPECT_EQ(station(kA), 2);
     // Port 3 at priority 2 may take it, unless mac_float_pfe leaves out
     // priority 2.
-    glb([](cib_arl_arl_glb_cfg_t &g) { g.mac_float_pfe = 0xB; });
+    control(L2_CTRL_MOVE_PRI_MASK, 0xB);
     in(3, eth(kBroadcast, kA));
     EXPECT_EQ(station(kA), 2);
-    glb([](cib_arl_arl_glb_cfg_t &g) { g.mac_float_pfe = 0xF; });
+    control(L2_CTRL_MOVE_PRI_MASK, 0xF);
     in(3, eth(kBroadcast, kA));
     EXPECT_EQ(station(kA), 3);
-    EXPECT_EQ(floats().float_succ_cnt, 2u);
-    EXPECT_EQ(floats().float_fail_cnt, 3u);
+    EXPECT_EQ(moves(L2_CNT_MOVE_OK), 2u);
+    EXPECT_EQ(moves(L2_CNT_MOVE_FAIL), 3u);
 }
 
 TEST_F(SimPkt, BroadcastWithNoneOneAndTwoTags)
@@ -436,7 +469,7 @@ TEST_F(SimPkt, RuntOversizeAndBadInputNeverCrash)
 TEST_F(SimPkt, ControlsOfFloodingLearningAndEgress)
 {
     // Port 6 copies unknown unicast to the CPU and floods it.
-    ipat(6, "unuc_tocp", 1);
+    port_control(6, L2_PORT_UNKNOWN_UCAST_ACT, 3);
     const Frame f = eth(kB, kA);
     in(6, f);
     tide_sim_frame_info info{};
@@ -445,10 +478,10 @@ TEST_F(SimPkt, ControlsOfFloodingLearningAndEgress)
     EXPECT_EQ(out_ports(&f), (kFront & ~bit(6)) | bit(31));
     EXPECT_EQ(cause(1024 + 306), 1u);
     // Without flooding it is redirected; with neither it is dropped.
-    ipat(6, "unuc_broad", 0);
+    port_control(6, L2_PORT_UNKNOWN_UCAST_ACT, 2);
     in(6, f);
     EXPECT_EQ(out_ports(), bit(31));
-    ipat(6, "unuc_tocp", 0);
+    port_control(6, L2_PORT_UNKNOWN_UCAST_ACT, 0);
     in(6, f);
     EXPECT_EQ(out_ports(), 0u);
     EXPECT_EQ(cause(587), 1u);
@@ -461,22 +494,22 @@ TEST_F(SimPkt, ControlsOfFloodingLearningAndEgress)
 
     // A port that does not learn: the station stays unknown; with its
     // not-learn drop the frame goes too.
-    ipat(8, "mac_lrn_mode", 0);
+    port_control(8, L2_PORT_LEARN_MODE, 1);
     in(8, eth(kBroadcast, 0x020000000008ull));
     EXPECT_EQ(station(0x020000000008ull), -1);
     EXPECT_EQ(out().size(), 27u);
-    ipat(8, "nolrn_discard", 1);
+    port_control(8, L2_PORT_LEARN_MODE, 2);
     in(8, eth(kBroadcast, 0x020000000008ull));
     EXPECT_EQ(out_ports(), 0u);
     EXPECT_EQ(cause(596), 1u);
     // Software learning: the CPU gets a copy and the chip learns nothing.
-    glb([](cib_arl_arl_glb_cfg_t &g) { g.lrn_mode = 0; });
+    control(L2_CTRL_LEARN_MODE, 0);
     in(9, eth(kBroadcast, 0x020000000009ull));
     EXPECT_EQ(station(0x020000000009ull), -1);
     ASSERT_EQ(tide_sim_packet_peek(0, 31, 0, nullptr, 0, &info), 0);
     EXPECT_EQ(info.cause, 312u);
     out();
-    glb([](cib_arl_arl_glb_cfg_t &g) { g.lrn_mode = 1; });
+    control(L2_CTRL_LEARN_MODE, 1);
 
     // Egress: an unknown-unicast block, a flushed port, the egress VLAN
     // check and an invalid port row each stop their copy alone.
@@ -582,7 +615,7 @@ TEST_F(SimPkt, CaptureFileShowsEveryFrameWithItsPortAndDirection)
     in(0, f);                        // floods to 1 and 2
     in(1, eth(kA, kB));              // to 0
     in(2, eth(kA, kB, {}, 40));      // a runt, dropped
-    ipat(2, "unuc_tocp", 1);
+    port_control(2, L2_PORT_UNKNOWN_UCAST_ACT, 3);
     in(2, eth(kC, kB));              // copied to the CPU
     ASSERT_EQ(tide_sim_pcap_close(0), 0);
 

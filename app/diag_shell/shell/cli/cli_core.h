@@ -214,6 +214,8 @@ typedef struct cli_legacy_cmd {
     X("pgc", 26) X("port-isolate", 27) X("dos", 28) X("pkt", 29) X("mdio", 30) X("keepalive", 31) \
     X("product", 32) X("debug", 33) X("counter", 34) X("keth", 35) X("common", 36) X("phy", 37) \
     X("sflow", 38) X("tas", 39) X("interrupt", 40) X("led", 41) X("storm", 42) X("sim", 43)
+/* Modes that the library's command families install into. */
+#define CLI_MODE_L2 3u
 /* Our own mode, after the chip's: the chip model's commands. */
 #define CLI_MODE_SIM 43u
 

@@ -158,10 +158,7 @@ cli_cmd_item g_cli_config_items[k_config_count];
 
 template <u32 N> void _link(cli_cmd_desc (&desc)[N], cli_cmd_item (&items)[N], u32 mode)
 {
-    for (u32 i = 0; i < N; i++) {
-        items[i] = {&desc[i], mode, 0, CLI_PRIV_MAX, {}};
-    }
-    cli_cmd_items_link(items, N);
+    cli_cmd_descs_link(desc, items, N, mode);
 }
 
 } // namespace

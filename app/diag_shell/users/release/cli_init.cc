@@ -65,6 +65,14 @@ void cli_cmd_init_view(void)
     }
 }
 
+void cli_cmd_descs_link(cli_cmd_desc *descs, cli_cmd_item *items, u32 count, u32 mode)
+{
+    for (u32 i = 0; i < count; i++) {
+        items[i] = {&descs[i], mode, 0, CLI_PRIV_MAX, {}};
+    }
+    cli_cmd_items_link(items, count);
+}
+
 void cli_cmd_init_all(void)
 {
     if (g_cli_cmd_inited) {
@@ -74,6 +82,7 @@ void cli_cmd_init_all(void)
     // The command families link their records here, in their order, ahead
     // of the commands that every mode has; the chip model's own commands
     // come after the chip's families.
+    cli_cmd_init_l2();
     cli_cmd_init_port();
     cli_cmd_init_config();
     cli_cmd_init_common();

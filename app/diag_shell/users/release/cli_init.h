@@ -32,7 +32,12 @@ void cli_cmd_init_all(void);
  * `chip-id`. */
 void cli_cmd_init_view(void);
 
+/* Places `count` command records in `mode` (priority 15, no flags) through
+ * their items and links them onto the init list. */
+void cli_cmd_descs_link(cli_cmd_desc *descs, cli_cmd_item *items, u32 count, u32 mode);
+
 /* The command families, in the order of the init list. */
+void cli_cmd_init_l2(void);
 void cli_cmd_init_config(void);
 void cli_cmd_init_common(void);
 

@@ -298,8 +298,5 @@ cli_cmd_item g_sim_items[k_sim_commands];
 
 extern "C" void cli_cmd_init_sim(void)
 {
-    for (u32 i = 0; i < k_sim_commands; i++) {
-        g_sim_items[i] = {&g_sim_desc[i], CLI_MODE_SIM, 0, CLI_PRIV_MAX, {}};
-    }
-    cli_cmd_items_link(g_sim_items, k_sim_commands);
+    cli_cmd_descs_link(g_sim_desc, g_sim_items, k_sim_commands, CLI_MODE_SIM);
 }

@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "csl/common/reg_tab/csl_reg.h"
+#include "csl/reef/reg_tbl/csl_reef_hash_tab_op.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 
 namespace {
@@ -157,7 +158,7 @@ int csl_reef_reg_tab_soft_init(u32 chip_id)
     if (csl_write_file_lock_init(chip_id) != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[Base init] create write file lock failed!\n");
     }
-    return 0;
+    return csl_reef_hash_tab_soft_init(chip_id);
 }
 
 int csl_reef_reg_tab_soft_deinit(u32 chip_id)
@@ -173,13 +174,13 @@ int csl_reef_reg_tab_soft_deinit(u32 chip_id)
     csl_reg_tab_cm_free(chip_id);
     csl_reef_module_lock_deinit(chip_id);
     csl_write_file_lock_deinit(chip_id);
+    csl_reef_hash_tab_soft_deinit(chip_id);
     return rc;
 }
 
 int csl_reef_reg_tab_hw_init(u32 chip_id)
 {
-    (void)chip_id;
-    return 0;
+    return csl_reef_hash_tab_hw_init(chip_id);
 }
 
 int csl_reef_module_lock_init(u32 chip_id)

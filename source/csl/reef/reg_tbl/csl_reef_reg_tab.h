@@ -121,6 +121,12 @@ int csl_reef_table_debug_out_data(u32 chip_id, const csl_table_data *entry);
 /* Bytes of the text a RAM test collects. */
 #define CSL_RAM_BIST_TEXT_BYTES 80000u
 
+/* Appends to a report of CSL_RAM_BIST_TEXT_BYTES bytes while more than 200
+ * of them are left. */
+void csl_ram_bist_report(char *text, const char *format, ...) TIDE_PRINTF(2, 3);
+/* The random source of the test patterns. */
+u32 csl_ram_bist_rand(void);
+
 /* Patterns of csl_reef_tab_test_data_get. */
 #define CSL_BIST_ZEROS 0u
 #define CSL_BIST_ONES 1u

@@ -14,22 +14,19 @@
 
 namespace {
 
-// Tables whose entries do not read back as written: their keys.
-constexpr u32 kTabEncSak = 211; // xsec_enc_enc_sak_tbl
-constexpr u32 kTabDecSak = 234; // xsec_dec_dec_sak_tbl
-// sch_que_shap_tbl: its first 7 bytes hold state that the shaper updates.
-constexpr u32 kTabQueShap = 515;
-constexpr u32 kQueShapSkipBytes = 7;
-
-// The report takes a failure only while more than this is left of it.
-constexpr u32 kTextReserve = 200;
-
 // The random source of the patterns: a linear congruential generator,
 // seeded from the clock at its first use.
 u32 g_bist_rand_state;
 bool g_bist_rand_seeded;
 
-u32 _bist_rand()
+// The report takes a failure only while more than this is left of it.
+constexpr u32 kTextReserve = 200;
+
+} // namespace
+
+extern "C" {
+
+u32 csl_ram_bist_rand(void)
 {
     if (!g_bist_rand_seeded) {
         g_bist_rand_state = static_cast<u32>(xsal_time_usecs());
@@ -39,14 +36,7 @@ u32 _bist_rand()
     return g_bist_rand_state;
 }
 
-bool _is_rw(const cib_field_info &f)
-{
-    return f.access == CIB_ACC_RW || f.access == CIB_ACC_RWW;
-}
-
-// Appends to the report while it has room to spare.
-void _report(char *text, const char *format, ...) TIDE_PRINTF(2, 3);
-void _report(char *text, const char *format, ...)
+void csl_ram_bist_report(char *text, const char *format, ...)
 {
     const u32 used = static_cast<u32>(strnlen(text, CSL_RAM_BIST_TEXT_BYTES));
     if (CSL_RAM_BIST_TEXT_BYTES - used <= kTextReserve) {
@@ -58,14 +48,32 @@ void _report(char *text, const char *format, ...)
     va_end(args);
 }
 
+} // extern "C"
+
+namespace {
+
+// Tables whose entries do not read back as written: their keys.
+constexpr u32 kTabEncSak = 211; // xsec_enc_enc_sak_tbl
+constexpr u32 kTabDecSak = 234; // xsec_dec_dec_sak_tbl
+// sch_que_shap_tbl: its first 7 bytes hold state that the shaper updates.
+constexpr u32 kTabQueShap = 515;
+constexpr u32 kQueShapSkipBytes = 7;
+
+
+bool _is_rw(const cib_field_info &f)
+{
+    return f.access == CIB_ACC_RW || f.access == CIB_ACC_RWW;
+}
+
+
 // The bytes of an entry, highest first.
 void _report_bytes(char *text, const char *label, const u8 *data, u32 bytes)
 {
-    _report(text, "%s(bytes %u): ", label, bytes);
+    csl_ram_bist_report(text, "%s(bytes %u): ", label, bytes);
     for (u32 i = bytes; i > 0; i--) {
-        _report(text, "%02x ", data[i - 1]);
+        csl_ram_bist_report(text, "%02x ", data[i - 1]);
     }
-    _report(text, "\n");
+    csl_ram_bist_report(text, "\n");
 }
 
 // The bytes of an entry that are compared.
@@ -120,13 +128,13 @@ int _test_entry(const BistRun &run, u32 pattern, u32 index)
     if (memcmp(run.wr + from, run.rd + from, run.bytes - from) == 0) {
         return 0;
     }
-    _report(run.text, " ram bist test fail information: ");
-    _report(run.text, " table name: %s   index: %u\n", run.tab->name, index);
-    _report(run.text, " write  value(hex high address  -->  low address)\n");
-    _report(run.text, "==============================================================================\n");
+    csl_ram_bist_report(run.text, " ram bist test fail information: ");
+    csl_ram_bist_report(run.text, " table name: %s   index: %u\n", run.tab->name, index);
+    csl_ram_bist_report(run.text, " write  value(hex high address  -->  low address)\n");
+    csl_ram_bist_report(run.text, "==============================================================================\n");
     _report_bytes(run.text, "write", run.wr, run.bytes);
     _report_bytes(run.text, " read", run.rd, run.bytes);
-    _report(run.text, "Ram bist is testing direct %s(%u) failed!\n", run.tab->name, run.tab_id);
+    csl_ram_bist_report(run.text, "Ram bist is testing direct %s(%u) failed!\n", run.tab->name, run.tab_id);
     return SHR_E_FAIL;
 }
 
@@ -170,7 +178,7 @@ int csl_reef_tab_test_data_get(u32 chip_id, u32 tab_id, u32 pattern, u8 *data, u
         if (pattern == CSL_BIST_ONES) {
             value = ~0ull;
         } else if (pattern == CSL_BIST_RANDOM) {
-            value = (static_cast<u64>(_bist_rand()) << 32) | _bist_rand();
+            value = (static_cast<u64>(csl_ram_bist_rand()) << 32) | csl_ram_bist_rand();
         }
         if (f.width < 64) {
             value &= (1ull << f.width) - 1;
@@ -213,7 +221,7 @@ int _csl_reef_direct_tab_test_single(u32 chip_id, u32 tab_id, u32 use_sample, ch
             }
         }
     }
-    _report(text, "Ram bist is testing direct %s done! \n", tab->name);
+    csl_ram_bist_report(text, "Ram bist is testing direct %s done! \n", tab->name);
     return rc;
 }
 

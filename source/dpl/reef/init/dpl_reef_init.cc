@@ -10,6 +10,7 @@
 #include "csl/common/port/csl_port.h"
 #include "csl/common/reg_tab/csl_reg.h"
 #include "dpl/reef/base/dpl_reef_base.h"
+#include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
@@ -29,10 +30,12 @@ struct dpl_step {
 constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
+    {"l2", dpl_reef_l2_soft_init, nullptr},
 };
 
 // Software deinit, in order.
 constexpr dpl_step kSoftDeinit[] = {
+    {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
 };
@@ -43,11 +46,13 @@ constexpr dpl_step kSoftDeinit[] = {
 constexpr dpl_step kHwInit[] = {
     {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
+    {"l2", dpl_reef_l2_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
 };
 
 // Hardware deinit, in order.
 constexpr dpl_step kHwDeinit[] = {
+    {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
 };
 
