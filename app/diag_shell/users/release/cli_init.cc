@@ -6,7 +6,6 @@
 
 #include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_init.h"
-#include "app/diag_shell/users/release/cli_port.h"
 
 namespace {
 

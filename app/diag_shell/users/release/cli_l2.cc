@@ -69,13 +69,7 @@ bool _ipv4(const char *word, u32 *out)
 // A port name of the operator into a logical port.
 bool _port(u32 chip_id, const char *word, u32 *lport)
 {
-    const i32 rc = cli_pport_to_lport(chip_id, word, lport);
-    if (rc != 0) {
-        cli_output_show(" chip_id: %u input port: %s convert to logical port failed.(errmsg = %s) \n", chip_id, word,
-                        shr_errmsg(rc));
-        return false;
-    }
-    return true;
+    return cli_pport_to_lport_checked(chip_id, word, lport) == 0;
 }
 
 bool _ipv6(const char *word, u8 out[16])
@@ -392,25 +386,7 @@ i32 _id_list_walk(const char *list, Fn fn)
 template <typename Fn>
 i32 _port_list_walk(u32 chip_id, const char *list, Fn fn)
 {
-    if (cli_pport_list_str_is_valid(list) != 0) {
-        cli_output_show("pport_list: %s is invalid!\n", list);
-        return SHR_E_PARAM;
-    }
-    std::string copy(list);
-    char *cursor = copy.data();
-    char name[CLI_PPORT_SIZE] = {};
-    i32 r = 0;
-    while ((r = cli_pport_str_get_from_port_list(&cursor, name, sizeof(name), name)) == 0) {
-        u32 lport = 0;
-        if (!_port(chip_id, name, &lport)) {
-            return SHR_E_PARAM;
-        }
-        const i32 rc = fn(lport);
-        if (rc != 0) {
-            return rc;
-        }
-    }
-    return r == 1 ? 0 : r;
+    return cli_pport_list_walk(chip_id, list, [&fn](u32 lport, const char *) { return fn(lport); });
 }
 
 // The number after a keyword, or a line and -4.

@@ -677,6 +677,16 @@ i32 cli_pport_to_lport(u32 chip_id, const char *pport, u32 *lport)
                                                         : SHR_E_NOT_SUPPORT;
 }
 
+i32 cli_pport_to_lport_checked(u32 chip_id, const char *pport, u32 *lport)
+{
+    const i32 rc = cli_pport_to_lport(chip_id, pport, lport);
+    if (rc != SHR_E_NONE) {
+        cli_output_show(" chip_id: %u input port: %s convert to logical port failed.(errmsg = %s) \n", chip_id,
+                        pport != nullptr ? pport : "(null)", shr_errmsg(rc));
+    }
+    return rc;
+}
+
 i32 cli_lport_to_pport(u32 chip_id, u32 lport, char *pport)
 {
     if (pport == nullptr) {

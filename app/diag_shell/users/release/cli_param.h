@@ -71,6 +71,9 @@ i32 cli_pport_list_str_is_valid(const char *list);
  * the end, -4 for an item that is not well formed. */
 i32 cli_pport_str_get_from_port_list(char **cursor, const char *previous, u32 room, char *out);
 i32 cli_pport_to_lport(u32 chip_id, const char *pport, u32 *lport);
+/* The same, printing " chip_id: %u input port: %s convert to logical port
+ * failed.(errmsg = %s) \n" when it fails. */
+i32 cli_pport_to_lport_checked(u32 chip_id, const char *pport, u32 *lport);
 /* `pport` has room for CLI_PPORT_SIZE bytes. */
 i32 cli_lport_to_pport(u32 chip_id, u32 lport, char *pport);
 /* Names of the ports of the bitmap separated by commas; -11 for an empty
@@ -101,6 +104,37 @@ extern u32 g_cli_key_check;
 i32 cli_key_support_check(u32 chip_id, i32 argc, char **argv, const cli_key_support *table, u32 rows);
 
 #ifdef __cplusplus
+}
+
+/* Calls `fn(lport, pport)` for each port of a port list, in order.  A chip
+ * that is not there (-3), a list that is not well formed (-4) and a name
+ * that names no port (its conversion status) end the walk with their line,
+ * as does the first failure of `fn`, which is returned; what was done
+ * before stays. */
+template <typename Fn>
+i32 cli_pport_list_walk(u32 chip_id, const char *list, Fn fn)
+{
+    if (cli_chip_valid_check(chip_id) != SHR_E_NONE) {
+        return SHR_E_UNIT;
+    }
+    if (cli_pport_list_str_is_valid(list) != SHR_E_NONE) {
+        cli_output_show("pport_list: %s is invalid!\n", list);
+        return SHR_E_PARAM;
+    }
+    char *cursor = const_cast<char *>(list);
+    char pport[CLI_PPORT_SIZE] = "";
+    /* After the check of the whole list only its end stops the walk. */
+    while (cli_pport_str_get_from_port_list(&cursor, pport, sizeof(pport), pport) == SHR_E_NONE) {
+        u32 lport = 0;
+        i32 rc = cli_pport_to_lport_checked(chip_id, pport, &lport);
+        if (rc == SHR_E_NONE) {
+            rc = fn(lport, static_cast<const char *>(pport));
+        }
+        if (rc != SHR_E_NONE) {
+            return rc;
+        }
+    }
+    return SHR_E_NONE;
 }
 #endif
 

@@ -15,13 +15,13 @@
 
 #include <tide/tide.h>
 
+#include "app/diag_shell/users/release/cli_init.h"
 #include "app/diag_shell/users/release/cli_param.h"
 #include "app/diag_shell/users/release/cli_port.h"
 #include "csl/common/port/csl_port.h"
 
 namespace {
 
-constexpr u32 k_mode_port = 8;
 // Room for the text of one port's basic information and alarm report.
 constexpr u32 k_basic_info_room = 256;
 constexpr u32 k_alm_info_room = 16384;
@@ -241,45 +241,6 @@ private:
 
 // ---- walking ports ----------------------------------------------------------------------
 
-i32 _cli_port_list_check(const char *list)
-{
-    if (cli_pport_list_str_is_valid(list) != SHR_E_NONE) {
-        cli_output_show("pport_list: %s is invalid!\n", list);
-        return SHR_E_PARAM;
-    }
-    return SHR_E_NONE;
-}
-
-// Runs `fn(lport, pport)` for each port of a port list, in order; the
-// first failure ends the walk.
-template <typename Fn>
-i32 _cli_port_list_each(u32 chip_id, const char *list, Fn fn)
-{
-    if (cli_chip_valid_check(chip_id) != SHR_E_NONE) {
-        return SHR_E_UNIT;
-    }
-    if (_cli_port_list_check(list) != SHR_E_NONE) {
-        return SHR_E_PARAM;
-    }
-    char *cursor = const_cast<char *>(list);
-    char pport[CLI_PPORT_SIZE] = "";
-    // After the check of the whole list only its end stops the walk.
-    while (cli_pport_str_get_from_port_list(&cursor, pport, sizeof(pport), pport) == SHR_E_NONE) {
-        u32 lport = 0;
-        i32 rc = cli_pport_to_lport(chip_id, pport, &lport);
-        if (rc != SHR_E_NONE) {
-            cli_output_show(" chip_id: %u input port: %s convert to logical port failed.(errmsg = %s) \n", chip_id,
-                            pport, shr_errmsg(rc));
-            return rc;
-        }
-        rc = fn(lport, static_cast<const char *>(pport));
-        if (rc != SHR_E_NONE) {
-            return rc;
-        }
-    }
-    return SHR_E_NONE;
-}
-
 // Runs `fn(lport, pport)` for each front port of the chip.
 template <typename Fn>
 i32 _cli_port_all_each(u32 chip_id, Fn fn)
@@ -302,7 +263,7 @@ i32 _cli_port_all_each(u32 chip_id, Fn fn)
     return SHR_E_NONE;
 }
 
-// `fn` for the walks above, with a heading printed before the first port:
+// `fn` for the walks of a port list or of all ports, with a heading printed before the first port:
 // a command that fails before any port prints none.
 template <typename Fn>
 auto _cli_port_headed(void (*heading)(), Fn fn)
@@ -322,7 +283,7 @@ auto _cli_port_headed(void (*heading)(), Fn fn)
 template <typename... V>
 i32 _cli_port_each_call(u32 chip_id, const char *list, const char *api, i32 (*fn)(u32, u32, V...), V... values)
 {
-    return _cli_port_list_each(chip_id, list, [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, list, [&](u32 lport, const char *pport) -> i32 {
         return _cli_port_call(pport, api, fn(chip_id, lport, values...));
     });
 }
@@ -337,7 +298,7 @@ struct _setting {
 template <typename Apply>
 i32 _cli_port_settings_each(u32 chip_id, const char *list, const std::vector<_setting> &settings, Apply apply)
 {
-    return _cli_port_list_each(chip_id, list, [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, list, [&](u32 lport, const char *pport) -> i32 {
         for (const _setting &s : settings) {
             const i32 rc = apply(lport, pport, s);
             if (rc != SHR_E_NONE) {
@@ -792,10 +753,7 @@ extern "C" {
 
 void cli_cmd_init_port(void)
 {
-    for (u32 i = 0; i < k_port_count; i++) {
-        g_cli_port_items[i] = {&g_cli_port_desc[i], k_mode_port, 0, CLI_PRIV_MAX, {}};
-    }
-    cli_cmd_items_link(g_cli_port_items, k_port_count);
+    cli_cmd_descs_link(g_cli_port_desc, g_cli_port_items, k_port_count, CLI_MODE_PORT);
 }
 
 // port mapping-mode WORD
@@ -862,7 +820,7 @@ i32 cli_interface_type_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         }
         intf.port_num = static_cast<u8>(num);
     }
-    return _cli_port_list_each(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
         port_interface mine = intf;
         return _cli_port_call(pport, CLI_PORT_API(port_api_interface_set)(chip_id, lport, &mine));
     });
@@ -930,7 +888,7 @@ i32 cli_autoneg_ability_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         return _bad_word(argv[4]);
     }
     const bool full = std::strcmp(argv[2], "full") == 0;
-    return _cli_port_list_each(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
         port_ability ability{};
         i32 r = _cli_port_call(pport, CLI_PORT_API(port_api_advert_ability_get)(chip_id, lport, &ability));
         if (r != SHR_E_NONE) {
@@ -952,7 +910,7 @@ i32 cli_port_single_port_status_get(u32 chip_id, u32 view_mode, i32 argc, char *
     if (argc != 1) {
         return _bad_argc();
     }
-    return _cli_port_list_each(chip_id, argv[0], _cli_port_headed(_status_heading, [&](u32 lport, const char *pport) {
+    return cli_pport_list_walk(chip_id, argv[0], _cli_port_headed(_status_heading, [&](u32 lport, const char *pport) {
                                    return _status_row(chip_id, lport, pport);
                                }));
 }
@@ -1021,7 +979,7 @@ i32 cli_port_pause_smac_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     if (cli_get_mac_addr(argv[1], mac) != SHR_E_NONE) {
         return _bad_word(argv[1]);
     }
-    return _cli_port_list_each(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
         u8 mine[6];
         std::memcpy(mine, mac, sizeof(mine));
         return _cli_port_call(pport, CLI_PORT_API(port_api_pause_addr_set)(chip_id, lport, mine));
@@ -1091,7 +1049,7 @@ i32 cli_port_single_port_counter_get(u32 chip_id, u32 view_mode, i32 argc, char 
         return _bad_argc();
     }
     const bool clear = argc == 2;
-    return _cli_port_list_each(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
         bool read = false;
         const i32 rc = _counter_table(chip_id, lport, pport, &read);
         return rc != SHR_E_NONE || !clear ? rc : _counter_clear(chip_id, lport, pport, read);
@@ -1123,7 +1081,7 @@ i32 cli_port_loop_mode_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         return _bad_word(argv[1]);
     }
     loop.transparent = argc == 4 && _on(argv[3]) ? 1u : 0u;
-    return _cli_port_list_each(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
         port_loopback mine = loop;
         return _cli_port_call(pport, CLI_PORT_API(port_api_loopback_set)(chip_id, lport, &mine));
     });
@@ -1214,7 +1172,7 @@ i32 cli_port_cfg_info_get(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     if (argc != 1) {
         return _bad_argc();
     }
-    return _cli_port_list_each(chip_id, argv[0],
+    return cli_pport_list_walk(chip_id, argv[0],
                                [&](u32 lport, const char *pport) { return _cfg_info(chip_id, lport, pport); });
 }
 
@@ -1247,7 +1205,7 @@ i32 cli_port_alm_info_get(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     }
     const u32 clear = argc == 2 ? 1u : 0u;
     std::vector<char> text(k_alm_info_room);
-    return _cli_port_list_each(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
         port_info_buff info{text.data(), k_alm_info_room, 0};
         const i32 rc = _cli_port_call(pport, CLI_PORT_API(port_api_alm_info_get)(chip_id, lport, clear, &info));
         if (rc == SHR_E_NONE) {
@@ -1310,7 +1268,7 @@ i32 cli_linkscan_mode_get(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     if (argc != 1) {
         return _bad_argc();
     }
-    return _cli_port_list_each(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
+    return cli_pport_list_walk(chip_id, argv[0], [&](u32 lport, const char *pport) -> i32 {
         u32 mode = 0;
         const i32 rc = _cli_port_call(pport, CLI_PORT_API(linkscan_api_mode_get)(chip_id, lport, &mode));
         if (rc == SHR_E_NONE) {

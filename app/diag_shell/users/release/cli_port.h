@@ -11,9 +11,7 @@
 extern "C" {
 #endif
 
-void cli_cmd_init_port(void);
-
-/* Handlers, in the order of their records. */
+/* Handlers, in the order of their records; cli_cmd_init_port links them. */
 i32 cli_mapping_mode_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 i32 cli_mapping_mode_get(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 i32 cli_interface_type_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
