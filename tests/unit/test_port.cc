@@ -761,6 +761,16 @@ TEST_F(Port, StepsOfBringUpAndTearDown)
     EXPECT_FALSE(Capture::has("CHIP-DEINIT:          port"));
     EXPECT_EQ(csl_port_control_get(0), nullptr);
     EXPECT_EQ(g_dpl_reef_port_chip_lock[0], nullptr);
+    // The port stop takes back the inner ports' names that its start added;
+    // a key that the configuration had stays, with the start's value.
+    EXPECT_EQ(shr_property_get_str(0, "cpu_port"), nullptr);
+    EXPECT_EQ(shr_property_get_str(0, "inner_port_31"), nullptr);
+    ASSERT_EQ(shr_property_set(0, "inner_port_29", "prbs"), 0);
+    up_chip(0);
+    EXPECT_STREQ(shr_property_get_str(0, "inner_port_29"), "prbs_port");
+    down_chip(0);
+    EXPECT_STREQ(shr_property_get_str(0, "inner_port_29"), "prbs_port");
+    EXPECT_EQ(shr_property_get_str(0, "prbs_port"), nullptr);
 }
 
 // A sibling chip has the frame but no ports of its own.

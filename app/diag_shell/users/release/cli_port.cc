@@ -161,10 +161,19 @@ const char *_onoff(u32 value)
     return value != 0 ? "enable" : "disable";
 }
 
+// A number as decimal text.  (std::to_string would leave its template
+// helpers among the shared library's exported names.)
+std::string _num_text(u64 n)
+{
+    char text[24];
+    std::snprintf(text, sizeof(text), "%llu", static_cast<unsigned long long>(n));
+    return text;
+}
+
 std::string _speed_text(u32 mbits)
 {
     const char *name = _cli_port_name_get(k_speed_words, mbits);
-    return name != nullptr ? name : std::to_string(mbits) + "M";
+    return name != nullptr ? name : _num_text(mbits) + "M";
 }
 
 i32 _bad_argc()
@@ -407,7 +416,7 @@ i32 _counters_read(u32 chip_id, u32 lport, const char *pport, const std::vector<
         u64 v = 0;
         (*values)[i] = r.value(CLI_PORT_API(port_api_counter_get)(chip_id, lport, items[i], &v), [&] {
             *read = true;
-            return std::to_string(v);
+            return _num_text(v);
         });
         if (r.status() != SHR_E_NONE || !*read) {
             break;
@@ -491,11 +500,11 @@ i32 _cfg_info(u32 chip_id, u32 lport, const char *pport)
 
     port_interface intf{};
     add("protocol-cfg type", r.value(CLI_PORT_API(port_api_interface_get)(chip_id, lport, &intf), [&] {
-        return std::string(_interface_text(intf.interface_type)) + ", port-number " + std::to_string(intf.port_num);
+        return std::string(_interface_text(intf.interface_type)) + ", port-number " + _num_text(intf.port_num);
     }));
     port_serdes_id serdes{};
     add("serdes id", r.value(CLI_PORT_API(port_api_serdes_id_get)(chip_id, lport, &serdes),
-                             [&] { return std::to_string(serdes.serdes_id); }));
+                             [&] { return _num_text(serdes.serdes_id); }));
     add("power", r.value(CLI_PORT_API(port_api_enable_get)(chip_id, lport, &v),
                          [&] { return std::string(v != 0 ? "up" : "down"); }));
     for (const _cli_port_word &w : {k_dir_words[0], k_dir_words[1]}) {
@@ -538,13 +547,13 @@ i32 _cfg_info(u32 chip_id, u32 lport, const char *pport)
                               [&] { return _mac_text(smac); }));
     for (const _cli_port_word &w : k_frame_words) {
         add(std::string("frame-len ") + w.name + " max-frame",
-            r.value(CLI_PORT_API(port_api_max_frame_get)(chip_id, lport, w.id, &v), [&] { return std::to_string(v); }));
+            r.value(CLI_PORT_API(port_api_max_frame_get)(chip_id, lport, w.id, &v), [&] { return _num_text(v); }));
         add(std::string("frame-len ") + w.name + " min-frame",
-            r.value(CLI_PORT_API(port_api_min_frame_get)(chip_id, lport, w.id, &v), [&] { return std::to_string(v); }));
+            r.value(CLI_PORT_API(port_api_min_frame_get)(chip_id, lport, w.id, &v), [&] { return _num_text(v); }));
     }
     u8 ifg = 0;
     add("ifg-value",
-        r.value(CLI_PORT_API(port_api_ifg_get)(chip_id, lport, &ifg), [&] { return std::to_string(ifg); }));
+        r.value(CLI_PORT_API(port_api_ifg_get)(chip_id, lport, &ifg), [&] { return _num_text(ifg); }));
     add("dic", r.value(CLI_PORT_API(port_api_dic_mode_get)(chip_id, lport, &v), onoff(v)));
     for (const _cli_port_word &w : k_crc_words) {
         add(std::string("crc-cfg ") + w.name,
@@ -559,8 +568,8 @@ i32 _cfg_info(u32 chip_id, u32 lport, const char *pport)
     }));
     port_clk_delta delta{};
     add("clk-delta", r.value(CLI_PORT_API(port_api_clk_delta_get)(chip_id, lport, &delta), [&] {
-        return std::string("rx ") + (delta.rx_sign != 0 ? "-" : "") + std::to_string(delta.rx_delta) + ", tx " +
-               (delta.tx_sign != 0 ? "-" : "") + std::to_string(delta.tx_delta);
+        return std::string("rx ") + (delta.rx_sign != 0 ? "-" : "") + _num_text(delta.rx_delta) + ", tx " +
+               (delta.tx_sign != 0 ? "-" : "") + _num_text(delta.tx_delta);
     }));
     if (r.status() != SHR_E_NONE) {
         return r.status();

@@ -114,6 +114,12 @@ i32 csl_port_control_db_init(u32 chip_id)
     return shr_chip_type_get(chip_id) == SHR_CHIP_TYPE_ATOLREEF ? csl_atolreef_control_db_init(chip_id) : 0;
 }
 
+i32 csl_port_control_db_deinit(u32 chip_id)
+{
+    // Only atolreef's fill stores anything; its record says what.
+    return csl_atolreef_control_db_deinit(chip_id);
+}
+
 i32 csl_port_probe(u32 chip_id, u32 lport, const csl_port_driver_t **driver)
 {
     (void)lport;

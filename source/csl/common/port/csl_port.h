@@ -151,6 +151,8 @@ csl_port_control *csl_port_control_get(u32 chip_id);
 i32 csl_port_base_init(u32 chip_id);
 /* Fills counts, bitmaps and the MAG and MAC rows for the chip type. */
 i32 csl_port_control_db_init(u32 chip_id);
+/* Removes what the fill put into the property store. */
+i32 csl_port_control_db_deinit(u32 chip_id);
 /* The driver of a port; -7 when the chip type has none. */
 i32 csl_port_probe(u32 chip_id, u32 lport, const csl_port_driver_t **driver);
 

@@ -563,6 +563,7 @@ i32 dpl_reef_port_soft_deinit(u32 chip_id)
         _dpl_port_chip_op<&drv::port_counter_db_free>(chip_id, nullptr);
     }
     _dpl_reef_port_db_deinit(chip_id);
+    csl_port_control_db_deinit(chip_id);
     csl_port_control_deinit(chip_id);
     dpl_reef_port_link_fwd_deinit(chip_id);
     _dpl_reef_port_special_db_free(chip_id);

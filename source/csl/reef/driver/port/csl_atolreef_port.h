@@ -22,8 +22,12 @@ extern "C" {
 extern const csl_port_driver_t g_csl_port_atolreef;
 const csl_port_driver_t *csl_atolreef_port_driver_get(void);
 
-/* Counts, bitmaps and, from the property `map_mode`, the MAG and MAC rows. */
+/* Counts, bitmaps and, from the property `map_mode`, the MAG and MAC rows;
+ * the names of the inner ports in the property store. */
 i32 csl_atolreef_control_db_init(u32 chip_id);
+/* Removes from the property store the names of the inner ports that
+ * csl_atolreef_control_db_init added. */
+i32 csl_atolreef_control_db_deinit(u32 chip_id);
 /* Loads the MAG and MAC rows of mapping mode 0 or 1 (-4 for another): all
  * MAGs lose their interface type, no port stays active. */
 i32 csl_atolreef_port_map_load(u32 chip_id, u32 map_mode);

@@ -23,24 +23,50 @@ constexpr inner_port_name kInnerPorts[] = {
 static_assert(sizeof(kInnerPorts) / sizeof(kInnerPorts[0]) ==
               CSL_ATOLREEF_PORT_COUNT - CSL_ATOLREEF_FIRST_INNER_PORT);
 
-// Names the inner ports in the chip's property store both ways: a
-// property of each name holds the port's number, the port's own
-// "inner_port" holds the name.  The shell translates port names by them.
-i32 _csl_atolreef_inner_port_names_store(u32 chip_id)
+// The keys by which the port start names the inner ports in the chip's
+// property store, both ways: a property of each name holds the port's
+// number, the port's own "inner_port" holds the name.  The shell
+// translates port names by them.  `fn(key, value)` for each, in order.
+template <typename Fn>
+i32 _csl_atolreef_inner_port_keys(Fn fn)
 {
     for (const inner_port_name &p : kInnerPorts) {
         char number[12];
+        char port_key[24];
         std::snprintf(number, sizeof(number), "%u", p.lport);
-        i32 rc = shr_property_set(chip_id, p.name, number);
+        std::snprintf(port_key, sizeof(port_key), "inner_port_%u", p.lport);
+        i32 rc = fn(p.name, number);
         if (rc == 0) {
-            rc = shr_property_port_set_str(chip_id, p.lport, "inner_port", p.name);
+            rc = fn(port_key, p.name);
         }
         if (rc != 0) {
-            SHR_LOG_ERRCODE(chip_id, rc);
             return rc;
         }
     }
     return 0;
+}
+
+// Which of those keys the port start added, by chip, one bit per key in
+// their order: the port stop removes them, so that the records go back
+// through the allocator that made them.
+u8 g_inner_port_keys_added[SHR_MAX_CHIPS];
+
+i32 _csl_atolreef_inner_port_names_store(u32 chip_id)
+{
+    u32 bit = 0;
+    const i32 rc = _csl_atolreef_inner_port_keys([chip_id, &bit](const char *key, const char *value) {
+        const bool had = shr_property_get_str(chip_id, key) != nullptr;
+        const i32 r = shr_property_set(chip_id, key, value);
+        if (r == 0 && !had) {
+            g_inner_port_keys_added[chip_id] |= static_cast<u8>(1u << bit);
+        }
+        bit++;
+        return r;
+    });
+    if (rc != 0) {
+        SHR_LOG_ERRCODE(chip_id, rc);
+    }
+    return rc;
 }
 
 } // namespace
@@ -108,6 +134,22 @@ i32 csl_atolreef_control_db_init(u32 chip_id)
     if (map_mode >= 0 && static_cast<u32>(map_mode) < CSL_PORT_MAP_MODES) {
         return csl_atolreef_port_map_load(chip_id, static_cast<u32>(map_mode));
     }
+    return 0;
+}
+
+i32 csl_atolreef_control_db_deinit(u32 chip_id)
+{
+    if (chip_id >= SHR_MAX_CHIPS) {
+        return SHR_E_UNIT;
+    }
+    u32 bit = 0;
+    _csl_atolreef_inner_port_keys([chip_id, &bit](const char *key, const char *value) {
+        if ((g_inner_port_keys_added[chip_id] >> bit++) & 1u) {
+            shr_property_delete(chip_id, key, value);
+        }
+        return 0;
+    });
+    g_inner_port_keys_added[chip_id] = 0;
     return 0;
 }
 
