@@ -225,6 +225,7 @@ void ArlEngine::clear()
     }
     static_count_ = dynamic_count_ = 0;
     port_count_.fill(0);
+    dirty_ports_ = ~0u;
     if (ok_) {
         publish_counts();
     }
@@ -371,6 +372,7 @@ void ArlEngine::count(const ArlEntry &entry, int delta)
         const uint64_t port = bits_get(entry.data(), e_learn_data_);
         if (port < kPorts) {
             port_count_[port] += delta;
+            dirty_ports_ |= 1u << port;
         }
     }
 }
@@ -381,9 +383,14 @@ void ArlEngine::publish_counts()
     glb = word_set(glb, f_sta_cnt_, static_count_);
     glb = word_set(glb, f_dyn_cnt_, dynamic_count_);
     set_reg(a_glb_cnt_, glb);
+    // Only the ports whose count moved are written: a command touches one
+    // or two of them, and rewriting all would cost more than the command.
     for (uint32_t p = 0; p < kPorts; p++) {
-        set_reg(a_port_lmt_[p], word_set(reg(a_port_lmt_[p]), f_port_cnt_, port_count_[p]));
+        if (dirty_ports_ & (1u << p)) {
+            set_reg(a_port_lmt_[p], word_set(reg(a_port_lmt_[p]), f_port_cnt_, port_count_[p]));
+        }
     }
+    dirty_ports_ = 0;
 }
 
 void ArlEngine::put(ArlEntry *at, const ArlEntry &entry)

@@ -112,6 +112,8 @@ private:
     uint32_t static_count_ = 0;
     uint32_t dynamic_count_ = 0;
     std::array<uint32_t, kPorts> port_count_{};
+    uint32_t dirty_ports_ = ~0u; // ports whose count register is behind
+    static_assert(kPorts <= 32, "one bit per port");
 
     // Register addresses and fields, from the description.
     uint32_t a_cfg_ = 0, a_mac_[4] = {}, a_sch_[4] = {}, a_state_ = 0, a_glb_cnt_ = 0, a_glb_lmt_ = 0;
