@@ -62,7 +62,10 @@ std::string _cli_port_bits_text(const _cli_port_word (&words)[N], u32 bits)
     std::string text;
     for (const _cli_port_word &w : words) {
         if ((bits & w.id) != 0) {
-            text += (text.empty() ? "" : ",") + std::string(w.name);
+            if (!text.empty()) {
+                text += ',';
+            }
+            text += w.name;
         }
     }
     return text.empty() ? "none" : text;
