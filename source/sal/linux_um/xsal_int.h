@@ -65,6 +65,9 @@ struct xsal_timer_s {
 
 extern struct xsal_timer_s *g_xsal_timer_head;
 extern u32 g_xsal_timer_inited;
+/* The wall clock of the timer manager in microseconds: xsal_time_usecs,
+ * or a clock of a test that needs timers to share an expiry. */
+extern u64 (*g_xsal_timer_clock)(void);
 
 /* Loops of the busy delay's inner loop per microsecond; 0 until it is
  * calibrated. */

@@ -9,6 +9,7 @@
 extern "C" {
 struct xsal_timer_s *g_xsal_timer_head;
 u32 g_xsal_timer_inited;
+u64 (*g_xsal_timer_clock)(void) = xsal_time_usecs;
 }
 
 namespace {
@@ -85,7 +86,7 @@ void _xsal_timer_check(void *)
             xsal_event_wait(g_xsal_timer_event, -1);
             continue;
         }
-        const u64 now = xsal_time_usecs();
+        const u64 now = g_xsal_timer_clock();
         const u64 end = _expiry_usecs(head);
         if (now < end) {
             // Rounded up, so that the wait does not end just short of the
@@ -97,7 +98,9 @@ void _xsal_timer_check(void *)
         }
         head->callback(head->arg);
         _add_ms(head, head->timeout);
-        if (head->next != nullptr && _xsal_timer_compare(head, head->next) > 0) {
+        // Behind every timer of the same expiry, so that timers of one
+        // period started one after the other take turns.
+        if (head->next != nullptr && _xsal_timer_compare(head, head->next) >= 0) {
             tide::list_unlink(&g_xsal_timer_head, head);
             _insert_locked(head);
         }
@@ -200,7 +203,7 @@ int xsal_timer_start(xsal_timer_t timer, u32 ms)
     if (timer->stopped == 0) {
         return 0;
     }
-    const u64 now = xsal_time_usecs();
+    const u64 now = g_xsal_timer_clock();
     timer->timeout = ms;
     timer->end_sec = now / kUsecPerSec;
     timer->end_usec = now % kUsecPerSec;
