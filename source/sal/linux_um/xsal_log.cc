@@ -52,9 +52,21 @@ void xsal_log_vprintf(i32 chip_id, u32 level, const char *module_name, const cha
 //
 // Buffer 0 records bring-up: text is appended while there is room, and a
 // text that does not fit is dropped whole, so the buffer keeps the earliest
-// lines.
+// lines.  Chips may come up on several threads at once: every change of a
+// buffer's record happens under one lock, which a thread holds across the
+// header and the lines of one `xsal_log` record so that records never
+// interleave.  The lock is recursive for that reason.
 
 namespace {
+
+pthread_mutex_t g_xsal_debug_buf_lock = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
+
+struct DebugBufLock {
+    DebugBufLock() { pthread_mutex_lock(&g_xsal_debug_buf_lock); }
+    ~DebugBufLock() { pthread_mutex_unlock(&g_xsal_debug_buf_lock); }
+    DebugBufLock(const DebugBufLock &) = delete;
+    DebugBufLock &operator=(const DebugBufLock &) = delete;
+};
 
 // Cuts a text of at most 1,023 characters into lines: at each newline and
 // at 512 characters; each line is handed to `put` with `line_end` or, for
@@ -100,6 +112,7 @@ u32 xsal_log_level_get(void)
 
 int xsal_log_debug_buffer_allocate(u32 buffer)
 {
+    DebugBufLock lock;
     if (buffer >= XSAL_DEBUG_BUF_COUNT) {
         return -1;
     }
@@ -120,6 +133,7 @@ int xsal_log_debug_buffer_allocate(u32 buffer)
 
 int xsal_log_debug_outside_buffer_allocate(u32 buffer, u8 *memory, u32 size)
 {
+    DebugBufLock lock;
     if (buffer >= XSAL_DEBUG_BUF_COUNT || memory == nullptr || size == 0) {
         return -1;
     }
@@ -135,6 +149,7 @@ int xsal_log_debug_outside_buffer_allocate(u32 buffer, u8 *memory, u32 size)
 
 int xsal_log_debug_buffer_clear(u32 buffer)
 {
+    DebugBufLock lock;
     if (buffer >= XSAL_DEBUG_BUF_COUNT) {
         return -1;
     }
@@ -148,6 +163,7 @@ int xsal_log_debug_buffer_clear(u32 buffer)
 
 char *xsal_log_debug_obtain_buffer_get(u32 buffer, u32 *used)
 {
+    DebugBufLock lock;
     if (buffer >= XSAL_DEBUG_BUF_COUNT) {
         return nullptr;
     }
@@ -159,6 +175,7 @@ char *xsal_log_debug_obtain_buffer_get(u32 buffer, u32 *used)
 
 int xsal_log_buffter_utilization_get(u32 buffer, u32 *size, u32 *used)
 {
+    DebugBufLock lock;
     if (buffer >= XSAL_DEBUG_BUF_COUNT || g_sal_debug_buf[buffer].data == nullptr) {
         return -1;
     }
@@ -173,6 +190,7 @@ int xsal_log_buffter_utilization_get(u32 buffer, u32 *size, u32 *used)
 
 int xsal_log_str_to_buf_put(const char *text, u32 length, u32 buffer)
 {
+    DebugBufLock lock;
     if (text == nullptr || buffer >= XSAL_DEBUG_BUF_COUNT) {
         return -1;
     }
@@ -229,6 +247,7 @@ int xsal_log_printf(const char *format, ...)
 
 int xsal_log(i32 chip_id, u32 level, const char *file, i32 line, const char *format, ...)
 {
+    DebugBufLock lock;
     const u32 shown = level > SHR_LOG_DEBUG ? SHR_LOG_DEBUG : level;
     xsal_calendar now{};
     xsal_get_current_time(&now);
