@@ -5,13 +5,14 @@
 #include "app/diag_shell/users/release/cli_init.h"
 #include "app/diag_shell/users/release/cli_param.h"
 #include "shared/shr_int.h"
+#include "tests/support/cli_lines.h"
 #include "tests/support/fixture.h"
 
 using namespace tide::test;
 
 namespace {
 
-class CliCommon : public SimChips {
+class CliCommon : public SimChips, public CliLines {
 protected:
     void SetUp() override
     {
@@ -24,14 +25,6 @@ protected:
         g_cli_key_check = 1;
         SimChips::TearDown();
     }
-    i32 run(const char *line, u32 chip = 0)
-    {
-        const i32 r = cli_cmd_execute(chip, line, buf_, sizeof(buf_));
-        out_ = buf_;
-        return r;
-    }
-    char buf_[16384];
-    std::string out_;
 };
 
 TEST_F(CliCommon, TheKeyCheckSwitchAndTheChip)

@@ -5,12 +5,13 @@
 
 #include "app/diag_shell/users/release/cli_init.h"
 #include "tests/support/cli_fixture.h"
+#include "tests/support/cli_lines.h"
 
 using namespace tide::test;
 
 namespace {
 
-class CliExec : public ::testing::Test {
+class CliExec : public ::testing::Test, public CliLines {
 protected:
     void SetUp() override
     {
@@ -25,13 +26,6 @@ protected:
         _legacy_cmd = cli_legacy_cmd{};
     }
 
-    i32 run(const char *line, u32 chip = 0)
-    {
-        buf_[0] = 'x';
-        const i32 r = cli_cmd_execute(chip, line, buf_, sizeof(buf_));
-        out_ = buf_;
-        return r;
-    }
     // A line run without a capture buffer: what reaches the console.
     static std::string run_on_console(const char *line, i32 *result = nullptr)
     {
@@ -51,8 +45,6 @@ protected:
         }
     }
 
-    char buf_[8192];
-    std::string out_;
 };
 
 TEST_F(CliExec, HelpRequestListsWhatMayFollowWithCrLast)

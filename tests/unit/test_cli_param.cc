@@ -7,6 +7,7 @@
 
 #include <tide/property.h>
 
+#include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_param.h"
 #include "tests/support/fixture.h"
 
@@ -14,9 +15,11 @@ using namespace tide::test;
 
 namespace {
 
-// Everything a helper prints, and its result.
+// Everything a helper prints on the console (where the shell's output
+// goes while no client is connected), and its result.
 template <typename F> std::string _said(F f, i32 *result)
 {
+    EXPECT_EQ(cli_server_client_list_init(), 0);
     ::testing::internal::CaptureStdout();
     *result = f();
     return ::testing::internal::GetCapturedStdout();

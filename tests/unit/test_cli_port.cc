@@ -13,6 +13,7 @@
 
 #include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_param.h"
+#include "support/cli_lines.h"
 #include "support/fixture.h"
 #include "support/port_fake.h"
 #include "tests/support/cli_catalogue.h"
@@ -30,7 +31,7 @@ const csl_port_driver_t g_shell_fake = [] {
     return t;
 }();
 
-class CliPort : public tide::test::SimChips {
+class CliPort : public tide::test::SimChips, public tide::test::CliLines {
 protected:
     void SetUp() override
     {
@@ -50,22 +51,11 @@ protected:
         SimChips::TearDown();
     }
 
-    i32 run(const std::string &line, u32 chip = 0)
-    {
-        buf_[0] = '\0';
-        const i32 r = cli_cmd_execute(chip, line.c_str(), buf_, sizeof(buf_));
-        out_ = buf_;
-        return r;
-    }
-    bool said(const std::string &text) const { return out_.find(text) != std::string::npos; }
     // Only ports first to last are in use.
     static void in_use(u32 first, u32 last)
     {
         csl_port_control_get(0)->port_config.pbmp[PORT_CONFIG_ACTIVE] = tide::port::pbmp_range(first, last);
     }
-
-    char buf_[32768];
-    std::string out_;
 };
 
 using Texts = std::vector<std::string>;

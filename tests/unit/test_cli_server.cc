@@ -393,6 +393,14 @@ TEST_F(CliServer, AMonitorThatStopsReadingHoldsNobodyForLong)
     EXPECT_EQ(out, "served");
 }
 
+TEST(CliOutput, BeforeTheServerHasEverStartedNothingIsShown)
+{
+    // This process has never started a server: no client list exists.
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ(cli_output_show("nowhere %d\n", 1), -1);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+}
+
 TEST_F(CliServer, HandlerOutputOffAClientThread)
 {
     // No client: the console.

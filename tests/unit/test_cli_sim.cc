@@ -8,11 +8,12 @@
 #include <unistd.h>
 
 #include "app/tided/bootstrap_vlan.h"
+#include "support/cli_lines.h"
 #include "support/fixture.h"
 
 namespace {
 
-class CliSim : public tide::test::SimChips {
+class CliSim : public tide::test::SimChips, public tide::test::CliLines {
 protected:
     void SetUp() override
     {
@@ -28,16 +29,6 @@ protected:
         SimChips::TearDown();
     }
 
-    int32_t run(const std::string &line)
-    {
-        buf_[0] = '\0';
-        const int32_t r = cli_cmd_execute(0, line.c_str(), buf_, sizeof(buf_));
-        out_ = buf_;
-        return r;
-    }
-
-    char buf_[16384];
-    std::string out_;
 };
 
 // A broadcast from 02:00:00:00:00:01, 60 bytes.

@@ -319,7 +319,7 @@ u64 chunk(const u8 *ip, u32 at)
 
 TEST_F(L2, Ipv6KeysTakeTheSelectedChunksBothWays)
 {
-    const u32 dip_sel[4] = {0, 6, 10, 14};
+    const u32 dip_sel[4] = {0, 6, 10, 12};
     for (u32 i = 0; i < 4; i++) {
         ASSERT_EQ(l2_api_control_set(0, L2_CTRL_IPV6_DIP_SEL0 + i, dip_sel[i]), 0);
     }
@@ -357,8 +357,8 @@ TEST_F(L2, Ipv6KeysTakeTheSelectedChunksBothWays)
     }(), &back), 0);
     EXPECT_EQ(back.key_type, static_cast<u32>(L2_KEY_DIP_VLAN));
     for (u32 i = 0; i < 16; i++) {
-        // Selectors 0, 6, 10, 14 take bytes 14-15, 8-9, 4-5 and 0-1.
-        const bool taken = i == 0 || i == 1 || i == 4 || i == 5 || i == 8 || i == 9 || i == 14 || i == 15;
+        // Selectors 0, 6, 10, 12 take bytes 14-15, 8-9, 4-5 and 2-3.
+        const bool taken = i == 2 || i == 3 || i == 4 || i == 5 || i == 8 || i == 9 || i == 14 || i == 15;
         EXPECT_EQ(back.dipv6[i], taken ? a.dipv6[i] : 0) << i;
     }
 
@@ -400,6 +400,24 @@ TEST_F(L2, Ipv6KeysTakeTheSelectedChunksBothWays)
     l2_addr odd = a;
     EXPECT_EQ(l2_api_addr_add(0, &odd), SHR_E_PARAM);
     EXPECT_TRUE(Capture::has("arl_ipv6_dip_sel value is wrong 5 3 2 1"));
+
+    // 14 is a value the controls hold, but no conversion takes it: DIP
+    // selectors must be below 14, SIP selectors below 30 as held (14 + 16).
+    for (u32 i = 0; i < 4; i++) {
+        ASSERT_EQ(l2_api_control_set(0, L2_CTRL_IPV6_DIP_SEL0 + i, dip_sel[i]), 0);
+    }
+    ASSERT_EQ(l2_api_control_set(0, L2_CTRL_IPV6_DIP_SEL0 + 3, 14), 0);
+    Capture::clear();
+    EXPECT_EQ(l2_api_addr_add(0, &odd), SHR_E_PARAM);
+    EXPECT_TRUE(Capture::has("arl_ipv6_dip_sel value is wrong 0 6 10 14"));
+    EXPECT_EQ(l2_api_addr_get(0, &odd), SHR_E_PARAM);
+    ASSERT_EQ(l2_api_control_set(0, L2_CTRL_IPV6_IP_SEL0 + 3, 14), 0);
+    l2_addr wide = b;
+    EXPECT_EQ(l2_api_addr_add(0, &wide), SHR_E_PARAM);
+    EXPECT_TRUE(Capture::has("arl_ipv6_dip_sel value is wrong 2 4 16 30"));
+    ASSERT_EQ(l2_api_control_set(0, L2_CTRL_IPV6_IP_SEL0 + 1, 14), 0);
+    ASSERT_EQ(l2_api_control_set(0, L2_CTRL_IPV6_IP_SEL0 + 3, 12), 0);
+    EXPECT_EQ(l2_api_addr_add(0, &wide), SHR_E_PARAM);
 }
 
 TEST_F(L2, LearnLimitsRefuseWithTheirCausesAndCountsStayRight)
@@ -476,7 +494,8 @@ TEST_F(L2, AStuckTableGivesTimeoutAndTheNextCallWritesNothing)
     tide_sim_write_log_clear(0);
     l2_addr b = mac_addr(0x401, 1, 1);
     EXPECT_EQ(l2_api_addr_add(0, &b), SHR_E_TIMEOUT);
-    EXPECT_EQ(l2_api_addr_get(0, &b), SHR_E_TIMEOUT);
+    // A get that cannot search has not found the address.
+    EXPECT_EQ(l2_api_addr_get(0, &b), SHR_E_NOT_FOUND);
     EXPECT_TRUE(tide::test::sim_writes(0).empty());
     ASSERT_EQ(tide_sim_engine_stall_set(0, TIDE_SIM_ENGINE_ARL, 0), 0);
 }

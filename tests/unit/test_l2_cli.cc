@@ -6,13 +6,14 @@
 #include <string>
 
 #include "app/diag_shell/shell/cli/cli_core.h"
+#include "support/cli_lines.h"
 #include "support/fixture.h"
 
 using tide::test::SimChips;
 
 namespace {
 
-class L2Cli : public SimChips {
+class L2Cli : public SimChips, public tide::test::CliLines {
 protected:
     L2Cli() : SimChips(1, 1) {}
     void SetUp() override
@@ -28,15 +29,6 @@ protected:
         SimChips::TearDown();
     }
 
-    i32 run(const std::string &line)
-    {
-        const i32 r = cli_cmd_execute(0, line.c_str(), buf_, sizeof(buf_));
-        out_ = buf_;
-        return r;
-    }
-
-    char buf_[16384];
-    std::string out_;
 };
 
 TEST_F(L2Cli, AnOperatorAddsShowsAndDeletesAnAddress)

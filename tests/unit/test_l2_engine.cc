@@ -9,6 +9,7 @@
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "support/fixture.h"
 #include "support/sim_arl.h"
+#include "tide/l2.h"
 
 using tide::test::ArlImage;
 using tide::test::Capture;
@@ -195,6 +196,55 @@ TEST_F(L2Engine, BatchedCommandsCompareOnlyTheSelectedFields)
     uint32_t st = 1, dyn = 1, entries = 0;
     tide_sim_arl_count_get(0, &st, &dyn, &entries);
     EXPECT_EQ(st + dyn, 0u);
+}
+
+// The values written to the command word since the log was cleared.
+std::vector<u32> cfg_writes()
+{
+    std::vector<u32> out;
+    for (const auto &w : tide::test::sim_writes(0)) {
+        if (w.addr == kCfg) {
+            out.push_back(w.value);
+        }
+    }
+    return out;
+}
+
+TEST_F(L2Engine, BatchedAndBucketCommandsWriteTheirFieldsBeforeTheStart)
+{
+    u8 fail = 0;
+    ASSERT_EQ(add(0x10, 1, 1, false, &fail), 0);
+    const csl_l2_mac_key k{};
+    const csl_l2_mac_ad a = port_ad(1, false);
+    csl_l2_mac_cmp cmp{};
+    cmp.opcode = 1;
+    u32 count = 0;
+    tide_sim_write_log_clear(0);
+    ASSERT_EQ(csl_reef_hash_l2_mac_tbl_batched_search(0, &k, &a, nullptr, &cmp, &fail, &count), 0);
+    EXPECT_EQ(cfg_writes(), (std::vector<u32>{0, 1u << 3, 1u << 31 | 4u << 9 | 1u << 3}));
+
+    // Bucket 1, address 5: type in bits 29..28, address in 27..12.
+    const u32 where = 1u << 28 | 5u << 12;
+    u8 key[CSL_L2_MAC_KEY_BYTES] = {0x11};
+    u8 ad[CSL_L2_MAC_AD_BYTES] = {0x33};
+    tide_sim_write_log_clear(0);
+    ASSERT_EQ(csl_reef_hash_l2_mac_appointed_hash_insert(0, key, ad, 1, 5, &fail), 0);
+    EXPECT_EQ(cfg_writes(), (std::vector<u32>{0, where, where | 1u << 31 | 6u << 9}));
+    tide_sim_write_log_clear(0);
+    ASSERT_EQ(csl_reef_hash_l2_mac_appointed_hash_delete(0, 1, 5, &fail), 0);
+    EXPECT_EQ(cfg_writes(), (std::vector<u32>{0, where, where | 1u << 31 | 5u << 9}));
+
+    // The service's read by index: 8192 + 5 is bucket 1, address 5.
+    l2_addr got{};
+    tide_sim_write_log_clear(0);
+    ASSERT_EQ(l2_api_addr_get_by_index(0, 8192 + 5, &got), 0);
+    EXPECT_EQ(got.valid, 0u);
+    EXPECT_EQ(cfg_writes(), (std::vector<u32>{0, where, where | 0x80000E00u}));
+
+    // A command with a key only: cleared, then started.
+    tide_sim_write_log_clear(0);
+    ASSERT_EQ(add(0x11, 1, 1, false, &fail), 0);
+    EXPECT_EQ(cfg_writes(), (std::vector<u32>{0, 1u << 31}));
 }
 
 TEST_F(L2Engine, StuckEngineTimesOutAndTheNextCommandTouchesNothing)

@@ -283,12 +283,10 @@ i32 _image_write(u32 chip_id, const Block &b, const Cmd &c)
     return rc;
 }
 
-// The command word: compare enables or bucket, the operation and the start
-// bit.  It was cleared at the idle wait under the lock, so its value is
-// known and is written in one go.
-u32 _command_word(const Block &b, const Cmd &c)
+// The command word's fields of a batched or bucket command: compare
+// enables, or bucket type and address, set into `cfg`.
+u32 _command_fields(const Block &b, const Cmd &c, u32 cfg)
 {
-    u32 cfg = 0;
     if (c.cmp != nullptr) {
         const u8 *sel = &c.cmp->remote;
         for (u32 i = 0; i < 9; i++) {
@@ -301,8 +299,34 @@ u32 _command_word(const Block &b, const Cmd &c)
         cfg = b.btype.put32(cfg, c.bucket_type);
         cfg = b.baddr.put32(cfg, c.bucket_addr);
     }
-    cfg = b.optype.put32(cfg, c.op);
-    return b.start.put32(cfg, 1);
+    return cfg;
+}
+
+// Read-modify-write of the command word.
+template <typename F> i32 _command_update(u32 chip_id, const Block &b, F change)
+{
+    u32 cfg = 0;
+    const i32 rc = _read(chip_id, b.regs.cfg, &cfg);
+    return rc != 0 ? rc : _write(chip_id, b.regs.cfg, change(cfg));
+}
+
+// The command word in the block's three steps: cleared at the idle wait
+// (the entry image follows for a command with a key), then the fields of a batched or bucket command, then the same with the
+// operation and the start bit.  The chip may latch the fields before the
+// start bit, so they are never written together with it for the first time.
+i32 _command_write(u32 chip_id, const Block &b, const Cmd &c)
+{
+    i32 rc = _write(chip_id, b.regs.cfg, 0);
+    if (rc == 0 && c.has_image) {
+        rc = _image_write(chip_id, b, c);
+    }
+    if (rc == 0 && (c.cmp != nullptr || c.bucket)) {
+        rc = _command_update(chip_id, b, [&](u32 cfg) { return _command_fields(b, c, cfg); });
+    }
+    if (rc == 0) {
+        rc = _command_update(chip_id, b, [&](u32 cfg) { return b.start.put32(b.optype.put32(cfg, c.op), 1); });
+    }
+    return rc;
 }
 
 i32 _entry_read(u32 chip_id, const Block &b, u8 *out)
@@ -332,13 +356,7 @@ i32 _run_locked(u32 chip_id, const Block &b, const Cmd &c, u8 *fail_case, u32 *r
         SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "hash opertion timeout\n");
     }
     if (rc == 0) {
-        rc = _write(chip_id, b.regs.cfg, 0);
-    }
-    if (rc == 0 && c.has_image) {
-        rc = _image_write(chip_id, b, c);
-    }
-    if (rc == 0) {
-        rc = _write(chip_id, b.regs.cfg, _command_word(b, c));
+        rc = _command_write(chip_id, b, c);
     }
     if (rc == 0) {
         rc = _wait_finish(chip_id, b, &state);

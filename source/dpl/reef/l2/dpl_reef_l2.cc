@@ -830,11 +830,14 @@ i32 dpl_reef_l2_addr_get(u32 chip_id, l2_addr *addr)
     if (rc != 0) {
         return rc;
     }
+    // Every failure of the search, a miss or a time-out of the command
+    // block, means the address could not be found: -7, with the table's
+    // cause (if it gave one) in fail_case.
     rc = csl_reef_hash_l2_mac_tbl_search_hard(chip_id, &key, &ad, &addr->fail_case);
-    if (rc == SHR_E_FAIL) {
-        return SHR_E_NOT_FOUND; // whatever the table's cause
+    if (rc != 0) {
+        return SHR_E_NOT_FOUND;
     }
-    return rc != 0 ? rc : _l2x_to_l2(chip_id, &key, &ad, addr);
+    return _l2x_to_l2(chip_id, &key, &ad, addr);
 }
 
 i32 dpl_reef_l2_addr_del(u32 chip_id, l2_addr *addr)

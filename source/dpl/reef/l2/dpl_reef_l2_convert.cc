@@ -10,8 +10,11 @@ namespace {
 
 constexpr u32 kMacShift = 16; // a MAC stands in bits 63..16 of the key value
 constexpr u32 kChunkBits = 16;
-constexpr u32 kDipSelMax = 14; // selectors of DIP chunks
-constexpr u32 kSipSelMax = 30; // selectors of SIP chunks, held with 16 added
+// A conversion takes selectors below these: a DIP selector of 14 would
+// take the last chunk of the address, which the digest leaves to the
+// VLAN-free key types, so the control may hold it but no key uses it.
+constexpr u32 kDipSelLimit = 14; // selectors of DIP chunks
+constexpr u32 kSipSelLimit = 30; // selectors of SIP chunks, held with 16 added
 
 // Opcodes of the AD: the kind of destination.
 enum : u8 { kOpPort = 0, kOpTrunk, kOpDvp, kOpNhp, kOpEcmp, kOpMcast, kOpDrop, kOpCpu };
@@ -48,8 +51,8 @@ bool _range(u32 chip_id, u32 value, u32 max, const char *format)
 }
 
 // The four selectors of a digest: DIP selectors for key type 3, DIP and
-// SIP selectors for key types 4 and 5.  All must be even and within their
-// range.
+// SIP selectors for key types 4 and 5.  All must be even and below their
+// limit.
 i32 _selectors(u32 chip_id, bool dip_only, u32 sel[4])
 {
     i32 rc = 0;
@@ -72,8 +75,8 @@ i32 _selectors(u32 chip_id, bool dip_only, u32 sel[4])
         return rc;
     }
     for (u32 i = 0; i < 4; i++) {
-        const u32 max = dip_only || i < 2 ? kDipSelMax : kSipSelMax;
-        if (sel[i] > max || (sel[i] & 1) != 0) {
+        const u32 limit = dip_only || i < 2 ? kDipSelLimit : kSipSelLimit;
+        if (sel[i] >= limit || (sel[i] & 1) != 0) {
             SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "arl_ipv6_dip_sel value is wrong %u %u %u %u\n", sel[0], sel[1],
                         sel[2], sel[3]);
             return SHR_E_PARAM;

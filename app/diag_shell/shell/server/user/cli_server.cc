@@ -702,6 +702,10 @@ i32 cli_server_output_target(cli_client **client)
 {
     *client = nullptr;
     _list_guard guard;
+    // Before the server has ever started there is nowhere to show text.
+    if (client_list.next == nullptr) {
+        return -1;
+    }
     if (_list_empty(&client_list)) {
         return 0;
     }
@@ -934,15 +938,8 @@ i32 cli_server_address_get(char *text, u32 size)
     return 0;
 }
 
-i32 cli_server_main(i32 port)
+i32 cli_server_client_list_init(void)
 {
-    if (g_server_started) {
-        return _load(&server_thread_ready) == 1 ? 0 : -1;
-    }
-    if (cli_monitor_init() != 0) {
-        return -1;
-    }
-    listen_port = port >= 1 && port <= 65534 ? port : 0;
     {
         _list_guard guard;
         cli_list_init(&client_list);
@@ -953,6 +950,21 @@ i32 cli_server_main(i32 port)
             return -1;
         }
         g_thread_client_key = true;
+    }
+    return 0;
+}
+
+i32 cli_server_main(i32 port)
+{
+    if (g_server_started) {
+        return _load(&server_thread_ready) == 1 ? 0 : -1;
+    }
+    if (cli_monitor_init() != 0) {
+        return -1;
+    }
+    listen_port = port >= 1 && port <= 65534 ? port : 0;
+    if (cli_server_client_list_init() != 0) {
+        return -1;
     }
     _store(&server_thread_ready, 0);
     if (pipe2(server_pipe, O_CLOEXEC) != 0) {

@@ -108,12 +108,17 @@ int server_listen_tcp(const char *address, u16 port);
 int server_listen_unix(const char *path);
 void server_destroy(int listen_fd);
 void client_wait_and_free(cli_client *client);
+/* Makes the (empty) client list and the key of the calling thread's
+ * client: the server's first step, after which output has a destination
+ * (the capture buffer or the console while no client is connected). */
+i32 cli_server_client_list_init(void);
 /* The client record of the calling thread, or NULL. */
 cli_client *cli_server_client_get(void);
 /* Where a handler's output goes: 1 to the client put at `*client` (the
  * calling thread's, connected), 0 nowhere in particular (no client is
  * connected, or this thread's client has left the list), -1 nowhere at all
- * (clients are connected, but none on this thread). */
+ * (the server has never started, or clients are connected but none on this
+ * thread). */
 i32 cli_server_output_target(cli_client **client);
 
 /* Queues a message and asks for a write; the record is the caller's no
