@@ -21,7 +21,7 @@ stop() {
 trap stop EXIT
 i=0
 until [ -S "$sock" ]; do
-    if ! kill -0 "$pid" 2>/dev/null || [ $i -ge 100 ]; then
+    if ! kill -0 "$pid" 2>/dev/null || [ $i -ge 600 ]; then
         cat "$log"
         trap - EXIT
         rc=0

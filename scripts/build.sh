@@ -17,8 +17,8 @@ if command -v ccache >/dev/null 2>&1; then
     launcher="-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache"
 fi
 dir=build/$kind
-if [ ! -f "$dir/build.ninja" ]; then
-    # shellcheck disable=SC2086
-    cmake -S . -B "$dir" -G Ninja $opts $launcher >/dev/null
-fi
+# Configured every time (quick when nothing changed), so that a tree made
+# by an older script gets today's options.
+# shellcheck disable=SC2086
+cmake -S . -B "$dir" -G Ninja -DTIDE_WERROR=ON $opts $launcher >/dev/null
 cmake --build "$dir" -- -j2

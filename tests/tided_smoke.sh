@@ -18,7 +18,7 @@ run() { # run <signal> <args...>
     i=0
     until grep -q "running" "$out"; do
         i=$((i + 1))
-        if [ $i -gt 200 ] || ! kill -0 $pid 2>/dev/null; then
+        if [ $i -gt 1200 ] || ! kill -0 $pid 2>/dev/null; then
             echo "tided did not come up:"; cat "$out"; exit 1
         fi
         sleep 0.05
