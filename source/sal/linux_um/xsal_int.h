@@ -72,6 +72,8 @@ extern u64 (*g_xsal_timer_clock)(void);
 /* Loops of the busy delay's inner loop per microsecond; 0 until it is
  * calibrated. */
 extern volatile u32 g_xsal_udelay_loops;
+/* The word the busy delay increments, loops times per microsecond. */
+extern volatile u32 g_xsal_udelay_counter;
 
 /* The line end of this platform. */
 extern const char *const g_sal_new_line_symbol;

@@ -40,20 +40,26 @@ int xsal_get_current_time(xsal_calendar *out)
 
 extern "C" {
 
-// Sleeps `usec` microseconds.  From 20 ms up the thread sleeps in select;
-// below that it spins on the clock, since a sleep of the scheduler can
-// overshoot short delays by a whole tick.
+// Sleeps `usec` microseconds: returns once xsal_time_usecs() has moved on
+// by more than `usec`.  The clock reads whole microseconds, truncated, so a
+// move of usec + 1 readings is at least `usec` real microseconds on it.
+// From 20 ms up the thread sleeps in select (again for what a signal cut
+// short); below that it spins on the clock, since a sleep of the scheduler
+// can overshoot short delays by a whole tick.
 void xsal_usleep(u32 usec)
 {
+    const u64 start = xsal_time_usecs();
     if (usec >= 20000) {
-        struct timeval tv;
-        tv.tv_sec = usec / 1000000;
-        tv.tv_usec = usec % 1000000;
-        select(0, nullptr, nullptr, nullptr, &tv);
+        for (u64 spent = 0; spent <= usec; spent = xsal_time_usecs() - start) {
+            const u64 left = usec + 1 - spent;
+            struct timeval tv;
+            tv.tv_sec = static_cast<time_t>(left / 1000000);
+            tv.tv_usec = static_cast<suseconds_t>(left % 1000000);
+            select(0, nullptr, nullptr, nullptr, &tv);
+        }
         return;
     }
-    const u64 start = xsal_time_usecs();
-    while (xsal_time_usecs() - start < usec) {
+    while (xsal_time_usecs() - start <= usec) {
         struct timeval zero = {0, 0};
         select(0, nullptr, nullptr, nullptr, &zero);
     }
