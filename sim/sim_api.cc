@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "sim/sim_arl.h"
+#include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pkt.h"
 
@@ -374,6 +375,22 @@ int tide_sim_arl_entry_get(uint32_t chip, uint32_t index, uint32_t entry[4])
         return -4;
     }
     memcpy(entry, e.data(), sizeof(e));
+    return 0;
+}
+
+int tide_sim_em_row_get(uint32_t chip, uint32_t memory, uint32_t row, uint32_t words[TIDE_SIM_EM_ROW_WORDS])
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || words == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    tide::sim::EmEngine::Row r{};
+    if (!c->em->row_get(memory, row, &r)) {
+        return -4;
+    }
+    memcpy(words, r.data(), sizeof(r));
     return 0;
 }
 

@@ -64,6 +64,8 @@ typedef enum tide_sim_engine {
     TIDE_SIM_ENGINE_RESET = 0,    /* hard reset status of the reset controller */
     TIDE_SIM_ENGINE_ARL = 1,      /* command block of the MAC table: never finishes */
     TIDE_SIM_ENGINE_ARL_INIT = 2, /* init of the MAC table: never reports done */
+    TIDE_SIM_ENGINE_EM = 3,       /* command block of the exact-match engine: never finishes */
+    TIDE_SIM_ENGINE_EM_INIT = 4,  /* init of the exact-match memories: never reports done */
     TIDE_SIM_ENGINE_COUNT
 } tide_sim_engine;
 /* `stall` 1: the engine never reports completion; 0: normal. */
@@ -105,6 +107,14 @@ TIDE_API int tide_sim_arl_entry_get(uint32_t chip, uint32_t index, uint32_t entr
 /* Entries of the table, and the size of the walk of tide_sim_arl_entry_get. */
 TIDE_API int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dynamic_count,
                                     uint32_t *entries);
+
+/* The exact-match engine of the egress translation as the chip holds it:
+ * row `row` of `memory` (0 barrel 0, 1 barrel 1, 2 the CAM) in words of 32
+ * bits, words[0] holding bits 31..0, bits beyond the row 0.  -4 for a
+ * memory or row beyond the engine, -20 for NULL. */
+#define TIDE_SIM_EM_ROW_WORDS 6u
+TIDE_API int tide_sim_em_row_get(uint32_t chip, uint32_t memory, uint32_t row,
+                                 uint32_t words[TIDE_SIM_EM_ROW_WORDS]);
 
 /* ---- the packet path ----------------------------------------------------
  * A frame injected on a port runs through the chip's pipeline as the SDK
