@@ -7,6 +7,7 @@
 #include "csl/reef/reg_tbl/csl_reef_hash_tab_op.h"
 
 #include "csl/reef/reg_tbl/auto_code/api/csl_reef_hash_table.h"
+#include "csl/reef/reg_tbl/csl_reef_hash_ecib.h"
 
 #include <strings.h>
 
@@ -76,16 +77,6 @@ constexpr HashLock kHashLocks[CSL_HASH_TYPE_COUNT] = {
 constexpr u32 kImageWordBits = 32;
 constexpr const char *kBucketName[3] = {"bar0", "bar1", "cam"};
 
-Bits _field(const cib_reg_info *reg, const char *name)
-{
-    for (u32 i = 0; reg != nullptr && i < reg->field_count; i++) {
-        if (strcmp(reg->fields[i].name, name) == 0) {
-            return Bits{reg->fields[i].low_bit, reg->fields[i].width};
-        }
-    }
-    return Bits{};
-}
-
 // Finds the registers and fields of the block in the chip's catalogue; a
 // chip whose catalogue lacks any of them has no usable block.
 bool _block_resolve(u32 chip_id, Block &b)
@@ -103,7 +94,7 @@ bool _block_resolve(u32 chip_id, Block &b)
         return r;
     };
     auto field = [&](const cib_reg_info *r, const char *name) {
-        const Bits f = _field(r, name);
+        const Bits f = tide::l2mac::reg_field(r, name);
         ok &= f.ok();
         return f;
     };
@@ -167,25 +158,7 @@ i32 _hash_lock_op(u32 chip_id, u32 type, int (*op)(xsal_mutex_t, const char *, i
     return op(m, __FILE__, __LINE__) == 0 ? 0 : SHR_E_INTERNAL;
 }
 
-// Holds a hash type's mutex for a scope.
-class HashGuard {
-public:
-    HashGuard(u32 chip_id, u32 type) : chip_(chip_id), type_(type), rc_(csl_reef_hash_table_get_lock(chip_id, type)) {}
-    ~HashGuard()
-    {
-        if (rc_ == 0) {
-            csl_reef_hash_table_get_unlock(chip_, type_);
-        }
-    }
-    HashGuard(const HashGuard &) = delete;
-    HashGuard &operator=(const HashGuard &) = delete;
-    i32 status() const { return rc_; }
-
-private:
-    u32 chip_;
-    u32 type_;
-    i32 rc_;
-};
+using tide::hash::HashGuard;
 
 // One command of the block.
 struct Cmd {
@@ -230,28 +203,16 @@ i32 _write(u32 chip_id, u32 addr, u32 value)
     return rc;
 }
 
-// Polls the status word until it reports finished: at most
-// CSL_L2_MAC_POLLS reads with a busy delay between them.  -9 on time-out,
-// with the last status in *state.
+// Polls the status word until it reports finished.  -9 on time-out, with
+// the last status in *state.
 i32 _wait_finish(u32 chip_id, const Block &b, u32 *state)
 {
-    u64 start = 0;
-    for (u32 poll = 0; poll < CSL_L2_MAC_POLLS; poll++) {
-        const i32 rc = _read(chip_id, b.regs.state, state);
-        if (rc != 0) {
-            return rc;
-        }
-        if (b.finish.get32(*state) == 1) {
-            const u64 spent = poll == 0 ? 0 : xsal_time_usecs() - start;
-            SHR_LOG_DBG(chip_id, SHR_MOD_ARL, "[GET] hash read time: %lu us.\n", (unsigned long)spent);
-            return 0;
-        }
-        if (poll == 0) {
-            start = xsal_time_usecs();
-        }
-        xsal_udelay(CSL_L2_MAC_POLL_US);
+    u64 spent = 0;
+    const i32 rc = csl_reef_hash_poll_bit(chip_id, b.regs.state, b.finish.low, state, &spent);
+    if (rc == 0) {
+        SHR_LOG_DBG(chip_id, SHR_MOD_ARL, "[GET] hash read time: %lu us.\n", (unsigned long)spent);
     }
-    return SHR_E_TIMEOUT;
+    return rc;
 }
 
 u32 _flag_apply(u32 word, const Bits &f, u8 how)
@@ -495,6 +456,74 @@ i32 _ram_test_index(u32 chip_id, u32 bar0, u32 index, u32 pattern, char *report)
     return cmp;
 }
 
+// The MAC table needs no software of its own beyond its command block and
+// the layout of its records.
+i32 _l2_mac_soft_init(u32 chip_id)
+{
+    return _block_resolve(chip_id, g_block[chip_id]) ? csl_reef_hash_l2_mac_layout_init(chip_id) : SHR_E_EMPTY;
+}
+
+i32 _ecib_soft_init(u32 chip_id)
+{
+    const i32 rc = csl_reef_hash_ecib_soft_init(chip_id);
+    return rc != 0 ? rc : csl_reef_hash_ecib_layout_init(chip_id);
+}
+
+// The per-type steps of the hash tables' start, for the types a chip may
+// have.
+struct TypeInit {
+    u32 type;
+    i32 (*soft)(u32);
+    i32 (*hw)(u32);
+};
+constexpr TypeInit kTypeInits[] = {
+    {CSL_HASH_TYPE_ECIB, _ecib_soft_init, csl_reef_hash_ecib_hw_init},
+    {CSL_HASH_TYPE_L2_MAC, _l2_mac_soft_init, nullptr},
+};
+
+// A type's step: a failure is logged and the next type still starts.  A
+// type that this chip has no tables for (-5, -24) is no failure of the
+// start; any other keeps the first such status in *rc.
+void _type_step(u32 chip_id, u32 type, i32 status, i32 *rc)
+{
+    if (status == 0) {
+        return;
+    }
+    const bool absent = status == SHR_E_EMPTY || status == SHR_E_NOT_SUPPORT;
+    if (absent) {
+        SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "reef hash table %d init err %s\n", (int)type, shr_errmsg(status));
+    } else {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "reef hash table %d init err %s\n", (int)type, shr_errmsg(status));
+    }
+    if (!absent && *rc == 0) {
+        *rc = status;
+    }
+}
+
+// Every row of the four exact-match tables zeroed.
+i32 _ecib_clean_all(u32 chip_id)
+{
+    struct Kind {
+        u32 kind;
+        u32 tab;
+        const char *text;
+    };
+    static const Kind kKinds[] = {
+        {CSL_ECIB_CLEAN_BAR0, cib_epro_em_pv_ht0_tbl, "clean ecib bar0 ret %d\n"},
+        {CSL_ECIB_CLEAN_BAR1, cib_epro_em_pv_ht1_tbl, "clean ecib bar1 ret %d\n"},
+        {CSL_ECIB_CLEAN_CAM, cib_epro_em_pv_cam_tbl, "clean ecib cam ret %d\n"},
+        {CSL_ECIB_CLEAN_AD, cib_epro_ecib_table, "clean ecib ad ret %d\n"},
+    };
+    i32 first = 0;
+    for (const Kind &k : kKinds) {
+        const cib_tab_info *t = csl_reef_tab_info_get(chip_id, k.tab);
+        const i32 rc = t == nullptr ? SHR_E_NOT_SUPPORT : csl_reef_hash_ecib_clean(chip_id, k.kind, 0, cib_tab_depth(t) - 1);
+        SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, k.text, (int)rc);
+        first = first != 0 ? first : rc;
+    }
+    return first;
+}
+
 } // namespace
 
 extern "C" {
@@ -514,6 +543,27 @@ i32 csl_reef_hash_table_get_unlock(u32 chip_id, u32 type)
     return _hash_lock_op(chip_id, type, xsal_mutex_unlock_);
 }
 
+i32 csl_reef_hash_poll_bit(u32 chip_id, u32 addr, u32 bit, u32 *word, u64 *spent_us)
+{
+    u64 start = 0;
+    *spent_us = 0;
+    for (u32 poll = 0; poll < CSL_HASH_POLLS; poll++) {
+        const i32 rc = _read(chip_id, addr, word);
+        if (rc != 0) {
+            return rc;
+        }
+        if (((*word >> bit) & 1u) != 0) {
+            *spent_us = poll == 0 ? 0 : xsal_time_usecs() - start;
+            return 0;
+        }
+        if (poll == 0) {
+            start = xsal_time_usecs();
+        }
+        xsal_udelay(CSL_HASH_POLL_US);
+    }
+    return SHR_E_TIMEOUT;
+}
+
 i32 csl_reef_hash_tab_soft_init(u32 chip_id)
 {
     if (chip_id >= SHR_MAX_CHIPS) {
@@ -528,11 +578,8 @@ i32 csl_reef_hash_tab_soft_init(u32 chip_id)
             }
         }
     }
-    // The MAC table needs no software of its own beyond its command block;
-    // the exact-match tables join here when their engine exists.
-    if (!_block_resolve(chip_id, g_block[chip_id]) || csl_reef_hash_l2_mac_layout_init(chip_id) != 0) {
-        SHR_LOG_DBG(chip_id, SHR_MOD_ARL, "reef hash table %d init err %s\n", (int)CSL_HASH_TYPE_L2_MAC,
-                    shr_errmsg(SHR_E_EMPTY));
+    for (const TypeInit &t : kTypeInits) {
+        _type_step(chip_id, t.type, t.soft(chip_id), &rc);
     }
     return rc;
 }
@@ -542,6 +589,7 @@ i32 csl_reef_hash_tab_soft_deinit(u32 chip_id)
     if (chip_id >= SHR_MAX_CHIPS) {
         return SHR_E_UNIT;
     }
+    csl_reef_hash_ecib_soft_deinit(chip_id);
     for (const HashLock &l : kHashLocks) {
         if (l.table[chip_id] != nullptr) {
             xsal_mutex_destroy(l.table[chip_id]);
@@ -554,9 +602,18 @@ i32 csl_reef_hash_tab_soft_deinit(u32 chip_id)
 
 i32 csl_reef_hash_tab_hw_init(u32 chip_id)
 {
+    if (chip_id >= SHR_MAX_CHIPS) {
+        return SHR_E_UNIT;
+    }
     // The MAC table is initialised by the L2 service through its init
-    // register; no other hash type has a hardware step yet.
-    return chip_id < SHR_MAX_CHIPS ? 0 : SHR_E_UNIT;
+    // register; the exact-match engine clears its memories here.
+    i32 rc = 0;
+    for (const TypeInit &t : kTypeInits) {
+        if (t.hw != nullptr) {
+            _type_step(chip_id, t.type, t.hw(chip_id), &rc);
+        }
+    }
+    return rc;
 }
 
 i32 csl_reef_hash_tab_clean(u32 chip_id, const char *name)
@@ -569,7 +626,10 @@ i32 csl_reef_hash_tab_clean(u32 chip_id, const char *name)
         u32 count = 0;
         return csl_reef_hash_l2_mac_destory_all_entry(chip_id, &fail, &count);
     }
-    if (strcasecmp(name, "ecib") == 0 || strcasecmp(name, "l3_mfib") == 0 || strcasecmp(name, "vrrp_mcdp") == 0) {
+    if (strcasecmp(name, "ecib") == 0) {
+        return _ecib_clean_all(chip_id);
+    }
+    if (strcasecmp(name, "l3_mfib") == 0 || strcasecmp(name, "vrrp_mcdp") == 0) {
         return SHR_E_NOT_SUPPORT;
     }
     return SHR_E_NOT_FOUND;

@@ -115,9 +115,10 @@ typedef struct csl_l2_mac_regs {
     u32 state;
 } csl_l2_mac_regs;
 
-/* Polls of a wait for the command block, and the busy delay between them. */
-#define CSL_L2_MAC_POLLS 8000u
-#define CSL_L2_MAC_POLL_US 3
+/* Polls of a wait for a hash engine's command block, and the busy delay
+ * between them: about 24 ms in all. */
+#define CSL_HASH_POLLS 8000u
+#define CSL_HASH_POLL_US 3
 
 /* ---- locks and set-up --------------------------------------------------------- */
 
@@ -129,6 +130,12 @@ extern xsal_mutex_t g_reef_hash_l2_mac_lock[SHR_MAX_CHIPS];
 /* 0; -4 for a type above 3; -17 when the mutex does not exist. */
 i32 csl_reef_hash_table_get_lock(u32 chip_id, u32 type);
 i32 csl_reef_hash_table_get_unlock(u32 chip_id, u32 type);
+
+/* Polls the register at `addr` until bit `bit` reads 1: at most
+ * CSL_HASH_POLLS reads with a busy delay of CSL_HASH_POLL_US between them.
+ * 0 with the last word read and the time spent waiting; -9 when the bit
+ * never came; a failed read's status. */
+i32 csl_reef_hash_poll_bit(u32 chip_id, u32 addr, u32 bit, u32 *word, u64 *spent_us);
 
 i32 csl_reef_hash_tab_soft_init(u32 chip_id);
 i32 csl_reef_hash_tab_soft_deinit(u32 chip_id);
@@ -174,7 +181,36 @@ i32 csl_reef_hash_table_test(u32 chip_id, u32 use_sample, char *out, u32 out_len
 #ifdef __cplusplus
 }
 
+#include <cstring>
+
+#include "csl/reef/reg_tbl/csl_reef_cib.h"
+
 /* ---- the entry as one 128-bit number ------------------------------------------- */
+
+namespace tide::hash {
+
+/* Holds a hash type's mutex for a scope; status() is the lock's result,
+ * and nothing was taken unless it is 0. */
+class HashGuard {
+public:
+    HashGuard(u32 chip_id, u32 type) : chip_(chip_id), type_(type), rc_(csl_reef_hash_table_get_lock(chip_id, type)) {}
+    ~HashGuard()
+    {
+        if (rc_ == 0) {
+            csl_reef_hash_table_get_unlock(chip_, type_);
+        }
+    }
+    HashGuard(const HashGuard &) = delete;
+    HashGuard &operator=(const HashGuard &) = delete;
+    i32 status() const { return rc_; }
+
+private:
+    u32 chip_;
+    u32 type_;
+    i32 rc_;
+};
+
+} // namespace tide::hash
 
 namespace tide::l2mac {
 
@@ -192,6 +228,31 @@ struct Bits {
     constexpr u32 put32(u32 v, u64 x) const { return static_cast<u32>(put(v, x)); }
     constexpr u64 max() const { return static_cast<u64>(mask()); }
 };
+
+/* A field of a register or of a table's entry in the chip's catalogue;
+ * an empty Bits when there is none of that name. */
+inline Bits reg_field(const cib_reg_info *reg, const char *name)
+{
+    for (u32 i = 0; reg != nullptr && name != nullptr && i < reg->field_count; i++) {
+        if (strcmp(reg->fields[i].name, name) == 0) {
+            return Bits{reg->fields[i].low_bit, reg->fields[i].width};
+        }
+    }
+    return Bits{};
+}
+inline Bits tab_field(const cib_tab_info *tab, const char *name)
+{
+    if (tab == nullptr || tab->modes == nullptr || name == nullptr) {
+        return Bits{};
+    }
+    const cib_tab_mode &m = tab->modes[0];
+    for (u32 i = 0; i < m.field_count; i++) {
+        if (strcmp(m.fields[i].name, name) == 0) {
+            return Bits{m.fields[i].low_bit, m.fields[i].width};
+        }
+    }
+    return Bits{};
+}
 
 /* Bytes in the field helpers' bit order to a number and back. */
 inline u128 load(const u8 *data, u32 bytes)

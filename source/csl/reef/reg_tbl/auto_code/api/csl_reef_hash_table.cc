@@ -1,13 +1,17 @@
-// The MAC table's records at the engine's level.  Field positions come
-// from the chip's catalogue (`arl_em_mac_tbl_key` for the key,
-// `arl_em_mac_tbl_ad`, the whole entry, for the AD), found once per chip
-// when the hash tables start; a conversion is then a few shifts.
+// The records of the hash tables at the engines' level.  Field positions
+// come from the chip's catalogue, found once per chip when the hash tables
+// start; a conversion is then a few shifts.  The MAC table's key is
+// `arl_em_mac_tbl_key`, its AD the whole entry `arl_em_mac_tbl_ad`; the
+// exact-match key is a slot of `epro_em_pv_cam_tbl`, its AD a row of
+// `epro_ecib_table`.
 #include "csl/reef/reg_tbl/auto_code/api/csl_reef_hash_table.h"
 
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
 
 #include "atolreef_cib.h"
+#include "csl/reef/reg_tbl/csl_reef_hash_ecib.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 
 using tide::l2mac::Bits;
@@ -56,20 +60,6 @@ struct Layout {
 };
 
 Layout g_layout[SHR_MAX_CHIPS];
-
-Bits _tab_field(const cib_tab_info *tab, const char *name)
-{
-    if (tab == nullptr || tab->modes == nullptr || name == nullptr) {
-        return Bits{};
-    }
-    const cib_tab_mode &m = tab->modes[0];
-    for (u32 i = 0; i < m.field_count; i++) {
-        if (strcmp(m.fields[i].name, name) == 0) {
-            return Bits{m.fields[i].low_bit, m.fields[i].width};
-        }
-    }
-    return Bits{};
-}
 
 const Layout *_layout(u32 chip_id)
 {
@@ -134,11 +124,19 @@ bool _mask_bit(const u8 *mask, u32 i)
     return mask == nullptr || ((mask[i / 8] >> (i % 8)) & 1) != 0;
 }
 
+// Which records a conversion is about, for its log lines.
+struct Table {
+    const char *name;
+    u32 module;
+};
+constexpr Table kL2Mac = {"l2 mac", SHR_MOD_ARL};
+constexpr Table kEcib = {"ecib", SHR_MOD_REG_TAB};
+
 // The members of a record with their mask bits set into an image; a field
-// at `shift` or above is left out (it lies beyond the data's width).
+// beyond the data's `width` is left out.
 template <size_t N>
-i32 _record_to_image(u32 chip_id, const Member (&members)[N], const Bits (&bits)[N], const void *rec,
-                     const u8 *mask, u32 width, u128 *image)
+i32 _record_to_image(u32 chip_id, const Table &table, const Member (&members)[N], const Bits (&bits)[N],
+                     const void *rec, const u8 *mask, u32 width, u128 *image)
 {
     i32 rc = 0;
     u128 v = 0;
@@ -149,7 +147,7 @@ i32 _record_to_image(u32 chip_id, const Member (&members)[N], const Bits (&bits)
         }
         const u64 x = _member_get(members[i], rec);
         if (x > f.max()) {
-            SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "l2 mac field %s value 0x%lx is wider than %u bits\n",
+            SHR_LOG_ERR(chip_id, table.module, "%s field %s value 0x%lx is wider than %u bits\n", table.name,
                         members[i].field, (unsigned long)x, (unsigned)f.width);
             rc = SHR_E_FIELD_OVERFLOW;
             continue;
@@ -206,7 +204,7 @@ i32 _to_data(u32 chip_id, const Member (&members)[N], Bits (Layout::*bits)[N], u
         return rc;
     }
     u128 v = 0;
-    rc = _record_to_image(chip_id, members, l->*bits, rec, mask, l->w.*width, &v);
+    rc = _record_to_image(chip_id, kL2Mac, members, l->*bits, rec, mask, l->w.*width, &v);
     tide::l2mac::store(v, data, _bytes(l->w.*width));
     return rc;
 }
@@ -261,11 +259,11 @@ i32 csl_reef_hash_l2_mac_layout_init(u32 chip_id)
     const cib_tab_info *ad = csl_reef_tab_info_get(chip_id, cib_arl_em_mac_tbl_ad);
     l.ok = key != nullptr && ad != nullptr && l.w.key_bits != 0;
     for (u32 i = 0; i < CSL_L2_MAC_KEY_FIELDS; i++) {
-        l.key[i] = _tab_field(key, kKeyMembers[i].field);
+        l.key[i] = tide::l2mac::tab_field(key, kKeyMembers[i].field);
         l.ok &= kKeyMembers[i].field == nullptr || l.key[i].ok();
     }
     for (u32 i = 0; i < CSL_L2_MAC_AD_FIELDS; i++) {
-        l.ad[i] = _tab_field(ad, kAdMembers[i].field);
+        l.ad[i] = tide::l2mac::tab_field(ad, kAdMembers[i].field);
         l.ok &= kAdMembers[i].field == nullptr || l.ad[i].ok();
     }
     g_layout[chip_id] = l;
@@ -347,6 +345,216 @@ i32 csl_reef_hash_l2_mac_tbl_batched_search(u32 chip_id, const csl_l2_mac_key *k
                                             u32 *return_num)
 {
     return _batched(chip_id, csl_reef_hash_l2_mac_batched_search, key, ad, ad_mask, cmp, fail_case, return_num);
+}
+
+} // extern "C"
+
+// ---- the exact-match table's records ---------------------------------------------------
+
+namespace {
+
+constexpr Member kEcibKeyMembers[ECIB_KEY_FIELDS] = {
+    {offsetof(ecib_key, tid), 1, "tid"},
+    {offsetof(ecib_key, trunk_flag), 1, "trunk_flag"},
+    {offsetof(ecib_key, portid_trunkid), 1, "portid_trunkid"},
+    {offsetof(ecib_key, ovid), 2, "ovid"},
+    {offsetof(ecib_key, ivid_opri), 2, "ivid_opri"},
+};
+
+constexpr Member kEcibAdMembers[ECIB_AD_FIELDS] = {
+    {offsetof(ecib_ad, vld), 1, "vld"},
+    {offsetof(ecib_ad, ivid), 2, "ivid"},
+    {offsetof(ecib_ad, ovid), 2, "ovid"},
+    {offsetof(ecib_ad, outer_pri), 1, "outer_pri"},
+    {offsetof(ecib_ad, outer_cfi), 1, "outer_cfi"},
+    {offsetof(ecib_ad, inner_pri), 1, "inner_pri"},
+    {offsetof(ecib_ad, inner_cfi), 1, "inner_cfi"},
+    {offsetof(ecib_ad, vlan_opc), 1, "vlan_opc"},
+    {offsetof(ecib_ad, multi_mapping_flag), 1, "multi_mapping_flag"},
+    {offsetof(ecib_ad, dpid_en), 1, "dpid_en"},
+    {offsetof(ecib_ad, dpid), 1, "dpid"},
+};
+
+// Where the fields of the two records lie, per chip; the key in a CAM
+// slot, the AD in a row of the AD table.
+struct EcibLayout {
+    bool ok = false;
+    u32 key_bits = 0;
+    u32 ad_bits = 0;
+    Bits key[ECIB_KEY_FIELDS];
+    Bits ad[ECIB_AD_FIELDS];
+};
+
+EcibLayout g_ecib_layout[SHR_MAX_CHIPS];
+
+// The layout of a chip with the exact-match tables; -5 with the sizes of
+// its type's records otherwise.
+i32 _ecib_layout(u32 chip_id, const EcibLayout **out)
+{
+    if (chip_id < SHR_MAX_CHIPS && g_ecib_layout[chip_id].ok) {
+        *out = &g_ecib_layout[chip_id];
+        return 0;
+    }
+    const u32 type = shr_chip_type_get(chip_id);
+    const csl_ecib_hw_info &hw = g_ecib_hw_info[type < 5 ? type : 4];
+    SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ERR: tbl key bytes %d ad bytes %d.\n", (int)((hw.key_bits + 7) / 8),
+                (int)((hw.ad_row_bits + 7) / 8));
+    return SHR_E_EMPTY;
+}
+
+// A record into its image of `width` bits.
+template <size_t N, typename Rec>
+i32 _ecib_to_data(u32 chip_id, const Member (&members)[N], Bits (EcibLayout::*bits)[N], u32 EcibLayout::*width,
+                  const Rec *rec, u8 *data, const u8 *mask)
+{
+    const EcibLayout *l = nullptr;
+    i32 rc = _ecib_layout(chip_id, &l);
+    if (rc != 0) {
+        return rc;
+    }
+    if (rec == nullptr || data == nullptr) {
+        SHR_LOG_ERRCODE(chip_id, SHR_E_PARAM);
+        return SHR_E_PARAM;
+    }
+    u128 v = 0;
+    rc = _record_to_image(chip_id, kEcib, members, l->*bits, rec, mask, l->*width, &v);
+    tide::l2mac::store(v, data, _bytes(l->*width));
+    return rc;
+}
+
+template <size_t N, typename Rec>
+i32 _ecib_from_data(u32 chip_id, const Member (&members)[N], Bits (EcibLayout::*bits)[N], u32 EcibLayout::*width,
+                    Rec *rec, const u8 *data)
+{
+    const EcibLayout *l = nullptr;
+    const i32 rc = _ecib_layout(chip_id, &l);
+    if (rc != 0) {
+        return rc;
+    }
+    if (rec == nullptr || data == nullptr) {
+        SHR_LOG_ERRCODE(chip_id, SHR_E_PARAM);
+        return SHR_E_PARAM;
+    }
+    *rec = Rec{};
+    _image_to_record(members, l->*bits, tide::l2mac::load(data, _bytes(l->*width)), rec);
+    return 0;
+}
+
+// A wrapper's frame: the layout, the arguments, the type 2 lock around the
+// conversions and the engine's call.
+template <typename Fn>
+i32 _ecib_wrapped(u32 chip_id, std::initializer_list<const void *> args, Fn fn)
+{
+    const EcibLayout *l = nullptr;
+    const i32 rc = _ecib_layout(chip_id, &l);
+    if (rc != 0) {
+        return rc;
+    }
+    for (const void *p : args) {
+        if (p == nullptr) {
+            SHR_LOG_ERRCODE(chip_id, SHR_E_PARAM);
+            return SHR_E_PARAM;
+        }
+    }
+    tide::hash::HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
+    return hold.status() != 0 ? hold.status() : fn();
+}
+
+// A search, then the AD row of the entry from the chip.
+i32 _ecib_search(u32 chip_id, u32 mode, const ecib_key *key, ecib_ad *ad, csl_ecib_search_result *result)
+{
+    return _ecib_wrapped(chip_id, {key, ad, result}, [&] {
+        u8 kdata[CSL_ECIB_KEY_BYTES] = {};
+        i32 rc = csl_reef_hash_ecib_key_TO_data(chip_id, key, kdata, nullptr);
+        rc = rc != 0 ? rc : csl_reef_hash_ecib_search(chip_id, mode, kdata, result);
+        u8 adata[CSL_ECIB_AD_BYTES] = {};
+        rc = rc != 0 ? rc : csl_reef_hash_ecib_hard_table_read(chip_id, CSL_ECIB_TAB_AD, result->ad_index, adata,
+                                                               sizeof(adata));
+        return rc != 0 ? rc : csl_reef_hash_data_TO_ecib_ad(chip_id, ad, adata);
+    });
+}
+
+} // namespace
+
+extern "C" {
+
+// Called when the hash tables of a chip start.
+i32 csl_reef_hash_ecib_layout_init(u32 chip_id)
+{
+    if (chip_id >= SHR_MAX_CHIPS) {
+        return SHR_E_UNIT;
+    }
+    EcibLayout l;
+    const u32 type = shr_chip_type_get(chip_id);
+    const csl_ecib_hw_info &hw = g_ecib_hw_info[type < 5 ? type : 4];
+    const cib_tab_info *cam = csl_reef_tab_info_get(chip_id, cib_epro_em_pv_cam_tbl);
+    const cib_tab_info *ad = csl_reef_tab_info_get(chip_id, cib_epro_ecib_table);
+    l.key_bits = hw.key_bits;
+    l.ad_bits = hw.ad_row_bits;
+    l.ok = cam != nullptr && ad != nullptr && hw.key_bits != 0;
+    for (u32 i = 0; i < ECIB_KEY_FIELDS; i++) {
+        l.key[i] = tide::l2mac::tab_field(cam, kEcibKeyMembers[i].field);
+        l.ok &= l.key[i].ok() && l.key[i].low + l.key[i].width <= hw.key_bits;
+    }
+    for (u32 i = 0; i < ECIB_AD_FIELDS; i++) {
+        l.ad[i] = tide::l2mac::tab_field(ad, kEcibAdMembers[i].field);
+        l.ok &= l.ad[i].ok();
+    }
+    g_ecib_layout[chip_id] = l;
+    return l.ok ? 0 : SHR_E_EMPTY;
+}
+
+i32 csl_reef_hash_ecib_key_TO_data(u32 chip_id, const ecib_key *key, u8 *data, const u8 *mask)
+{
+    return _ecib_to_data(chip_id, kEcibKeyMembers, &EcibLayout::key, &EcibLayout::key_bits, key, data, mask);
+}
+
+i32 csl_reef_hash_data_TO_ecib_key(u32 chip_id, ecib_key *key, const u8 *data)
+{
+    return _ecib_from_data(chip_id, kEcibKeyMembers, &EcibLayout::key, &EcibLayout::key_bits, key, data);
+}
+
+i32 csl_reef_hash_ecib_ad_TO_data(u32 chip_id, const ecib_ad *ad, u8 *data, const u8 *mask)
+{
+    return _ecib_to_data(chip_id, kEcibAdMembers, &EcibLayout::ad, &EcibLayout::ad_bits, ad, data, mask);
+}
+
+i32 csl_reef_hash_data_TO_ecib_ad(u32 chip_id, ecib_ad *ad, const u8 *data)
+{
+    return _ecib_from_data(chip_id, kEcibAdMembers, &EcibLayout::ad, &EcibLayout::ad_bits, ad, data);
+}
+
+i32 csl_reef_hash_ecib_add(u32 chip_id, const ecib_key *key, const u8 *key_mask, const ecib_ad *ad,
+                           const u8 *ad_mask)
+{
+    return _ecib_wrapped(chip_id, {key, ad}, [&] {
+        u8 kdata[CSL_ECIB_KEY_BYTES] = {};
+        u8 adata[CSL_ECIB_AD_BYTES] = {};
+        i32 rc = csl_reef_hash_ecib_key_TO_data(chip_id, key, kdata, key_mask);
+        rc = rc != 0 ? rc : csl_reef_hash_ecib_ad_TO_data(chip_id, ad, adata, ad_mask);
+        return rc != 0 ? rc : csl_reef_hash_ecib_insert(chip_id, kdata, adata, 0);
+    });
+}
+
+i32 csl_reef_hash_ecib_del(u32 chip_id, const ecib_key *key)
+{
+    return _ecib_wrapped(chip_id, {key}, [&] {
+        u8 kdata[CSL_ECIB_KEY_BYTES] = {};
+        const i32 rc = csl_reef_hash_ecib_key_TO_data(chip_id, key, kdata, nullptr);
+        return rc != 0 ? rc : csl_reef_hash_ecib_delete(chip_id, kdata);
+    });
+}
+
+i32 csl_reef_hash_ecib_tbl_search_hard(u32 chip_id, const ecib_key *key, ecib_ad *ad,
+                                       csl_ecib_search_result *result)
+{
+    return _ecib_search(chip_id, CSL_ECIB_SEARCH_HARD, key, ad, result);
+}
+
+i32 csl_reef_hash_ecib_tbl_search_soft(u32 chip_id, const ecib_key *key, ecib_ad *ad,
+                                       csl_ecib_search_result *result)
+{
+    return _ecib_search(chip_id, CSL_ECIB_SEARCH_SOFT, key, ad, result);
 }
 
 } // extern "C"
