@@ -24,13 +24,15 @@ typedef struct base_field_op {
     uint32_t data_bytes;    /* size of data */
 } base_field_op;
 
-/* Hash table door. */
+/* Hash table door.  Images are in the table's bit layout, bit n in bit
+ * n % 8 of byte n / 8: for "ECIB" the key's 34 bits and the 64-bit AD row;
+ * for "L2_MAC" the key and AD buffers of the MAC table's engine. */
 typedef struct base_hash_op {
     const char *op;    /* "add-entry", "del-entry", "hard-search-key", "soft-search-key" or a prefix */
     const char *table; /* "L3_MFIB", "VRRP_MCDP", "ECIB", "L2_MAC" */
-    void *key;
-    void *data;
-    uint32_t option;
+    void *key;         /* key image */
+    void *data;        /* AD image of an add */
+    uint32_t option;   /* an add: 1 puts the entry in the CAM */
 } base_hash_op;
 
 typedef struct base_hash_dump {

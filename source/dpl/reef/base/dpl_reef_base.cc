@@ -9,6 +9,7 @@
 #include "csl/reef/reg_tbl/csl_reef_field.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/base/dpl_reef_base.h"
+#include "dpl/reef/base/dpl_reef_base_hash.h"
 #include "dpl/reef/base/dpl_reef_base_index_manage.h"
 #include "csl/common/port/csl_port.h"
 #include "shared/shr_property_int.h"
@@ -242,6 +243,12 @@ static constexpr reef_base_dispatch_t _dpl_reef_base_dispatch_make()
     t.field_set = dpl_reef_base_field_set;
     t.field_get = dpl_reef_base_field_get;
     t.tab_data_to_string = dpl_reef_base_tab_data_to_string;
+    t.hash_tab_summary_show = dpl_reef_base_hash_tab_summary_show;
+    t.hash_tab_op = dpl_reef_base_hash_tab_op;
+    t.hash_tab_dump = dpl_reef_base_hash_tab_dump;
+    t.hash_alg_set = dpl_reef_base_hash_alg_set;
+    t.hash_alg_get = dpl_reef_base_hash_alg_get;
+    t.hash_info_show = dpl_reef_base_hash_info_show;
     t.chip_module_cnt_show = dpl_reef_base_chip_module_cnt_show;
     return t;
 }
