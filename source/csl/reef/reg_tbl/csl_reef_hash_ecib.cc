@@ -294,6 +294,17 @@ i32 _reg_read(u32 chip_id, u32 addr, u32 *value)
     return rc;
 }
 
+u32 _words(u32 bits)
+{
+    return (bits + 31) / 32;
+}
+
+// A row's data words and no more: a barrel row is six, a CAM row two.
+u32 _row_words(const Engine &e, u32 mem)
+{
+    return _words(mem == kCam ? e.hw.cam_row_bits : e.hw.barrel_row_bits);
+}
+
 // Texts of a command's wait.
 struct Wait {
     const char *time;
@@ -303,13 +314,13 @@ constexpr Wait kWaitWrite = {"hash write time: %lu us. \n", "hash write opertion
 constexpr Wait kWaitRead = {"hash read time: %lu us. \n", "hash read opertion timeout\n"};
 constexpr Wait kWaitSearch = {"[SEARCH] hash search time: %lu us. \n", "hash search opertion timeout\n"};
 
-// One command: the data words (when given), the row, the opcode with the
-// start bit, a bounded wait for done, and `rwords` result words.
-i32 _command(u32 chip_id, const Engine &e, u32 opcode, u32 row, const u8 *wdata, u32 *rdata, u32 rwords,
-             const Wait &wait)
+// One command: `wwords` data words, the row, the opcode with the start
+// bit, a bounded wait for done, and `rwords` result words.
+i32 _command(u32 chip_id, const Engine &e, u32 opcode, u32 row, const u8 *wdata, u32 wwords, u32 *rdata,
+             u32 rwords, const Wait &wait)
 {
     i32 rc = 0;
-    for (u32 i = 0; wdata != nullptr && i < kDataWords && rc == 0; i++) {
+    for (u32 i = 0; i < wwords && rc == 0; i++) {
         u32 w = 0;
         memcpy(&w, wdata + 4 * i, 4);
         rc = _reg_write(chip_id, e.wdat[i], w);
@@ -351,7 +362,7 @@ i32 _csl_reef_hash_ecib_hard_table_search(u32 chip_id, const Engine &e, u64 key,
         data[i] = static_cast<u8>(word >> (8 * i));
     }
     u32 res[kMems] = {};
-    rc = _command(chip_id, e, kOpSearch, 0, data, res, kMems, kWaitSearch);
+    rc = _command(chip_id, e, kOpSearch, 0, data, _words(e.hw.key_bits + e.hw.hash_id_bits), res, kMems, kWaitSearch);
     if (rc != 0) {
         return rc;
     }
@@ -1029,7 +1040,7 @@ i32 csl_reef_hash_ecib_hard_table_write(u32 chip_id, u32 tab, u32 index, const u
     }
     HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
     rc = hold.status();
-    return rc != 0 ? rc : _command(chip_id, *e, mem, index, data, nullptr, 0, kWaitWrite);
+    return rc != 0 ? rc : _command(chip_id, *e, mem, index, data, _row_words(*e, mem), nullptr, 0, kWaitWrite);
 }
 
 i32 csl_reef_hash_ecib_hard_table_read(u32 chip_id, u32 tab, u32 index, u8 *data, u32 len)
@@ -1055,7 +1066,7 @@ i32 csl_reef_hash_ecib_hard_table_read(u32 chip_id, u32 tab, u32 index, u8 *data
     rc = hold.status();
     u32 words[kDataWords] = {};
     if (rc == 0) {
-        rc = _command(chip_id, *e, kOpRead + mem, index, nullptr, words, kDataWords, kWaitRead);
+        rc = _command(chip_id, *e, kOpRead + mem, index, nullptr, 0, words, _row_words(*e, mem), kWaitRead);
     }
     if (rc == 0) {
         memcpy(data, words, CSL_ECIB_ROW_BYTES);
