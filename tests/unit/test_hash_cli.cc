@@ -71,6 +71,23 @@ TEST_F(HashCli, AnOperatorAddsSearchesAndDeletesAnExactMatchEntry)
     EXPECT_TRUE(said("NOTE: search entry Missed!\n")) << out_;
 }
 
+// The lines of the notes and the README, as they stand there.
+TEST_F(HashCli, TheExampleOfTheNotesRuns)
+{
+    for (const char *line : {"hash set-key 0x01030640C8", "hash set-ad 0x2000002580200000", "hash add-entry ECIB",
+                             "hash hard-search-key ECIB", "show hash software ECIB bar0 0 num 128",
+                             "show hash summary", "hash set-alg ECIB bar0 2 bar1 3 left-shift 1"}) {
+        ASSERT_EQ(run(line), 0) << line << "\n" << out_;
+        if (std::string(line) == "hash hard-search-key ECIB") {
+            EXPECT_TRUE(said("ad: vld 1 ivid 0x0000 ovid 0x012c")) << out_;
+            EXPECT_TRUE(said("vlan_opc 1 ")) << out_;
+        }
+        if (std::string(line).rfind("show hash software", 0) == 0) {
+            EXPECT_TRUE(said("tid 1 trunk_flag 0 portid_trunkid 3 ovid 100 ivid_opri 200 ad 0\n")) << out_;
+        }
+    }
+}
+
 TEST_F(HashCli, ForcedInsertsAndTheDisplaysOfTheTables)
 {
     ASSERT_EQ(run(std::string("hash set-key ") + kKey), 0);

@@ -205,6 +205,46 @@ TEST_F(Ecib, TheChipFindsEveryKeyWhereTheSoftwarePlacedIt)
     EXPECT_EQ(checked, 24u * 250u);
 }
 
+// A change costs one chip command per row write: an add one; a delete that
+// pulls a CAM entry down three (the freed barrel row, the same row with the
+// moved entry, the CAM row).
+TEST_F(Ecib, EachChangedRowIsOneCommandToTheChip)
+{
+    const u32 info = atolreef_cib_epro_em_cfg_info_reg.addr[0];
+    const u32 ad_table = atolreef_cib_epro_ecib_tablem.addr[0];
+    auto commands = [&](u32 *ad_writes) {
+        u32 n = 0;
+        *ad_writes = 0;
+        for (const tide_sim_write &w : tide::test::sim_writes(0)) {
+            n += w.addr == info ? 1 : 0;
+            *ad_writes += w.addr >= ad_table && w.addr < ad_table + 256 * 8 ? 1 : 0;
+        }
+        tide_sim_write_log_clear(0);
+        return n;
+    };
+    const std::vector<u64> keys = colliding(9);
+    for (u32 i = 0; i < 9; i++) {
+        ASSERT_EQ(insert(keys[i], i), i < 8 ? 0 : SHR_E_HASH_CONFLICT);
+    }
+    tide_sim_stats before{}, after{};
+    ASSERT_EQ(tide_sim_stats_get(0, &before), 0);
+    tide_sim_write_log_clear(0);
+    ASSERT_EQ(insert(key_of(7, 7, 7), 1), 0);
+    u32 ad_writes = 0;
+    EXPECT_EQ(commands(&ad_writes), 1u);
+    EXPECT_EQ(ad_writes, 2u);
+    ASSERT_EQ(tide_sim_stats_get(0, &after), 0);
+    EXPECT_EQ(after.hook_writes - before.hook_writes, 10u);
+    EXPECT_EQ(after.hook_reads - before.hook_reads, 6u);
+    ASSERT_EQ(del(keys[1]), 0);
+    EXPECT_EQ(commands(&ad_writes), 3u);
+    EXPECT_EQ(ad_writes, 2u);
+    // A hit changes no row.
+    ASSERT_EQ(insert(keys[0], 5), SHR_E_EXISTS);
+    EXPECT_EQ(commands(&ad_writes), 0u);
+    EXPECT_EQ(ad_writes, 2u);
+}
+
 TEST_F(Ecib, AnExistingKeyChangesOnlyItsActionRow)
 {
     const std::vector<u64> keys = colliding(9);
