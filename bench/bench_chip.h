@@ -3,6 +3,7 @@
 #ifndef TIDE_BENCH_CHIP_H
 #define TIDE_BENCH_CHIP_H
 
+#include <benchmark/benchmark.h>
 #include <tide/sim.h>
 #include <tide/tide.h>
 
@@ -33,6 +34,26 @@ inline Chip &chip()
 {
     static Chip c;
     return c;
+}
+
+// Runs `op(i)` for i = 0, 1, ... in turn, `start` first; every `batch`
+// items, outside the timing, `refill` puts the chip's table back and i
+// starts again from 0.
+template <typename Op>
+void in_batches(benchmark::State &state, uint32_t batch, void (*start)(), void (*refill)(), Op op)
+{
+    start();
+    uint32_t i = 0;
+    for (auto _ : state) {
+        if (i == batch) {
+            state.PauseTiming();
+            refill();
+            i = 0;
+            state.ResumeTiming();
+        }
+        op(i++);
+    }
+    state.SetItemsProcessed(state.iterations());
 }
 
 } // namespace tide::bench

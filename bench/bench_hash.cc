@@ -56,23 +56,11 @@ void _fill()
 
 void _nothing() {}
 
-// Runs `op` on the keys in turn, `start` first; every kBatch of them,
-// outside the timing, `refill` puts the table back.
+// `op` on the keys in turn, in batches of the table's refill.
 template <typename Op>
 void _in_batches(benchmark::State &state, void (*start)(), void (*refill)(), Op op)
 {
-    start();
-    u32 i = 0;
-    for (auto _ : state) {
-        if (i == kBatch) {
-            state.PauseTiming();
-            refill();
-            i = 0;
-            state.ResumeTiming();
-        }
-        op(keys()[i++]);
-    }
-    state.SetItemsProcessed(state.iterations());
+    tide::bench::in_batches(state, kBatch, start, refill, [&](u32 i) { op(keys()[i]); });
 }
 
 void BM_EcibAdd(benchmark::State &state)

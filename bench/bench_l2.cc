@@ -56,23 +56,10 @@ void _fill()
     }
 }
 
-// Runs `op` on the addresses in turn, `start` first; every kBatch of them,
-// outside the timing, `refill` puts the table back.
 template <typename Op>
 void _in_batches(benchmark::State &state, void (*start)(), void (*refill)(), Op op)
 {
-    start();
-    u32 i = 0;
-    for (auto _ : state) {
-        if (i == kBatch) {
-            state.PauseTiming();
-            refill();
-            i = 0;
-            state.ResumeTiming();
-        }
-        op(i++);
-    }
-    state.SetItemsProcessed(state.iterations());
+    tide::bench::in_batches(state, kBatch, start, refill, op);
 }
 
 void _nothing() {}

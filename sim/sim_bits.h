@@ -23,6 +23,30 @@ inline FieldRef field_of(const desc::Field *fields, uint32_t count, const char *
     return f != nullptr ? FieldRef{f->low, f->width} : FieldRef{};
 }
 
+// A field or register that an engine needs: found in the description, or
+// `ok` cleared (an engine with a gap does not run).
+inline FieldRef need_field(bool &ok, const desc::Field *fields, uint32_t count, const char *name)
+{
+    const FieldRef f = field_of(fields, count, name);
+    ok &= f.ok();
+    return f;
+}
+
+// The first address of a register (0 when it is missing), its record at
+// *out when asked.
+inline uint32_t need_register(bool &ok, const char *name, const desc::Register **out)
+{
+    const desc::Register *r = desc::find_register(name);
+    if (out != nullptr) {
+        *out = r;
+    }
+    if (r == nullptr || r->instances == 0) {
+        ok = false;
+        return 0;
+    }
+    return r->addrs[0];
+}
+
 inline uint64_t width_mask(uint32_t width)
 {
     return width >= 64 ? ~0ull : (1ull << width) - 1;

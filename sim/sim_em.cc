@@ -110,26 +110,6 @@ EmEngine::EmEngine(Chip &chip) : chip_(chip)
     ok_ &= key_bits_ + s_ad_.width + 1 == slot_bits_ && key_bits_ + s_ad_.width <= 64;
 }
 
-uint32_t EmEngine::need_reg(const char *name, const desc::Register **out)
-{
-    const desc::Register *r = desc::find_register(name);
-    if (out != nullptr) {
-        *out = r;
-    }
-    if (r == nullptr || r->instances == 0) {
-        ok_ = false;
-        return 0;
-    }
-    return r->addrs[0];
-}
-
-FieldRef EmEngine::need(const desc::Field *fields, uint32_t count, const char *name)
-{
-    const FieldRef f = field_of(fields, count, name);
-    ok_ &= f.ok();
-    return f;
-}
-
 void EmEngine::install()
 {
     if (!ok_) {

@@ -61,8 +61,14 @@ private:
     uint32_t key_bits_ = 0;
     uint32_t hash_id_bits_ = 0;
 
-    uint32_t need_reg(const char *name, const desc::Register **out = nullptr);
-    FieldRef need(const desc::Field *fields, uint32_t count, const char *name);
+    uint32_t need_reg(const char *name, const desc::Register **out = nullptr)
+    {
+        return need_register(ok_, name, out);
+    }
+    FieldRef need(const desc::Field *fields, uint32_t count, const char *name)
+    {
+        return need_field(ok_, fields, count, name);
+    }
 
     void on_command(uint32_t info);
     void search();

@@ -87,6 +87,18 @@ i32 _image_set(u32 chip_id, const char *text, u8 (HashSession::*image)[k_image_b
     return 0;
 }
 
+// A command of one word: the API's call with it, and the failure's line.
+template <typename Fn>
+i32 _with_word(i32 argc, char **argv, const char *what, Fn fn)
+{
+    i32 rc = _argc_check(argc, 1);
+    if (rc == 0) {
+        rc = fn(argv[0]);
+        rc = rc != 0 ? _fail(what, rc) : 0;
+    }
+    return rc;
+}
+
 bool _num(const char *word, u32 *out)
 {
     if (cli_get_uint32_param(word, out) != 0) {
@@ -196,24 +208,17 @@ i32 cli_base_hash_tab_alg_set(u32 chip_id, u32, i32 argc, char **argv)
 // hash get-alg WORD
 i32 cli_base_hash_tab_alg_get(u32 chip_id, u32, i32 argc, char **argv)
 {
-    i32 rc = _argc_check(argc, 1);
-    if (rc != 0) {
-        return rc;
-    }
-    base_hash_alg a{argv[0], 0, 0, 0, 0};
-    rc = base_api_hash_alg_get(chip_id, &a);
-    return rc != 0 ? _fail("base_api_hash_alg_get", rc) : 0;
+    return _with_word(argc, argv, "base_api_hash_alg_get", [&](const char *table) {
+        base_hash_alg a{table, 0, 0, 0, 0};
+        return base_api_hash_alg_get(chip_id, &a);
+    });
 }
 
 // show hash info WORD
 i32 cli_base_hash_tab_info_show(u32 chip_id, u32, i32 argc, char **argv)
 {
-    i32 rc = _argc_check(argc, 1);
-    if (rc != 0) {
-        return rc;
-    }
-    rc = base_api_hash_info_show(chip_id, argv[0]);
-    return rc != 0 ? _fail("base_api_hash_info_show", rc) : 0;
+    return _with_word(argc, argv, "base_api_hash_info_show",
+                      [&](const char *table) { return base_api_hash_info_show(chip_id, table); });
 }
 
 } // extern "C"

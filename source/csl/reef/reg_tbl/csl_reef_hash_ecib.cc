@@ -276,24 +276,6 @@ i32 _csl_reef_hash_ecib_bar_index_get(u32 chip_id, const Engine &e, u64 key, u32
 
 // ---- the command block ---------------------------------------------------------------------
 
-i32 _reg_write(u32 chip_id, u32 addr, u32 value)
-{
-    const i32 rc = csl_reg_write32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
-
-i32 _reg_read(u32 chip_id, u32 addr, u32 *value)
-{
-    const i32 rc = csl_reg_read32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
-
 u32 _words(u32 bits)
 {
     return (bits + 31) / 32;
@@ -323,13 +305,13 @@ i32 _command(u32 chip_id, const Engine &e, u32 opcode, u32 row, const u8 *wdata,
     for (u32 i = 0; i < wwords && rc == 0; i++) {
         u32 w = 0;
         memcpy(&w, wdata + 4 * i, 4);
-        rc = _reg_write(chip_id, e.wdat[i], w);
+        rc = csl_reef_hash_reg_write(chip_id, e.wdat[i], w);
     }
     if (rc == 0) {
-        rc = _reg_write(chip_id, e.addr, row);
+        rc = csl_reef_hash_reg_write(chip_id, e.addr, row);
     }
     if (rc == 0) {
-        rc = _reg_write(chip_id, e.info, e.start.put32(e.opcode.put32(0, opcode), 1));
+        rc = csl_reef_hash_reg_write(chip_id, e.info, e.start.put32(e.opcode.put32(0, opcode), 1));
     }
     u32 word = 0;
     u64 spent = 0;
@@ -342,7 +324,7 @@ i32 _command(u32 chip_id, const Engine &e, u32 opcode, u32 row, const u8 *wdata,
         }
     }
     for (u32 i = 0; i < rwords && rc == 0; i++) {
-        rc = _reg_read(chip_id, e.rdat[i], &rdata[i]);
+        rc = csl_reef_hash_reg_read(chip_id, e.rdat[i], &rdata[i]);
     }
     return rc;
 }
@@ -447,26 +429,34 @@ i32 _row_scan(u32 chip_id, const Engine &e, u32 mem, u32 row, u64 key, RowScan *
     return 0;
 }
 
+// What the images say of a key: where it is, the first free CAM row (the
+// depth when none) and its two barrel rows.
+struct Lookup {
+    Place hit;
+    bool found = false;
+    u32 cam_free = 0;
+    RowScan scan[2];
+};
+
 // The key in the images: CAM, then its barrel 0 row, then its barrel 1
-// row.  `scan` receives both barrel rows.
-i32 _soft_find(u32 chip_id, const Engine &e, u64 key, Place *hit, bool *found, u32 *cam_free, RowScan scan[2])
+// row.  A key found in the CAM needs no bucket rows.
+i32 _soft_find(u32 chip_id, const Engine &e, u64 key, Lookup *lk)
 {
-    i32 rc = _cam_find(chip_id, e, key, hit, found, cam_free);
-    if (rc != 0 || *found) {
+    i32 rc = _cam_find(chip_id, e, key, &lk->hit, &lk->found, &lk->cam_free);
+    if (rc != 0 || lk->found) {
         return rc;
     }
     u32 row[2] = {};
     rc = _csl_reef_hash_ecib_bar_index_get(chip_id, e, key, &row[0], &row[1]);
     for (u32 b = 0; b < 2 && rc == 0; b++) {
-        rc = _row_scan(chip_id, e, b, row[b], key, &scan[b]);
-        if (rc == 0 && !*found && scan[b].hit) {
-            *hit = scan[b].place;
-            *found = true;
+        rc = _row_scan(chip_id, e, b, row[b], key, &lk->scan[b]);
+        if (rc == 0 && !lk->found && lk->scan[b].hit) {
+            lk->hit = lk->scan[b].place;
+            lk->found = true;
         }
+        // A row without a hit still tells where the key would go.
+        lk->scan[b].place.row = row[b];
     }
-    // A row without a hit still tells where the key would go.
-    scan[0].place.row = row[0];
-    scan[1].place.row = row[1];
     return rc;
 }
 
@@ -495,15 +485,13 @@ i32 _place_new(u32 chip_id, const Engine &e, u32 mem, u32 row, u32 slot, u64 key
 
 i32 _insert(u32 chip_id, const Engine &e, u64 key, const u8 *ad, u32 force)
 {
-    Place hit;
-    bool found = false;
-    u32 cam_free = 0;
-    RowScan scan[2];
-    i32 rc = _soft_find(chip_id, e, key, &hit, &found, &cam_free, scan);
+    Lookup lk;
+    i32 rc = _soft_find(chip_id, e, key, &lk);
     if (rc != 0) {
         return rc;
     }
-    if (found) {
+    const Place &hit = lk.hit;
+    if (lk.found) {
         // An existing key keeps its place: only its action changes.
         SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "%s", kHitText[hit.mem]);
         rc = _ad_write(chip_id, _slot_ad(e, hit.value), ad);
@@ -517,17 +505,17 @@ i32 _insert(u32 chip_id, const Engine &e, u64 key, const u8 *ad, u32 force)
     if (force == 0) {
         // Barrel 0 is preferred however full it is.
         for (u32 b = 0; b < 2; b++) {
-            if (scan[b].free_slot < CSL_ECIB_SLOTS) {
-                return _place_new(chip_id, e, b, scan[b].place.row, scan[b].free_slot, key, ad, ad_index);
+            if (lk.scan[b].free_slot < CSL_ECIB_SLOTS) {
+                return _place_new(chip_id, e, b, lk.scan[b].place.row, lk.scan[b].free_slot, key, ad, ad_index);
             }
         }
     }
-    if (cam_free >= e.depth[kCam]) {
+    if (lk.cam_free >= e.depth[kCam]) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "Wrong! cam table is full!\n");
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "Error! insert failed!!!\n");
         return SHR_E_FULL;
     }
-    rc = _place_new(chip_id, e, kCam, cam_free, 0, key, ad, ad_index);
+    rc = _place_new(chip_id, e, kCam, lk.cam_free, 0, key, ad, ad_index);
     if (rc != 0 || force != 0) {
         return rc;
     }
@@ -589,15 +577,13 @@ i32 _ad_release(u32 chip_id, u32 index)
 
 i32 _delete(u32 chip_id, const Engine &e, u64 key)
 {
-    Place hit;
-    bool found = false;
-    u32 cam_free = 0;
-    RowScan scan[2];
-    i32 rc = _soft_find(chip_id, e, key, &hit, &found, &cam_free, scan);
+    Lookup lk;
+    i32 rc = _soft_find(chip_id, e, key, &lk);
     if (rc != 0) {
         return rc;
     }
-    if (!found) {
+    const Place &hit = lk.hit;
+    if (!lk.found) {
         SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "delete not hit!\n");
         return SHR_E_NOT_FOUND;
     }
@@ -721,34 +707,47 @@ i32 _ready(u32 chip_id, Engine **e)
     return 0;
 }
 
-// The usual entry of an operation on images: a chip with the engine,
-// the type 2 lock, images present.  Runs `fn(engine)` under the lock.
+// A chip with the engine, under the type 2 lock: runs `fn(engine)`.
 template <typename Fn>
-i32 _locked(u32 chip_id, Fn fn)
+i32 _with_engine(u32 chip_id, Fn fn)
 {
     Engine *e = nullptr;
-    i32 rc = _ready(chip_id, &e);
+    const i32 rc = _ready(chip_id, &e);
     if (rc != 0) {
         return rc;
     }
     HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
-    if (hold.status() != 0) {
-        return hold.status();
-    }
-    rc = _judge_tab_cache_is_enable(chip_id);
-    return rc != 0 ? rc : fn(*e);
+    return hold.status() != 0 ? hold.status() : fn(*e);
 }
 
-// A row command's buffer holds the six data words, and the row exists.
-i32 _row_args_check(u32 chip_id, const Engine &e, u32 mem, u32 index, u32 len)
+// The usual entry of an operation on images: as _with_engine, with the
+// images present.
+template <typename Fn>
+i32 _locked(u32 chip_id, Fn fn)
 {
+    return _with_engine(chip_id, [&](Engine &e) {
+        const i32 rc = _judge_tab_cache_is_enable(chip_id);
+        return rc != 0 ? rc : fn(e);
+    });
+}
+
+// A row command: an internal table of the command's kind (from `first`,
+// one per memory), a buffer for the six data words, a row that exists.
+// The memory at *mem.
+i32 _row_args_check(u32 chip_id, const Engine &e, u32 tab, u32 first, u32 index, u32 len, u32 *mem)
+{
+    if (tab < first || tab >= first + kMems) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib table %u is not %u to %u\n", tab, first, first + kMems - 1);
+        return SHR_E_PARAM;
+    }
+    *mem = tab - first;
     if (len < CSL_ECIB_ROW_BYTES) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "data_len %d smaller than need %zu\n", (int)len,
                     (size_t)CSL_ECIB_ROW_BYTES);
         return SHR_E_PARAM;
     }
-    if (index >= e.depth[mem]) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib row %u is beyond %u rows\n", index, e.depth[mem]);
+    if (index >= e.depth[*mem]) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib row %u is beyond %u rows\n", index, e.depth[*mem]);
         return SHR_E_PARAM;
     }
     return 0;
@@ -820,31 +819,24 @@ i32 csl_reef_hash_ecib_soft_deinit(u32 chip_id)
 
 i32 csl_reef_hash_ecib_hw_init(u32 chip_id)
 {
-    Engine *e = nullptr;
-    i32 rc = _ready(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
-    if (hold.status() != 0) {
-        return hold.status();
-    }
-    rc = csl_reef_reg_set_u32(chip_id, cib_epro_em_init_start, 1);
-    u32 word = 0;
-    u64 spent = 0;
-    if (rc == 0) {
-        rc = csl_reef_hash_poll_bit(chip_id, e->init_done, e->init_done_bit.low, &word, &spent);
-        if (rc == SHR_E_TIMEOUT) {
-            SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "hash opertion timeout\n");
-        } else if (rc == 0) {
-            SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "[INIT] hash init time: %lu us. \n", (unsigned long)spent);
+    return _with_engine(chip_id, [&](Engine &e) {
+        i32 rc = csl_reef_reg_set_u32(chip_id, cib_epro_em_init_start, 1);
+        u32 word = 0;
+        u64 spent = 0;
+        if (rc == 0) {
+            rc = csl_reef_hash_poll_bit(chip_id, e.init_done, e.init_done_bit.low, &word, &spent);
+            if (rc == SHR_E_TIMEOUT) {
+                SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "hash opertion timeout\n");
+            } else if (rc == 0) {
+                SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "[INIT] hash init time: %lu us. \n", (unsigned long)spent);
+            }
         }
-    }
-    // The chip's memories are empty now: so are the images.
-    if (rc == 0) {
-        rc = _soft_clear(chip_id, *e);
-    }
-    return rc != 0 ? rc : csl_reef_hash_alg_mode_set(chip_id, CSL_HASH_TYPE_ECIB, 0, 1, 0);
+        // The chip's memories are empty now: so are the images.
+        if (rc == 0) {
+            rc = _soft_clear(chip_id, e);
+        }
+        return rc != 0 ? rc : csl_reef_hash_alg_mode_set(chip_id, CSL_HASH_TYPE_ECIB, 0, 1, 0);
+    });
 }
 
 i32 csl_reef_hash_ecib_insert(u32 chip_id, const u8 *key, const u8 *ad, u32 force)
@@ -877,17 +869,15 @@ i32 csl_reef_hash_ecib_search(u32 chip_id, u32 mode, const u8 *key, csl_ecib_sea
         if (mode == CSL_ECIB_SEARCH_HARD) {
             return _csl_reef_hash_ecib_hard_table_search(chip_id, e, k, result);
         }
-        Place hit;
-        bool found = false;
-        u32 cam_free = 0;
-        RowScan scan[2];
-        const i32 rc = _soft_find(chip_id, e, k, &hit, &found, &cam_free, scan);
+        Lookup lk;
+        const i32 rc = _soft_find(chip_id, e, k, &lk);
         if (rc != 0) {
             return rc;
         }
-        if (!found) {
+        if (!lk.found) {
             return static_cast<i32>(SHR_E_NOT_FOUND);
         }
+        const Place &hit = lk.hit;
         *result = csl_ecib_search_result{kMemHit[hit.mem], hit.row, _slot_ad(e, hit.value), static_cast<u8>(hit.slot)};
         return 0;
     });
@@ -1000,78 +990,51 @@ i32 csl_reef_hash_ecib_get_entry_size(u32 chip_id, u32 *entry_count, u32 *used_c
     if (_null(chip_id, entry_count) || _null(chip_id, used_count)) {
         return SHR_E_PARAM;
     }
-    Engine *e = nullptr;
-    i32 rc = _ready(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
-    if (hold.status() != 0) {
-        return hold.status();
-    }
-    *entry_count = g_ecib_entry_size[chip_id];
-    *used_count = 0;
-    for (u32 i = 0; i < g_ecib_entry_size[chip_id]; i++) {
-        if (g_ecib_used_entry_info[chip_id][i] != 0) {
-            if (used_list != nullptr) {
-                used_list[*used_count] = i;
+    return _with_engine(chip_id, [&](Engine &) {
+        *entry_count = g_ecib_entry_size[chip_id];
+        *used_count = 0;
+        for (u32 i = 0; i < g_ecib_entry_size[chip_id]; i++) {
+            if (g_ecib_used_entry_info[chip_id][i] != 0) {
+                if (used_list != nullptr) {
+                    used_list[*used_count] = i;
+                }
+                ++*used_count;
             }
-            ++*used_count;
         }
-    }
-    return 0;
+        return 0;
+    });
 }
 
 i32 csl_reef_hash_ecib_hard_table_write(u32 chip_id, u32 tab, u32 index, const u8 *data, u32 len)
 {
-    Engine *e = nullptr;
-    i32 rc = _null(chip_id, data) ? SHR_E_PARAM : _ready(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    if (tab < CSL_ECIB_TAB_WRITE_BAR0 || tab > CSL_ECIB_TAB_WRITE_CAM) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib table %u cannot be written\n", tab);
+    if (_null(chip_id, data)) {
         return SHR_E_PARAM;
     }
-    const u32 mem = tab - CSL_ECIB_TAB_WRITE_BAR0;
-    rc = _row_args_check(chip_id, *e, mem, index, len);
-    if (rc != 0) {
-        return rc;
-    }
-    HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
-    rc = hold.status();
-    return rc != 0 ? rc : _command(chip_id, *e, mem, index, data, _row_words(*e, mem), nullptr, 0, kWaitWrite);
+    return _with_engine(chip_id, [&](Engine &e) {
+        u32 mem = 0;
+        const i32 rc = _row_args_check(chip_id, e, tab, CSL_ECIB_TAB_WRITE_BAR0, index, len, &mem);
+        return rc != 0 ? rc : _command(chip_id, e, mem, index, data, _row_words(e, mem), nullptr, 0, kWaitWrite);
+    });
 }
 
 i32 csl_reef_hash_ecib_hard_table_read(u32 chip_id, u32 tab, u32 index, u8 *data, u32 len)
 {
-    Engine *e = nullptr;
-    i32 rc = _null(chip_id, data) ? SHR_E_PARAM : _ready(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    if (tab == CSL_ECIB_TAB_AD) {
-        return csl_reef_tab_get_direct(chip_id, cib_epro_ecib_table, index, data, len, CSL_TAB_HW);
-    }
-    if (tab < CSL_ECIB_TAB_READ_BAR0 || tab > CSL_ECIB_TAB_READ_CAM) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib table %u cannot be read\n", tab);
+    if (_null(chip_id, data)) {
         return SHR_E_PARAM;
     }
-    const u32 mem = tab - CSL_ECIB_TAB_READ_BAR0;
-    rc = _row_args_check(chip_id, *e, mem, index, len);
-    if (rc != 0) {
+    return _with_engine(chip_id, [&](Engine &e) {
+        if (tab == CSL_ECIB_TAB_AD) {
+            return csl_reef_tab_get_direct(chip_id, cib_epro_ecib_table, index, data, len, CSL_TAB_HW);
+        }
+        u32 mem = 0;
+        u32 words[kDataWords] = {};
+        i32 rc = _row_args_check(chip_id, e, tab, CSL_ECIB_TAB_READ_BAR0, index, len, &mem);
+        rc = rc != 0 ? rc : _command(chip_id, e, kOpRead + mem, index, nullptr, 0, words, _row_words(e, mem), kWaitRead);
+        if (rc == 0) {
+            memcpy(data, words, CSL_ECIB_ROW_BYTES);
+        }
         return rc;
-    }
-    HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
-    rc = hold.status();
-    u32 words[kDataWords] = {};
-    if (rc == 0) {
-        rc = _command(chip_id, *e, kOpRead + mem, index, nullptr, 0, words, _row_words(*e, mem), kWaitRead);
-    }
-    if (rc == 0) {
-        memcpy(data, words, CSL_ECIB_ROW_BYTES);
-    }
-    return rc;
+    });
 }
 
 i32 csl_reef_hash_ecib_bar_index(u32 chip_id, const u8 *key, u32 *bar0, u32 *bar1)
@@ -1115,27 +1078,20 @@ i32 csl_reef_hash_alg_mode_set(u32 chip_id, u32 type, u32 bar0_alg, u32 bar1_alg
                     bar0_alg, bar1_alg, left_shift);
         return SHR_E_PARAM;
     }
-    Engine *e = nullptr;
-    rc = _ready(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
-    if (hold.status() != 0) {
-        return hold.status();
-    }
-    cib_epro_em_hash_mode_t mode{};
-    mode.bar0_alg = bar0_alg;
-    mode.bar1_alg = bar1_alg;
-    mode.left_shift = left_shift;
-    u8 all[4] = {0xFF, 0xFF, 0xFF, 0xFF};
-    rc = csl_reef_cib_epro_em_hash_mode_set(chip_id, 0, &mode, all);
-    if (rc == 0) {
-        e->alg[0] = bar0_alg;
-        e->alg[1] = bar1_alg;
-        e->left_shift = left_shift;
-    }
-    return rc;
+    return _with_engine(chip_id, [&](Engine &e) {
+        cib_epro_em_hash_mode_t mode{};
+        mode.bar0_alg = bar0_alg;
+        mode.bar1_alg = bar1_alg;
+        mode.left_shift = left_shift;
+        u8 all[4] = {0xFF, 0xFF, 0xFF, 0xFF};
+        const i32 st = csl_reef_cib_epro_em_hash_mode_set(chip_id, 0, &mode, all);
+        if (st == 0) {
+            e.alg[0] = bar0_alg;
+            e.alg[1] = bar1_alg;
+            e.left_shift = left_shift;
+        }
+        return st;
+    });
 }
 
 i32 csl_reef_hash_alg_mode_get(u32 chip_id, u32 type, u32 *bar0_alg, u32 *bar1_alg, u32 *left_shift)
@@ -1147,19 +1103,12 @@ i32 csl_reef_hash_alg_mode_get(u32 chip_id, u32 type, u32 *bar0_alg, u32 *bar1_a
     if (_null(chip_id, bar0_alg) || _null(chip_id, bar1_alg) || _null(chip_id, left_shift)) {
         return SHR_E_PARAM;
     }
-    Engine *e = nullptr;
-    rc = _ready(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    HashGuard hold(chip_id, CSL_HASH_TYPE_ECIB);
-    if (hold.status() != 0) {
-        return hold.status();
-    }
-    *bar0_alg = e->alg[0];
-    *bar1_alg = e->alg[1];
-    *left_shift = e->left_shift;
-    return 0;
+    return _with_engine(chip_id, [&](Engine &e) {
+        *bar0_alg = e.alg[0];
+        *bar1_alg = e.alg[1];
+        *left_shift = e.left_shift;
+        return 0;
+    });
 }
 
 } // extern "C"

@@ -185,23 +185,6 @@ Cmd _bucket_cmd(u32 op, u32 bucket_type, u32 bucket_addr, u8 *entry_out)
     return c;
 }
 
-i32 _read(u32 chip_id, u32 addr, u32 *value)
-{
-    const i32 rc = csl_reg_read32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
-
-i32 _write(u32 chip_id, u32 addr, u32 value)
-{
-    const i32 rc = csl_reg_write32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
 
 // Polls the status word until it reports finished.  -9 on time-out, with
 // the last status in *state.
@@ -226,7 +209,7 @@ u32 _flag_apply(u32 word, const Bits &f, u8 how)
 i32 _image_write(u32 chip_id, const Block &b, const Cmd &c)
 {
     u32 mac0 = 0;
-    i32 rc = _read(chip_id, b.regs.mac[0], &mac0);
+    i32 rc = csl_reef_hash_reg_read(chip_id, b.regs.mac[0], &mac0);
     if (rc != 0) {
         return rc;
     }
@@ -237,9 +220,9 @@ i32 _image_write(u32 chip_id, const Block &b, const Cmd &c)
     }
     const u32 top = static_cast<u32>(c.image >> (3 * kImageWordBits)) | 1u << b.w.valid_bit;
     mac0 = b.image0.put32(mac0, top);
-    rc = _write(chip_id, b.regs.mac[0], mac0);
+    rc = csl_reef_hash_reg_write(chip_id, b.regs.mac[0], mac0);
     for (u32 i = 1; rc == 0 && i < 4; i++) {
-        rc = _write(chip_id, b.regs.mac[i], static_cast<u32>(c.image >> ((3 - i) * kImageWordBits)));
+        rc = csl_reef_hash_reg_write(chip_id, b.regs.mac[i], static_cast<u32>(c.image >> ((3 - i) * kImageWordBits)));
     }
     return rc;
 }
@@ -267,8 +250,8 @@ u32 _command_fields(const Block &b, const Cmd &c, u32 cfg)
 template <typename F> i32 _command_update(u32 chip_id, const Block &b, F change)
 {
     u32 cfg = 0;
-    const i32 rc = _read(chip_id, b.regs.cfg, &cfg);
-    return rc != 0 ? rc : _write(chip_id, b.regs.cfg, change(cfg));
+    const i32 rc = csl_reef_hash_reg_read(chip_id, b.regs.cfg, &cfg);
+    return rc != 0 ? rc : csl_reef_hash_reg_write(chip_id, b.regs.cfg, change(cfg));
 }
 
 // The command word in the block's three steps: cleared at the idle wait
@@ -277,7 +260,7 @@ template <typename F> i32 _command_update(u32 chip_id, const Block &b, F change)
 // start bit, so they are never written together with it for the first time.
 i32 _command_write(u32 chip_id, const Block &b, const Cmd &c)
 {
-    i32 rc = _write(chip_id, b.regs.cfg, 0);
+    i32 rc = csl_reef_hash_reg_write(chip_id, b.regs.cfg, 0);
     if (rc == 0 && c.has_image) {
         rc = _image_write(chip_id, b, c);
     }
@@ -295,7 +278,7 @@ i32 _entry_read(u32 chip_id, const Block &b, u8 *out)
     u128 entry = 0;
     for (u32 i = 0; i < 4; i++) {
         u32 w = 0;
-        const i32 rc = _read(chip_id, b.regs.sch[i], &w);
+        const i32 rc = csl_reef_hash_reg_read(chip_id, b.regs.sch[i], &w);
         if (rc != 0) {
             return rc;
         }
@@ -543,12 +526,30 @@ i32 csl_reef_hash_table_get_unlock(u32 chip_id, u32 type)
     return _hash_lock_op(chip_id, type, xsal_mutex_unlock_);
 }
 
+i32 csl_reef_hash_reg_read(u32 chip_id, u32 addr, u32 *value)
+{
+    const i32 rc = csl_reg_read32_validaddr(chip_id, addr, value);
+    if (rc != 0) {
+        SHR_LOG_ERRCODE(chip_id, rc);
+    }
+    return rc;
+}
+
+i32 csl_reef_hash_reg_write(u32 chip_id, u32 addr, u32 value)
+{
+    const i32 rc = csl_reg_write32_validaddr(chip_id, addr, value);
+    if (rc != 0) {
+        SHR_LOG_ERRCODE(chip_id, rc);
+    }
+    return rc;
+}
+
 i32 csl_reef_hash_poll_bit(u32 chip_id, u32 addr, u32 bit, u32 *word, u64 *spent_us)
 {
     u64 start = 0;
     *spent_us = 0;
     for (u32 poll = 0; poll < CSL_HASH_POLLS; poll++) {
-        const i32 rc = _read(chip_id, addr, word);
+        const i32 rc = csl_reef_hash_reg_read(chip_id, addr, word);
         if (rc != 0) {
             return rc;
         }

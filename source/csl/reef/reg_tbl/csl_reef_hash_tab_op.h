@@ -131,6 +131,11 @@ extern xsal_mutex_t g_reef_hash_l2_mac_lock[SHR_MAX_CHIPS];
 i32 csl_reef_hash_table_get_lock(u32 chip_id, u32 type);
 i32 csl_reef_hash_table_get_unlock(u32 chip_id, u32 type);
 
+/* A register word of a command block by its address; a failure is logged
+ * with its status. */
+i32 csl_reef_hash_reg_read(u32 chip_id, u32 addr, u32 *value);
+i32 csl_reef_hash_reg_write(u32 chip_id, u32 addr, u32 value);
+
 /* Polls the register at `addr` until bit `bit` reads 1: at most
  * CSL_HASH_POLLS reads with a busy delay of CSL_HASH_POLL_US between them.
  * 0 with the last word read and the time spent waiting; -9 when the bit
