@@ -80,7 +80,12 @@ static i32 _dpl_reef_init_cause_tbl_en(u32 chip_id)
     if (shr_property_get(chip_id, "causid_en", 1) != 1) {
         return 0;
     }
-    const u32 depth = cib_tab_depth(&atolreef_cib_epro_causeid_tablem);
+    // A chip type whose cause id table the build does not describe keeps
+    // the chip's own: the step is left out, with a line that says so.
+    if (csl_reef_tab_in_build(chip_id, cib_epro_causeid_table, SHR_MOD_INIT, SHR_LOG_WARN, "cause id table") != 0) {
+        return 0;
+    }
+    const u32 depth = cib_tab_depth(csl_reef_tab_info_get(chip_id, cib_epro_causeid_table));
     u64 mask[2] = {};
     mask[0] = (1ull << cib_epro_causeid_table__vld) | (1ull << cib_epro_causeid_table__cp_qindex_en);
     for (u32 i = 0; i < depth; i++) {

@@ -161,6 +161,13 @@ i32 _special(u32 chip_id, Slot reef_l2_special_t::*slot, A... args)
     return fn != nullptr ? fn(chip_id, args...) : SHR_E_NOT_SUPPORT;
 }
 
+// Whether the build describes the chip's MAC table: 0, or -24 with a line
+// at `level`.
+i32 _mac_table_in_build(u32 chip_id, u32 level)
+{
+    return csl_reef_tab_in_build(chip_id, cib_arl_em_mac_tbl_ad, SHR_MOD_ARL, level, "MAC table");
+}
+
 // An operation whose answer is constant: the event thread, its sync and
 // callbacks do not exist in this library (the application reads the
 // chip's messages by its own path, l2_api_mac_msg_parse).
@@ -766,10 +773,9 @@ i32 dpl_reef_l2_soft_deinit(u32 chip_id)
 
 i32 dpl_reef_l2_hw_init(u32 chip_id)
 {
-    if (csl_reef_reg_info_get(chip_id, cib_arl_arl_glb_cfg) == nullptr) {
-        // The chip's catalogue does not describe its MAC table: nothing of
-        // it can be programmed.
-        SHR_LOG_WRN(chip_id, SHR_MOD_ARL, "l2 hardware init: no MAC table in the catalogue of this chip\n");
+    if (_mac_table_in_build(chip_id, SHR_LOG_WARN) != 0) {
+        // Nothing of the table can be programmed: the chip keeps what its
+        // reset gave it, and the table calls answer -24.
         return 0;
     }
     for (const auto step : kHwSteps) {
