@@ -162,6 +162,13 @@ int csl_reef_reg_in_build(u32 chip_id, u32 reg_id, u32 module_id, u32 level, con
                                                              : csl_reef_not_in_build(chip_id, module_id, level, what);
 }
 
+int csl_reef_catalogue_in_build(u32 chip_id, u32 module_id, u32 level)
+{
+    const csl_reg_tab_cm *cm = csl_reg_tab_cm_get(chip_id);
+    const bool has = cm != nullptr && (cm->reg_list != nullptr || cm->tab_list != nullptr);
+    return has ? 0 : csl_reef_not_in_build(chip_id, module_id, level, "catalogue");
+}
+
 int csl_reef_reg_tab_soft_init(u32 chip_id)
 {
     if (csl_reg_tab_cm_malloc(chip_id) != 0) {

@@ -55,10 +55,11 @@ const cib_tab_info *csl_reef_tab_info_get(u32 chip_id, u32 tab_id);
  * The refusal: the line "<chip>: no <what> in this build" at `level` under
  * `module_id`, and -24. */
 int csl_reef_not_in_build(u32 chip_id, u32 module_id, u32 level, const char *what);
-/* 0 when the chip's catalogue has the table `tab_id` (the register
- * `reg_id`), else the refusal. */
+/* 0 when the chip's catalogue has the table `tab_id` (the register `reg_id`,
+ * any record at all), else the refusal. */
 int csl_reef_tab_in_build(u32 chip_id, u32 tab_id, u32 module_id, u32 level, const char *what);
 int csl_reef_reg_in_build(u32 chip_id, u32 reg_id, u32 module_id, u32 level, const char *what);
+int csl_reef_catalogue_in_build(u32 chip_id, u32 module_id, u32 level);
 
 /* ---- module locks -------------------------------------------------------------- */
 

@@ -246,6 +246,11 @@ i32 dpl_reef_chip_soft_reset(u32 chip_id, u32 value)
     if (ports > DPL_REEF_SOFT_RESET_PORTS_MAX || value > 0xFFFFFFu) {
         return SHR_E_PARAM;
     }
+    const i32 in_build =
+        csl_reef_reg_in_build(chip_id, cib_lsw_hreg_soft_rst, SHR_MOD_TOP, SHR_LOG_ERROR, "core reset register");
+    if (in_build != 0) {
+        return in_build;
+    }
     u32 was_on[DPL_REEF_SOFT_RESET_PORTS_MAX] = {};
     for (u32 port = 0; port < ports; port++) {
         if (tide::port::pbmp_test(ctl->valid_bmp, port)) {
