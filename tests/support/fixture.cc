@@ -146,12 +146,12 @@ void SimChips::TearDown()
     restore_hal_tables();
 }
 
-void kelpreef_identity_set(uint32_t chip)
+void kelpreef_identity_set(uint32_t chip, uint32_t revision)
 {
     tide_sim_identity id{};
     ASSERT_EQ(tide_sim_identity_get(chip, &id), 0);
     id.device_id = 0x9228;
-    id.revision = 0;
+    id.revision = revision;
     ASSERT_EQ(tide_sim_identity_set(chip, &id), 0);
 }
 

@@ -144,6 +144,31 @@ const cib_tab_info *csl_reef_tab_info_get(u32 chip_id, u32 tab_id)
     return cm->tab_list[tab_id];
 }
 
+int csl_reef_not_in_build(u32 chip_id, u32 module_id, u32 level, const char *what)
+{
+    SHR_LOG(chip_id, module_id, level, "%s: no %s in this build\n", shr_chip_name_get(chip_id), what);
+    return SHR_E_NOT_SUPPORT;
+}
+
+int csl_reef_tab_in_build(u32 chip_id, u32 tab_id, u32 module_id, u32 level, const char *what)
+{
+    return csl_reef_tab_info_get(chip_id, tab_id) != nullptr ? 0
+                                                             : csl_reef_not_in_build(chip_id, module_id, level, what);
+}
+
+int csl_reef_reg_in_build(u32 chip_id, u32 reg_id, u32 module_id, u32 level, const char *what)
+{
+    return csl_reef_reg_info_get(chip_id, reg_id) != nullptr ? 0
+                                                             : csl_reef_not_in_build(chip_id, module_id, level, what);
+}
+
+int csl_reef_catalogue_in_build(u32 chip_id, u32 module_id, u32 level)
+{
+    const csl_reg_tab_cm *cm = csl_reg_tab_cm_get(chip_id);
+    const bool has = cm != nullptr && (cm->reg_list != nullptr || cm->tab_list != nullptr);
+    return has ? 0 : csl_reef_not_in_build(chip_id, module_id, level, "catalogue");
+}
+
 int csl_reef_reg_tab_soft_init(u32 chip_id)
 {
     if (csl_reg_tab_cm_malloc(chip_id) != 0) {

@@ -80,7 +80,12 @@ static i32 _dpl_reef_init_cause_tbl_en(u32 chip_id)
     if (shr_property_get(chip_id, "causid_en", 1) != 1) {
         return 0;
     }
-    const u32 depth = cib_tab_depth(&atolreef_cib_epro_causeid_tablem);
+    // A chip type whose cause id table the build does not describe keeps
+    // the chip's own: the step is left out, with a line that says so.
+    if (csl_reef_tab_in_build(chip_id, cib_epro_causeid_table, SHR_MOD_INIT, SHR_LOG_WARN, "cause id table") != 0) {
+        return 0;
+    }
+    const u32 depth = cib_tab_depth(csl_reef_tab_info_get(chip_id, cib_epro_causeid_table));
     u64 mask[2] = {};
     mask[0] = (1ull << cib_epro_causeid_table__vld) | (1ull << cib_epro_causeid_table__cp_qindex_en);
     for (u32 i = 0; i < depth; i++) {
@@ -128,6 +133,18 @@ i32 dpl_reef_base_hw_deinit(u32 chip_id)
     return 0;
 }
 
+// The doors by name and by field find their registers and tables in the
+// chip's catalogue: -3 for a chip that is not valid, -24 with a line for a
+// chip type whose catalogue the build lacks.  The doors by address need
+// none and work on every type.
+static i32 _dpl_reef_base_catalogue_check(u32 chip_id)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    return csl_reef_catalogue_in_build(chip_id, SHR_MOD_TOP, SHR_LOG_ERROR);
+}
+
 i32 dpl_reef_base_reg_set_by_addr(u32 chip_id, u32 addr, u8 *data, u8 bytes)
 {
     if (!shr_chip_valid_get(chip_id)) {
@@ -146,50 +163,42 @@ i32 dpl_reef_base_reg_get_by_addr(u32 chip_id, u32 addr, u8 *data, u8 bytes)
 
 i32 dpl_reef_base_direct_tab_set_by_name(u32 chip_id, const char *name, u32 index, u8 *data, u32 bytes)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
-    }
-    return csl_reef_direct_tab_set_by_name(chip_id, name, index, data, bytes);
+    const i32 rc = _dpl_reef_base_catalogue_check(chip_id);
+    return rc != 0 ? rc : csl_reef_direct_tab_set_by_name(chip_id, name, index, data, bytes);
 }
 
 i32 dpl_reef_base_direct_tab_get_by_name(u32 chip_id, const char *name, u32 index, u8 *data, u32 bytes)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
-    }
-    return csl_reef_direct_tab_get_by_name(chip_id, name, index, data, bytes);
+    const i32 rc = _dpl_reef_base_catalogue_check(chip_id);
+    return rc != 0 ? rc : csl_reef_direct_tab_get_by_name(chip_id, name, index, data, bytes);
 }
 
 i32 dpl_reef_base_field_set(u32 chip_id, base_field_op *op)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
-    }
-    return csl_reef_field_set(chip_id, op, CSL_TAB_HW);
+    const i32 rc = _dpl_reef_base_catalogue_check(chip_id);
+    return rc != 0 ? rc : csl_reef_field_set(chip_id, op, CSL_TAB_HW);
 }
 
 i32 dpl_reef_base_field_get(u32 chip_id, base_field_op *op, const char *file)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
-    }
-    return csl_reef_field_get(chip_id, op, file, CSL_TAB_HW);
+    const i32 rc = _dpl_reef_base_catalogue_check(chip_id);
+    return rc != 0 ? rc : csl_reef_field_get(chip_id, op, file, CSL_TAB_HW);
 }
 
 i32 dpl_reef_base_tab_data_to_string(u32 chip_id, const char *table_name, u8 *data, char *text, u32 size)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
-    }
+    const i32 rc = _dpl_reef_base_catalogue_check(chip_id);
     // Every field, also those of value 0, and the entry's bytes first.
-    return csl_table_data_to_string(chip_id, table_name, data, text, size, 0x100000000ull, 0x100000000ull, 0);
+    return rc != 0 ? rc
+                   : csl_table_data_to_string(chip_id, table_name, data, text, size, 0x100000000ull, 0x100000000ull, 0);
 }
 
 i32 dpl_reef_base_chip_module_cnt_show(u32 chip_id, const char *module, const char *file, u32 mask,
                                        u32 limit_bytes, u32 raw)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
+    i32 rc = _dpl_reef_base_catalogue_check(chip_id);
+    if (rc != 0) {
+        return rc;
     }
     if (module == nullptr) {
         return SHR_E_PARAM;
@@ -203,7 +212,6 @@ i32 dpl_reef_base_chip_module_cnt_show(u32 chip_id, const char *module, const ch
     const size_t len = strlen(module);
     const bool all = len > 0 && len <= 3 && strncasecmp(module, "all", len) == 0;
     const char *failed = module;
-    i32 rc = 0;
     if (!all) {
         rc = csl_reef_module_cnt_show(chip_id, module, to_file, mask, raw);
     } else {
