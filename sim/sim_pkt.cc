@@ -313,12 +313,18 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     PortState &out = ports_[port];
     out.stats.tx_frames++;
     out.stats.tx_bytes += len;
-    if (pcap_ != nullptr) {
-        pcap_->frame(port, false, now_ms_ * kMsPerSecond, frame, len,
-                     cause != TIDE_SIM_CAUSE_NONE ? _comment("to CPU,", cause, true) : std::string());
-    }
     // A port bound to a TAP delivers there; only the others queue.
-    if (chip_.tap->send(port, frame, len)) {
+    const int tap = chip_.tap->send(port, frame, len);
+    if (pcap_ != nullptr) {
+        std::string note;
+        if (cause != TIDE_SIM_CAUSE_NONE) {
+            note = _comment("to CPU,", cause, true);
+        } else if (tap > 0) {
+            note = std::string("not delivered, the TAP refused it: ") + strerror(tap);
+        }
+        pcap_->frame(port, false, now_ms_ * kMsPerSecond, frame, len, note);
+    }
+    if (tap != TapPorts::kNotBound) {
         return;
     }
     if (out.sent.size() >= kQueueFrames) {

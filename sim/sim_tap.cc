@@ -291,22 +291,21 @@ int TapPorts::list(tide_sim_tap_info *out, uint32_t max, uint32_t *count)
     return 0;
 }
 
-bool TapPorts::write_frame(uint32_t port, const uint8_t *frame, uint32_t len)
+int TapPorts::write_frame(uint32_t port, const uint8_t *frame, uint32_t len)
 {
     Binding &b = ports_[port];
-    if ((b.info.state & TIDE_SIM_TAP_GONE) != 0) {
-        b.info.tx_dropped++;
-        b.info.tx_errno = EBADFD;
-        return true;
+    int err = EBADFD;
+    if ((b.info.state & TIDE_SIM_TAP_GONE) == 0) {
+        const ssize_t n = write(b.fd, frame, len);
+        if (n == static_cast<ssize_t>(len)) {
+            b.info.tx_frames++;
+            return 0;
+        }
+        err = n < 0 ? errno : EMSGSIZE;
     }
-    const ssize_t n = write(b.fd, frame, len);
-    if (n == static_cast<ssize_t>(len)) {
-        b.info.tx_frames++;
-    } else {
-        b.info.tx_dropped++;
-        b.info.tx_errno = n < 0 ? errno : EMSGSIZE;
-    }
-    return true;
+    b.info.tx_dropped++;
+    b.info.tx_errno = err;
+    return err;
 }
 
 // ---- the I/O thread ------------------------------------------------------------
@@ -417,13 +416,17 @@ void TapPorts::receive(uint32_t port, int fd, short revents, uint8_t *buf)
         if (n == 0) {
             return;
         }
+        // The driver gives the whole length of a frame longer than the
+        // buffer; its first bytes are far beyond the chip's maximum, which
+        // drops it with its cause.
+        const uint32_t len = n > TIDE_SIM_FRAME_MAX ? TIDE_SIM_FRAME_MAX : static_cast<uint32_t>(n);
         std::lock_guard<std::mutex> lock(chip_.mutex);
         // A frame read while an unbind waits for this thread entered the
         // port before the unbind returned; it still counts for the port.
         if (ports_[port].fd == fd) {
             ports_[port].info.rx_frames++;
         }
-        chip_.pkt->inject(port, buf, static_cast<uint32_t>(n));
+        chip_.pkt->inject(port, buf, len);
     }
 }
 

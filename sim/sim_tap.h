@@ -42,10 +42,12 @@ public:
     void close_all();
 
     // MAC TX of a bound port, under the chip's mutex: writes the frame to
-    // the port's TAP and gives true, or gives false for an unbound port.
-    bool send(uint32_t port, const uint8_t *frame, uint32_t len)
+    // the port's TAP and gives 0, or the errno of the TAP's refusal;
+    // kNotBound for a port that is not bound.
+    static constexpr int kNotBound = -1;
+    int send(uint32_t port, const uint8_t *frame, uint32_t len)
     {
-        return ((bound_ >> port) & 1) != 0 && write_frame(port, frame, len);
+        return ((bound_ >> port) & 1) != 0 ? write_frame(port, frame, len) : kNotBound;
     }
 
 private:
@@ -69,7 +71,7 @@ private:
     std::thread thread_;
     int wake_fd_ = -1; // an eventfd that breaks the thread's poll
 
-    bool write_frame(uint32_t port, const uint8_t *frame, uint32_t len);
+    int write_frame(uint32_t port, const uint8_t *frame, uint32_t len);
     int start();
     void stop();
     void wake() const;

@@ -163,12 +163,18 @@ bool _ok(const char *what, unsigned chip, int32_t rc)
     return rc == 0;
 }
 
+// The bindings of chip 0: their number, the records in `taps`.
+uint32_t _taps_get(tide_sim_tap_info (&taps)[kTapPorts])
+{
+    uint32_t count = 0;
+    return tide_sim_tap_list(0, taps, kTapPorts, &count) == 0 ? count : 0;
+}
+
 // Every port of chip 0 bound to a TAP, by the options or by the shell.
 void _taps_unbind()
 {
     tide_sim_tap_info taps[kTapPorts];
-    uint32_t count = 0;
-    tide_sim_tap_list(0, taps, kTapPorts, &count);
+    const uint32_t count = _taps_get(taps);
     for (uint32_t i = 0; i < count; i++) {
         tide_sim_tap_unbind(0, taps[i].lport);
     }
@@ -201,8 +207,7 @@ bool _taps_bind(const Options &opt)
         }
     }
     tide_sim_tap_info taps[kTapPorts];
-    uint32_t count = 0;
-    tide_sim_tap_list(0, taps, kTapPorts, &count);
+    const uint32_t count = _taps_get(taps);
     for (uint32_t i = 0; i < count; i++) {
         printf("tided: port %u on TAP %s (%s)\n", taps[i].lport, taps[i].ifname,
                (taps[i].state & TIDE_SIM_TAP_CREATED) != 0 ? "created" : "attached");

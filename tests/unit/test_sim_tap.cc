@@ -14,6 +14,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "app/tided/bootstrap_vlan.h"
@@ -60,6 +63,17 @@ int waiting_copies(uint32_t port, const Frame &f)
     for (uint32_t i = 0; tide_sim_packet_peek(0, port, i, got.data(), static_cast<uint32_t>(got.size()), &info) == 0;
          i++) {
         n += info.len == f.size() && std::equal(f.begin(), f.end(), got.begin());
+    }
+    return n;
+}
+
+// Descriptors the process holds.
+size_t open_fds()
+{
+    size_t n = 0;
+    for (const auto &e : std::filesystem::directory_iterator("/proc/self/fd")) {
+        (void)e;
+        n++;
     }
     return n;
 }
@@ -132,7 +146,9 @@ TEST_F(SimTap, RefusalsOfTheDriverChangeNothing)
 {
     need_taps();
     const std::string a = name("a"), b = name("b");
+    const size_t fds_unbound = open_fds();
     ASSERT_EQ(tide_sim_tap_bind(0, 1, a.c_str(), TIDE_SIM_TAP_CREATE), 0);
+    const size_t fds_bound = open_fds();
     Capture::clear();
     EXPECT_EQ(tide_sim_tap_bind(0, 1, b.c_str(), 0), -8);                        // the port is bound
     EXPECT_EQ(tide_sim_tap_bind(0, 2, a.c_str(), 0), -10);                       // held by port 1
@@ -160,6 +176,7 @@ TEST_F(SimTap, RefusalsOfTheDriverChangeNothing)
     EXPECT_EQ(tap_errors(), 9u);
     EXPECT_TRUE(Capture::has("(no TUN/TAP driver)"));
     EXPECT_EQ(if_nametoindex(b.c_str()), 0u);
+    EXPECT_EQ(open_fds(), fds_bound);
 
     const auto held = taps();
     ASSERT_EQ(held.size(), 1u);
@@ -176,6 +193,7 @@ TEST_F(SimTap, RefusalsOfTheDriverChangeNothing)
     EXPECT_EQ(if_nametoindex(a.c_str()), 0u);
     EXPECT_EQ(tide_sim_tap_unbind(0, 3), 0);
     EXPECT_TRUE(taps().empty());
+    EXPECT_EQ(open_fds(), fds_unbound); // the TAPs and the I/O thread's eventfd
     // The port and the name are free again.
     EXPECT_EQ(tide_sim_tap_bind(0, 1, a.c_str(), TIDE_SIM_TAP_CREATE), 0);
 }
@@ -189,9 +207,17 @@ TEST_F(SimTap, FramesGoBothWays)
     ASSERT_EQ(tide_sim_tap_bind(0, 1, a.c_str(), 0), 0);
     ASSERT_TRUE(tide::test::link_quiet(a));
 
-    // A TAP that is down refuses the frame: counted, with its errno.
+    // A TAP that is down refuses the frame: counted, with its errno, and
+    // named in the capture file.
+    const std::string pcap = ::testing::TempDir() + "/tide_tap_" + std::to_string(getpid()) + ".pcapng";
+    ASSERT_EQ(tide_sim_pcap_open(0, pcap.c_str()), 0);
     const Frame bc = tide::test::eth_frame(kBroadcast, 0x020000000B01ull, kTestType);
     ASSERT_EQ(tide_sim_packet_inject(0, 3, bc.data(), static_cast<uint32_t>(bc.size())), 0);
+    ASSERT_EQ(tide_sim_pcap_close(0), 0);
+    std::ifstream file(pcap, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    unlink(pcap.c_str());
+    EXPECT_NE(bytes.find("not delivered, the TAP refused it: Input/output error"), std::string::npos);
     EXPECT_EQ(taps()[0].tx_dropped, 1u);
     EXPECT_EQ(taps()[0].tx_errno, EIO);
     EXPECT_EQ(port_stats(1).tx_frames, 1u);
@@ -223,6 +249,15 @@ TEST_F(SimTap, FramesGoBothWays)
     ASSERT_TRUE(tide::test::packet_send(sock, jumbo));
     ASSERT_TRUE(tide::test::wait_until([&] { return waiting_copies(2, jumbo) == 1; }, kWaitMs));
     EXPECT_EQ(waiting_copies(2, big), 0);
+
+    // A reset of the switch core leaves the binding as it is; frames keep
+    // entering and meet the registers at their reset values.
+    ASSERT_EQ(cfg_.reg_write(0, 3, 0x47200, 0), 0);
+    ASSERT_EQ(cfg_.reg_write(0, 3, 0x47200, 15), 0);
+    ASSERT_TRUE(tide::test::packet_send(sock, up));
+    ASSERT_TRUE(tide::test::wait_until([&] { return port_stats(1).last_drop_cause == 570; }, kWaitMs))
+        << port_stats(1).last_drop_cause; // DISCARD_VMAP_TABLE_INVALID
+    EXPECT_EQ(taps().size(), 1u);
     close(sock);
 }
 

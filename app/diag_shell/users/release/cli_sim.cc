@@ -270,6 +270,21 @@ i32 _sim_pcap_close(u32 chip_id, u32, i32, char **)
     return rc;
 }
 
+// The bindings of a chip: their number, the records in `taps`.
+u32 _taps_get(u32 chip_id, tide_sim_tap_info (&taps)[TIDE_SIM_TAP_PORT_MAX + 1])
+{
+    u32 count = 0;
+    return tide_sim_tap_list(chip_id, taps, TIDE_SIM_TAP_PORT_MAX + 1, &count) == 0 ? count : 0;
+}
+
+const char *_tap_state(const tide_sim_tap_info &t)
+{
+    if ((t.state & TIDE_SIM_TAP_GONE) != 0) {
+        return "gone";
+    }
+    return (t.state & TIDE_SIM_TAP_CREATED) != 0 ? "created" : "attached";
+}
+
 // tap bind port <0-27> IFNAME
 i32 _sim_tap_bind(u32 chip_id, u32, i32 argc, char **argv)
 {
@@ -284,12 +299,10 @@ i32 _sim_tap_bind(u32 chip_id, u32, i32 argc, char **argv)
     }
     // The kernel numbers a name with "%d" in it: show the one it made.
     tide_sim_tap_info taps[TIDE_SIM_TAP_PORT_MAX + 1];
-    u32 count = 0;
-    tide_sim_tap_list(chip_id, taps, TIDE_SIM_TAP_PORT_MAX + 1, &count);
+    const u32 count = _taps_get(chip_id, taps);
     for (u32 i = 0; i < count; i++) {
         if (taps[i].lport == port) {
-            cli_output_show("port %u bound to %s (%s)\n", port, taps[i].ifname,
-                            (taps[i].state & TIDE_SIM_TAP_CREATED) != 0 ? "created" : "attached");
+            cli_output_show("port %u bound to %s (%s)\n", port, taps[i].ifname, _tap_state(taps[i]));
         }
     }
     return SHR_E_NONE;
@@ -316,11 +329,7 @@ i32 _sim_show_tap(u32 chip_id, u32, i32, char **)
         return SHR_E_UNAVAIL;
     }
     tide_sim_tap_info taps[TIDE_SIM_TAP_PORT_MAX + 1];
-    u32 count = 0;
-    const int rc = tide_sim_tap_list(chip_id, taps, TIDE_SIM_TAP_PORT_MAX + 1, &count);
-    if (rc != 0) {
-        return rc;
-    }
+    const u32 count = _taps_get(chip_id, taps);
     if (count == 0) {
         cli_output_show("no port is bound to a TAP\n");
         return SHR_E_NONE;
@@ -328,10 +337,7 @@ i32 _sim_show_tap(u32 chip_id, u32, i32, char **)
     cli_output_show("port  interface        state     rx-frames  tx-frames  tx-dropped\n");
     for (u32 i = 0; i < count; i++) {
         const tide_sim_tap_info &t = taps[i];
-        const char *state = (t.state & TIDE_SIM_TAP_GONE) != 0      ? "gone"
-                            : (t.state & TIDE_SIM_TAP_CREATED) != 0 ? "created"
-                                                                    : "attached";
-        cli_output_show("%4u  %-15s  %-8s  %9llu  %9llu  %10llu\n", t.lport, t.ifname, state,
+        cli_output_show("%4u  %-15s  %-8s  %9llu  %9llu  %10llu\n", t.lport, t.ifname, _tap_state(t),
                         static_cast<unsigned long long>(t.rx_frames), static_cast<unsigned long long>(t.tx_frames),
                         static_cast<unsigned long long>(t.tx_dropped));
         if (t.tx_dropped != 0) {
