@@ -163,20 +163,22 @@ bool _ok(const char *what, unsigned chip, int32_t rc)
     return rc == 0;
 }
 
-// The bindings of chip 0: their number, the records in `taps`.
-uint32_t _taps_get(tide_sim_tap_info (&taps)[kTapPorts])
+// The bindings of a chip: their number, the records in `taps`.
+uint32_t _taps_get(unsigned chip, tide_sim_tap_info (&taps)[kTapPorts])
 {
     uint32_t count = 0;
-    return tide_sim_tap_list(0, taps, kTapPorts, &count) == 0 ? count : 0;
+    return tide_sim_tap_list(chip, taps, kTapPorts, &count) == 0 ? count : 0;
 }
 
-// Every port of chip 0 bound to a TAP, by the options or by the shell.
-void _taps_unbind()
+// Every port bound to a TAP, by the options or by the shell.
+void _taps_unbind(unsigned chips)
 {
-    tide_sim_tap_info taps[kTapPorts];
-    const uint32_t count = _taps_get(taps);
-    for (uint32_t i = 0; i < count; i++) {
-        tide_sim_tap_unbind(0, taps[i].lport);
+    for (unsigned c = 0; c < chips; c++) {
+        tide_sim_tap_info taps[kTapPorts];
+        const uint32_t count = _taps_get(c, taps);
+        for (uint32_t i = 0; i < count; i++) {
+            tide_sim_tap_unbind(c, taps[i].lport);
+        }
     }
 }
 
@@ -202,12 +204,12 @@ bool _taps_bind(const Options &opt)
         const int rc = tide_sim_tap_bind(0, p, opt.tap[p], 0);
         if (rc != 0) {
             fprintf(stderr, "tided: port %u cannot be bound to %s: %s\n", p, opt.tap[p], tide_sim_tap_errmsg(rc));
-            _taps_unbind();
+            _taps_unbind(1);
             return false;
         }
     }
     tide_sim_tap_info taps[kTapPorts];
-    const uint32_t count = _taps_get(taps);
+    const uint32_t count = _taps_get(0, taps);
     for (uint32_t i = 0; i < count; i++) {
         printf("tided: port %u on TAP %s (%s)\n", taps[i].lport, taps[i].ifname,
                (taps[i].state & TIDE_SIM_TAP_CREATED) != 0 ? "created" : "attached");
@@ -313,7 +315,7 @@ int main(int argc, char **argv)
         cli_server_wait(0);
     }
     // The links go before the chips behind them.
-    _taps_unbind();
+    _taps_unbind(opt.chips);
     _tear_down(soft_up, hw_up);
     _ok("deinit_api_base_software_process", 0, deinit_api_base_software_process());
     tide_sim_uninstall();
