@@ -7,9 +7,12 @@
 
 #include <cstring>
 
+#include <tide/shr.h>
+
 #include "sim/sim_arl.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pkt.h"
+#include "sim/sim_tap.h"
 
 using tide::sim::Chip;
 using tide::sim::Model;
@@ -174,6 +177,20 @@ int _on_packet_path(uint32_t chip, uint32_t lport, bool pointers_ok, Fn fn)
     Chip *c = _chip(chip);
     std::lock_guard<std::mutex> lock(c->mutex);
     return fn(*c->pkt);
+}
+
+// A call on a chip's TAP ports: the chip (-17, -3, each with a log line,
+// as the calls log every refusal), then `fn`, which takes its own locks.
+template <typename Fn>
+int _on_taps(uint32_t chip, const char *what, Fn fn)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        tide::sim::tap_log(chip, tide::sim::kLogError, "tap: cannot %s on chip %u: %s\n", what, chip,
+                           rc == -17 ? "no chip model installed" : "the model has no such chip");
+        return rc;
+    }
+    return fn(*_chip(chip)->tap);
 }
 
 } // namespace
@@ -453,6 +470,45 @@ int tide_sim_pcap_open(uint32_t chip, const char *path)
 int tide_sim_pcap_close(uint32_t chip)
 {
     return _on_packet_path(chip, 0, true, [&](tide::sim::Pipeline &pl) { return pl.pcap_close(); });
+}
+
+int tide_sim_tap_bind(uint32_t chip, uint32_t lport, const char *ifname, uint32_t flags)
+{
+    return _on_taps(chip, "bind", [&](tide::sim::TapPorts &t) { return t.bind(lport, ifname, flags); });
+}
+
+int tide_sim_tap_unbind(uint32_t chip, uint32_t lport)
+{
+    return _on_taps(chip, "unbind", [&](tide::sim::TapPorts &t) { return t.unbind(lport); });
+}
+
+int tide_sim_tap_list(uint32_t chip, tide_sim_tap_info *out, uint32_t max, uint32_t *count)
+{
+    return _on_taps(chip, "list", [&](tide::sim::TapPorts &t) { return t.list(out, max, count); });
+}
+
+const char *tide_sim_tap_errmsg(int status)
+{
+    switch (status) {
+    case -4:
+        return "bad port, interface name or flags";
+    case -7:
+        return "no such binding or interface";
+    case -8:
+        return "the port is bound already";
+    case -10:
+        return "the interface name is in use";
+    case -12:
+        return "no permission (CAP_NET_ADMIN)";
+    case -14:
+        return "out of descriptors";
+    case -16:
+        return "no TUN/TAP driver (/dev/net/tun is missing)";
+    case -17:
+        return "no chip model installed";
+    default:
+        return shr_errmsg(status);
+    }
 }
 
 int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)

@@ -7,6 +7,7 @@
 #include "sim/sim_arl.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
+#include "sim/sim_tap.h"
 
 namespace tide::sim {
 
@@ -45,6 +46,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     log_.resize(TIDE_SIM_WRITE_LOG_DEPTH);
     arl = std::make_unique<ArlEngine>(*this);
     pkt = std::make_unique<Pipeline>(*this);
+    tap = std::make_unique<TapPorts>(*this);
     if (ok()) {
         reset_core();
     }
@@ -55,6 +57,9 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
 
 Chip::~Chip()
 {
+    // The I/O thread stops before the packet path it feeds goes.
+    tap->close_all();
+    tap.reset();
     pkt.reset();
     arl.reset();
     for (Region &r : regions_) {

@@ -53,6 +53,7 @@ constexpr uint32_t kPciConfigSize = 4096;
 class Chip;
 class ArlEngine;
 class Pipeline;
+class TapPorts;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 
 struct Region {
@@ -134,6 +135,8 @@ public:
     std::unique_ptr<ArlEngine> arl;
     // The packet path.
     std::unique_ptr<Pipeline> pkt;
+    // The front ports bound to TAP devices, and their I/O thread.
+    std::unique_ptr<TapPorts> tap;
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();

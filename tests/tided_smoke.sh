@@ -1,7 +1,7 @@
 #!/bin/sh
-# tided brings chips up, starts its shell server, stays up, and tears
-# everything down on SIGINT and SIGTERM with exit code 0; bad options give
-# exit code 2.
+# tided brings chips up, binds ports to TAP devices, starts its shell
+# server, stays up, and tears everything down on SIGINT and SIGTERM with
+# exit code 0; bad options give exit code 2.
 #   tided_smoke.sh <tided>
 set -eu
 tided=$1
@@ -61,5 +61,34 @@ rc=0
 rc=0
 "$tided" --bogus >"$out" 2>&1 || rc=$?
 [ $rc -eq 2 ] || { echo "--bogus gave $rc"; exit 1; }
+# Bad TAP options: a port out of range, names empty or too long, a port
+# named twice.
+for bad in "--tap 28=x" "--tap 1=" "--tap x=tap0" "--tap 1=sixteen-chars-xx" "--tap-all fourteen-chars" \
+    "--tap 1=a --tap 1=b" "--tap 3=a --tap-all b"; do
+    rc=0
+    # shellcheck disable=SC2086
+    "$tided" $bad >"$out" 2>&1 || rc=$?
+    [ $rc -eq 2 ] || { echo "$bad gave $rc"; cat "$out"; exit 1; }
+done
+
+# Ports on TAP devices, where the machine lets us make them: bound while
+# tided runs, gone after it.
+if [ "$(id -u)" = 0 ] && [ -c /dev/net/tun ]; then
+    tap=tsmk$$
+    run INT --socket "$sock" --tap 1="${tap}a" --tap 2="${tap}b"
+    grep -q "port 1 on TAP ${tap}a (created)" "$out"
+    grep -q "port 2 on TAP ${tap}b (created)" "$out"
+    run TERM --socket "$sock" --tap-all "${tap}p"
+    grep -q "port 0 on TAP ${tap}p0 (created)" "$out"
+    grep -q "port 27 on TAP ${tap}p27 (created)" "$out"
+    if ip link show "${tap}a" >/dev/null 2>&1 || ip link show "${tap}p27" >/dev/null 2>&1; then
+        echo "a TAP was left behind"; exit 1
+    fi
+    rc=0
+    "$tided" --socket "$sock" --tap 1=lo >"$out" 2>&1 || rc=$?
+    [ $rc -eq 1 ] || { echo "--tap 1=lo gave $rc"; cat "$out"; exit 1; }
+    grep -q "port 1 cannot be bound to lo: the interface name is in use" "$out"
+fi
+
 "$tided" --help | grep -q "usage: tided"
 echo "tided smoke: ok"
