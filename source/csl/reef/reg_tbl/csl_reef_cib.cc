@@ -189,3 +189,17 @@ int csl_reef_cib_tab_record_set(u32 chip_id, u32 tab_id, u32 addr_index, u32 ind
 }
 
 } // extern "C"
+
+namespace tide::cib {
+
+Bits reg_field(const cib_reg_info *reg, const char *name)
+{
+    for (u32 i = 0; reg != nullptr && i < reg->field_count; i++) {
+        if (strcmp(reg->fields[i].name, name) == 0) {
+            return Bits{reg->fields[i].low_bit, reg->fields[i].width};
+        }
+    }
+    return Bits{};
+}
+
+} // namespace tide::cib

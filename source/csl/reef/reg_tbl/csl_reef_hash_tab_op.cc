@@ -76,16 +76,6 @@ constexpr HashLock kHashLocks[CSL_HASH_TYPE_COUNT] = {
 constexpr u32 kImageWordBits = 32;
 constexpr const char *kBucketName[3] = {"bar0", "bar1", "cam"};
 
-Bits _field(const cib_reg_info *reg, const char *name)
-{
-    for (u32 i = 0; reg != nullptr && i < reg->field_count; i++) {
-        if (strcmp(reg->fields[i].name, name) == 0) {
-            return Bits{reg->fields[i].low_bit, reg->fields[i].width};
-        }
-    }
-    return Bits{};
-}
-
 // Finds the registers and fields of the block in the chip's catalogue; a
 // chip whose catalogue lacks any of them has no usable block.
 bool _block_resolve(u32 chip_id, Block &b)
@@ -103,7 +93,7 @@ bool _block_resolve(u32 chip_id, Block &b)
         return r;
     };
     auto field = [&](const cib_reg_info *r, const char *name) {
-        const Bits f = _field(r, name);
+        const Bits f = tide::cib::reg_field(r, name);
         ok &= f.ok();
         return f;
     };
