@@ -4,6 +4,8 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <random>
 #include <mutex>
 
 namespace tide::test {
@@ -171,6 +173,15 @@ void restore_hal_tables()
     g_hal_ui_spi_drv.reg_write_32 = hal_ui_spi_reg_write_32;
     g_hal_ui_spi_drv.reg_read_64 = hal_ui_spi_reg_read_64;
     g_hal_ui_spi_drv.reg_write_64 = hal_ui_spi_reg_write_64;
+}
+
+uint64_t test_seed()
+{
+    const char *env = std::getenv("TIDE_TEST_SEED");
+    const uint64_t seed = env != nullptr ? std::strtoull(env, nullptr, 0) : std::random_device{}();
+    std::printf("TIDE_TEST_SEED=%llu\n", static_cast<unsigned long long>(seed));
+    std::fflush(stdout);
+    return seed;
 }
 
 std::vector<tide_sim_write> sim_writes(uint32_t chip)
