@@ -107,7 +107,7 @@ constexpr u32 kKindRegOwner[] = {CSL_TCAM_MAP_IACL_320, CSL_TCAM_MAP_IACL_160, C
 
 void _hardware_show(u32 chip_id, const csl_tcam_resource &res)
 {
-    csl_output_func(chip_id, 0, "\nTCAM hardware resource\n%-6s %-6s %-8s\n", "block", "mode", "bank");
+    csl_output_func(chip_id, 0, "\nTCAM hardware resource\n%-6s %-6s %s\n", "block", "mode", "bank");
     for (u32 id = 0; id < res.total && id < sizeof(kBankReg) / sizeof(kBankReg[0]); id++) {
         u32 mode = 0, bank = 0;
         if (csl_reef_tcam_op_acl_core_tcam_block_mode_get(chip_id, id, &mode) != 0 ||
