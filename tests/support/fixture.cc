@@ -1,5 +1,6 @@
 #include "support/fixture.h"
 
+#include "atolreef_cib.h"
 #include "hal/linux/linux_haui_um/hal_ui.h"
 
 #include <cstdarg>
@@ -119,10 +120,12 @@ void SimChips::up_chip(uint32_t chip)
 {
     if (!hooks_) {
         // Without the hooks no engine of the model runs; the reset's done
-        // bit is set by hand so that hardware init finds it.
+        // bit is set by hand so that hardware init finds it,
         tide_sim_identity id{};
         tide_sim_identity_get(chip, &id);
         ASSERT_EQ(tide_sim_reg_poke(chip, 3, 0x47014, id.device_id == 0x9228 ? 1u << 2 : 1u), 0);
+        // and the TCAM's done bits, so that its clearing finds them.
+        ASSERT_EQ(tide_sim_reg_poke(chip, 4, atolreef_cib_acl_core_tcam_init_done_reg.addr[0], 0xFFFF), 0);
     }
     ASSERT_EQ(init_api_software_process(chip, &cfg_), 0);
     ASSERT_EQ(init_api_hardware_process(chip), 0);
