@@ -202,4 +202,21 @@ Bits reg_field(const cib_reg_info *reg, const char *name)
     return Bits{};
 }
 
+const cib_reg_info *CatalogueNeeds::reg(u32 reg_id, u32 *addr)
+{
+    const cib_reg_info *r = csl_reef_reg_info_get(chip_id, reg_id);
+    ok &= r != nullptr && r->a > 0;
+    if (r != nullptr && r->a > 0) {
+        *addr = r->addr[0];
+    }
+    return r;
+}
+
+Bits CatalogueNeeds::field(const cib_reg_info *reg, const char *name)
+{
+    const Bits f = reg_field(reg, name);
+    ok &= f.ok();
+    return f;
+}
+
 } // namespace tide::cib

@@ -183,6 +183,16 @@ struct Bits {
  * may be NULL) has no such field. */
 Bits reg_field(const cib_reg_info *reg, const char *name);
 
+/* The registers and fields an engine finds in its chip's catalogue; `ok`
+ * turns false at the first one that is missing. */
+struct CatalogueNeeds {
+    u32 chip_id;
+    bool ok = true;
+    /* The register's record, its first address into `*addr`. */
+    const cib_reg_info *reg(u32 reg_id, u32 *addr);
+    Bits field(const cib_reg_info *reg, const char *name);
+};
+
 } // namespace tide::cib
 #endif
 

@@ -79,20 +79,9 @@ bool _engine_resolve(u32 chip_id, Engine &e)
 {
     e = Engine{};
     e.blocks = _geometry(chip_id).blocks;
-    bool ok = e.blocks != 0;
-    auto reg = [&](u32 id, u32 *addr) {
-        const cib_reg_info *r = csl_reef_reg_info_get(chip_id, id);
-        ok &= r != nullptr && r->a > 0;
-        if (r != nullptr && r->a > 0) {
-            *addr = r->addr[0];
-        }
-        return r;
-    };
-    auto field = [&](const cib_reg_info *r, const char *name) {
-        const Bits f = tide::cib::reg_field(r, name);
-        ok &= f.ok();
-        return f;
-    };
+    tide::cib::CatalogueNeeds need{chip_id};
+    auto reg = [&](u32 id, u32 *addr) { return need.reg(id, addr); };
+    auto field = [&](const cib_reg_info *r, const char *name) { return need.field(r, name); };
     const cib_reg_info *r = reg(cib_acl_core_tcamad_op_cmd0, &e.cmd0);
     e.dcs = field(r, "op_dcs");
     e.vbi = field(r, "op_vbi");
@@ -126,8 +115,8 @@ bool _engine_resolve(u32 chip_id, Engine &e)
         reg(kD[i], &e.d[i]);
         reg(kRd[i], &e.rd[i]);
     }
-    e.ok = ok;
-    return ok;
+    e.ok = e.blocks != 0 && need.ok;
+    return e.ok;
 }
 
 // The chip's engine: -3 for a chip id beyond the registry, -24 for a chip
@@ -157,23 +146,9 @@ private:
     xsal_mutex_t lock_;
 };
 
-i32 _read(u32 chip_id, u32 addr, u32 *value)
-{
-    const i32 rc = csl_reg_read32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
-
-i32 _write(u32 chip_id, u32 addr, u32 value)
-{
-    const i32 rc = csl_reg_write32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
+// Every register access of the layer: a failure is logged with its text.
+constexpr auto _read = csl_reg_read32_logged;
+constexpr auto _write = csl_reg_write32_logged;
 
 // Polls opdone: at most CSL_TCAM_POLLS reads with a busy delay between
 // them.  0 with the status word that saw it done, a read's failure, or -9
@@ -398,15 +373,28 @@ i32 _plane_read(u32 chip_id, const Engine &e, u32 type, u32 block, u32 index, u8
     return 0;
 }
 
-// The checks of the single-plane calls, in the order of their lines.
-i32 _single_check(u32 chip_id, const Engine &e, u32 type, u32 block, u32 index, const void *data, u32 bits)
+// A single-plane call: the engine, the checks in the order of their
+// lines, then `op` under the lock.
+template <typename Op>
+i32 _single(u32 chip_id, u32 type, u32 block, u32 index, const void *data, u32 bits, Op op)
 {
-    if (type > CSL_TCAM_AD || data == nullptr) {
+    const Engine *e = nullptr;
+    i32 rc = _engine_get(chip_id, &e);
+    if (rc == 0 && (type > CSL_TCAM_AD || data == nullptr)) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "Wrong tcam type(%u) or null data!\n", type);
-        return SHR_E_PARAM;
+        rc = SHR_E_PARAM;
     }
-    const i32 rc = _bits_check(chip_id, type, bits);
-    return rc != 0 ? rc : _place_check(chip_id, e, block, index);
+    if (rc == 0) {
+        rc = _bits_check(chip_id, type, bits);
+    }
+    if (rc == 0) {
+        rc = _place_check(chip_id, *e, block, index);
+    }
+    if (rc != 0) {
+        return rc;
+    }
+    TcamLock lock(chip_id);
+    return op(*e);
 }
 
 // ---- entries of a table -----------------------------------------------------------
@@ -454,6 +442,20 @@ i32 _entry_place(u32 chip_id, const Engine &e, u32 tcam_id, u16 address, i32 wid
     return rc != 0 || !p->wide ? rc : _place_check(chip_id, e, p->block + CSL_TCAM_PAIR_OFFSET, p->index);
 }
 
+// The start of an entry call: the engine, the operation data (for a call
+// that has some) and the table's place.
+i32 _entry_args(u32 chip_id, u32 tcam_id, u16 address, const csl_tcam_data *data, bool has_data, i32 wide_block_rc,
+                const Engine **e, EntryPlace *p)
+{
+    i32 rc = _engine_get(chip_id, e);
+    if (rc == 0 && has_data &&
+        (data == nullptr || data->key == nullptr || data->mask == nullptr || data->ad == nullptr)) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam entry: null data pointer!\n");
+        rc = SHR_E_PARAM;
+    }
+    return rc != 0 ? rc : _entry_place(chip_id, **e, tcam_id, address, wide_block_rc, p);
+}
+
 // A plane of an entry: one row, or the two halves of a 480-bit key (bits
 // 479..160 in block b, 159..0 in block b + 16), upper half first.
 i32 _entry_plane_write(u32 chip_id, const Engine &e, const EntryPlace &p, u32 type, const u8 *data, u32 valid)
@@ -491,6 +493,42 @@ i32 _entry_plane_read(u32 chip_id, const Engine &e, const EntryPlace &p, u32 typ
 }
 
 constexpr u8 kZeros[CSL_TCAM_KEY_BYTES_MAX] = {};
+
+// The entry images of a table's typed record: key and mask of the widest
+// key, an action, in whole words.
+struct RecordImages {
+    u8 key[CSL_TCAM_KEY_BYTES_MAX + 4] = {};
+    u8 mask[CSL_TCAM_KEY_BYTES_MAX + 4] = {};
+    u8 ad[CSL_TCAM_AD_BYTES + 4] = {};
+};
+
+// A generated function's place as an API-form address.
+i32 _record_address(u32 chip_id, u32 block, u32 index, u16 *address)
+{
+    if (block > 0xFF || index > 0xFF) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "Wrong tcam block(%u) or index(%u)!\n", block, index);
+        return SHR_E_PARAM;
+    }
+    *address = static_cast<u16>(index << 8 | block);
+    return 0;
+}
+
+// The arguments of a generated _set or _get: the record, its layout (whose
+// tables fit the images) and the place.
+i32 _record_args(u32 chip_id, const void *record, const csl_tcam_record_layout *layout, u32 block, u32 index,
+                 u16 *address)
+{
+    if (record == nullptr || layout == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam entry: null record!\n");
+        return SHR_E_PARAM;
+    }
+    if (cib_tab_entry_bytes(layout->key_tab) > sizeof(RecordImages::key) ||
+        cib_tab_entry_bytes(layout->ad_tab) > sizeof(RecordImages::ad)) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam entry: tables of %u bits do not fit\n", layout->key_tab->width);
+        return SHR_E_PARAM;
+    }
+    return _record_address(chip_id, block, index, address);
+}
 
 // The mode of a block below 16 from acl_core_tcam_glb_cfg0, two bits a
 // block.
@@ -694,30 +732,16 @@ int csl_reef_tcam_tab_index_get(u32 chip_id, u32 addr, u16 *out)
 
 int csl_reef_tcam_key_mask_ad_set(u32 chip_id, u32 type, u32 block, u32 index, const u8 *data, u32 bits, u32 valid)
 {
-    const Engine *e = nullptr;
-    i32 rc = _engine_get(chip_id, &e);
-    if (rc == 0) {
-        rc = _single_check(chip_id, *e, type, block, index, data, bits);
-    }
-    if (rc != 0) {
-        return rc;
-    }
-    TcamLock lock(chip_id);
-    return _plane_write(chip_id, *e, type, block, index, data, bits, valid);
+    return _single(chip_id, type, block, index, data, bits, [&](const Engine &e) {
+        return _plane_write(chip_id, e, type, block, index, data, bits, valid);
+    });
 }
 
 int csl_reef_tcam_key_mask_ad_get(u32 chip_id, u32 type, u32 block, u32 index, u8 *data, u32 bits, u32 *valid)
 {
-    const Engine *e = nullptr;
-    i32 rc = _engine_get(chip_id, &e);
-    if (rc == 0) {
-        rc = _single_check(chip_id, *e, type, block, index, data, bits);
-    }
-    if (rc != 0) {
-        return rc;
-    }
-    TcamLock lock(chip_id);
-    return _plane_read(chip_id, *e, type, block, index, data, bits, valid);
+    return _single(chip_id, type, block, index, data, bits, [&](const Engine &e) {
+        return _plane_read(chip_id, e, type, block, index, data, bits, valid);
+    });
 }
 
 int csl_reef_tcam_key_mask_search(u32 chip_id, const u8 *key, u32 bits, u32 block_bitmap, u8 *ad, u32 ad_bits,
@@ -795,16 +819,8 @@ int csl_reef_tcam_key_mask_search(u32 chip_id, const u8 *key, u32 bits, u32 bloc
 int csl_reef_tcam_add(u32 chip_id, u32 tcam_id, u16 address, const csl_tcam_data *data)
 {
     const Engine *e = nullptr;
-    i32 rc = _engine_get(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    if (data == nullptr || data->key == nullptr || data->mask == nullptr || data->ad == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam add: null data pointer!\n");
-        return SHR_E_PARAM;
-    }
     EntryPlace p;
-    rc = _entry_place(chip_id, *e, tcam_id, address, SHR_E_FULL, &p);
+    i32 rc = _entry_args(chip_id, tcam_id, address, data, true, SHR_E_FULL, &e, &p);
     if (rc != 0) {
         return rc;
     }
@@ -829,11 +845,8 @@ int csl_reef_tcam_add(u32 chip_id, u32 tcam_id, u16 address, const csl_tcam_data
 int csl_reef_tcam_del(u32 chip_id, u32 tcam_id, u16 address)
 {
     const Engine *e = nullptr;
-    i32 rc = _engine_get(chip_id, &e);
     EntryPlace p;
-    if (rc == 0) {
-        rc = _entry_place(chip_id, *e, tcam_id, address, SHR_E_PARAM, &p);
-    }
+    i32 rc = _entry_args(chip_id, tcam_id, address, nullptr, false, SHR_E_PARAM, &e, &p);
     if (rc != 0) {
         return rc;
     }
@@ -863,17 +876,8 @@ int csl_reef_tcam_del(u32 chip_id, u32 tcam_id, u16 address)
 int csl_reef_tcam_read(u32 chip_id, u32 tcam_id, u16 address, csl_tcam_data *data, u32 *valid)
 {
     const Engine *e = nullptr;
-    i32 rc = _engine_get(chip_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    if (data == nullptr || data->key == nullptr || data->mask == nullptr || data->ad == nullptr ||
-        valid == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam read: null data pointer!\n");
-        return SHR_E_PARAM;
-    }
     EntryPlace p;
-    rc = _entry_place(chip_id, *e, tcam_id, address, SHR_E_PARAM, &p);
+    i32 rc = _entry_args(chip_id, tcam_id, address, valid != nullptr ? data : nullptr, true, SHR_E_PARAM, &e, &p);
     if (rc != 0) {
         return rc;
     }
@@ -940,75 +944,60 @@ int csl_reef_tcam_tab_rewrite(u32 chip_id, u32 type, u32 address)
 int csl_reef_tcam_record_set(u32 chip_id, u32 block, u32 index, const void *record,
                              const csl_tcam_record_layout *layout)
 {
-    if (record == nullptr || layout == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam set: null record!\n");
-        return SHR_E_PARAM;
-    }
-    if (block > 0xFF || index > 0xFF) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "Wrong tcam block(%u) or index(%u)!\n", block, index);
-        return SHR_E_PARAM;
-    }
+    u16 address = 0;
     const Engine *e = nullptr;
-    i32 rc = _engine_get(chip_id, &e);
+    i32 rc = _record_args(chip_id, record, layout, block, index, &address);
+    if (rc == 0) {
+        rc = _engine_get(chip_id, &e);
+    }
     if (rc != 0) {
         return rc;
     }
     const u8 *rec = static_cast<const u8 *>(record);
-    u8 key[CSL_TCAM_KEY_BYTES_MAX + 4] = {}, mask[CSL_TCAM_KEY_BYTES_MAX + 4] = {}, ad[CSL_TCAM_AD_BYTES + 4] = {};
     const cib_tab_info *k = layout->key_tab, *a = layout->ad_tab;
-    if (cib_tab_entry_bytes(k) > sizeof(key) || cib_tab_entry_bytes(a) > sizeof(ad)) {
-        return SHR_E_PARAM;
-    }
+    RecordImages img;
     TcamLock lock(chip_id);
-    rc = csl_reef_cib_record_to_data(k->modes[0].fields, k->members, k->member_count, rec + layout->mask_off, mask,
-                                     nullptr, 0);
-    rc |= csl_reef_cib_record_to_data(k->modes[0].fields, k->members, k->member_count, rec + layout->key_off, key,
+    rc = csl_reef_cib_record_to_data(k->modes[0].fields, k->members, k->member_count, rec + layout->mask_off,
+                                     img.mask, nullptr, 0);
+    rc |= csl_reef_cib_record_to_data(k->modes[0].fields, k->members, k->member_count, rec + layout->key_off, img.key,
                                       nullptr, 0);
-    rc |= csl_reef_cib_record_to_data(a->modes[0].fields, a->members, a->member_count, rec + layout->ad_off, ad,
+    rc |= csl_reef_cib_record_to_data(a->modes[0].fields, a->members, a->member_count, rec + layout->ad_off, img.ad,
                                       nullptr, 0);
     if (rc != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam set: a field of the record does not fit\n");
         return SHR_E_PARAM;
     }
-    const csl_tcam_data data = {mask, key, ad};
-    return csl_reef_tcam_add(chip_id, layout->tcam_id, static_cast<u16>(index << 8 | block), &data);
+    const csl_tcam_data data = {img.mask, img.key, img.ad};
+    return csl_reef_tcam_add(chip_id, layout->tcam_id, address, &data);
 }
 
 int csl_reef_tcam_record_get(u32 chip_id, u32 block, u32 index, void *record, const csl_tcam_record_layout *layout)
 {
-    if (record == nullptr || layout == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam get: null record!\n");
-        return SHR_E_PARAM;
+    u16 address = 0;
+    i32 rc = _record_args(chip_id, record, layout, block, index, &address);
+    if (rc != 0) {
+        return rc;
     }
-    if (block > 0xFF || index > 0xFF) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "Wrong tcam block(%u) or index(%u)!\n", block, index);
-        return SHR_E_PARAM;
-    }
-    u8 key[CSL_TCAM_KEY_BYTES_MAX + 4] = {}, mask[CSL_TCAM_KEY_BYTES_MAX + 4] = {}, ad[CSL_TCAM_AD_BYTES + 4] = {};
-    const cib_tab_info *k = layout->key_tab, *a = layout->ad_tab;
-    if (cib_tab_entry_bytes(k) > sizeof(key) || cib_tab_entry_bytes(a) > sizeof(ad)) {
-        return SHR_E_PARAM;
-    }
-    csl_tcam_data data = {mask, key, ad};
+    RecordImages img;
+    csl_tcam_data data = {img.mask, img.key, img.ad};
     u32 valid = 0;
-    const i32 rc = csl_reef_tcam_read(chip_id, layout->tcam_id, static_cast<u16>(index << 8 | block), &data, &valid);
+    rc = csl_reef_tcam_read(chip_id, layout->tcam_id, address, &data, &valid);
     if (rc != 0) {
         return rc;
     }
     u8 *rec = static_cast<u8 *>(record);
-    csl_reef_cib_data_to_record(k->modes[0].fields, k->members, k->member_count, rec + layout->key_off, key);
-    csl_reef_cib_data_to_record(k->modes[0].fields, k->members, k->member_count, rec + layout->mask_off, mask);
-    csl_reef_cib_data_to_record(a->modes[0].fields, a->members, a->member_count, rec + layout->ad_off, ad);
+    const cib_tab_info *k = layout->key_tab, *a = layout->ad_tab;
+    csl_reef_cib_data_to_record(k->modes[0].fields, k->members, k->member_count, rec + layout->key_off, img.key);
+    csl_reef_cib_data_to_record(k->modes[0].fields, k->members, k->member_count, rec + layout->mask_off, img.mask);
+    csl_reef_cib_data_to_record(a->modes[0].fields, a->members, a->member_count, rec + layout->ad_off, img.ad);
     return 0;
 }
 
 int csl_reef_tcam_record_del(u32 chip_id, u32 block, u32 index, u32 tcam_id)
 {
-    if (block > 0xFF || index > 0xFF) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "Wrong tcam block(%u) or index(%u)!\n", block, index);
-        return SHR_E_PARAM;
-    }
-    return csl_reef_tcam_del(chip_id, tcam_id, static_cast<u16>(index << 8 | block));
+    u16 address = 0;
+    const i32 rc = _record_address(chip_id, block, index, &address);
+    return rc != 0 ? rc : csl_reef_tcam_del(chip_id, tcam_id, address);
 }
 
 int csl_reef_tcam_record_to_entry(u32 chip_id, const cib_tab_info *tab, const void *record, const void *mask,

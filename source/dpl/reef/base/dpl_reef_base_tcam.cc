@@ -13,10 +13,13 @@ namespace {
 
 constexpr u32 kShowText = 8192;
 
-// The table and the API-form address of a door's name and index, with the
-// lines of the shell for a bad one.
+// The table and the API-form address of a door's chip, name and index,
+// with the lines of the shell for a bad one.
 i32 _entry_of(u32 chip_id, const char *table_name, u32 index, u32 *tcam_id, u16 *address)
 {
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
     if (table_name == nullptr) {
         csl_output_func(chip_id, 0, "ERR: tab name NULL\n");
         return SHR_E_PARAM;
@@ -88,9 +91,6 @@ i32 dpl_reef_base_tcam_add(u32 chip_id, const char *table_name, u32 index, base_
 
 i32 dpl_reef_base_tcam_del(u32 chip_id, const char *table_name, u32 index)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
-    }
     u32 tcam_id = 0;
     u16 address = 0;
     const i32 rc = _entry_of(chip_id, table_name, index, &tcam_id, &address);
@@ -99,9 +99,6 @@ i32 dpl_reef_base_tcam_del(u32 chip_id, const char *table_name, u32 index)
 
 i32 dpl_reef_base_tcam_show(u32 chip_id, const char *table_name, u32 index)
 {
-    if (!shr_chip_valid_get(chip_id)) {
-        return SHR_E_UNIT;
-    }
     u32 tcam_id = 0;
     u16 address = 0;
     i32 rc = _entry_of(chip_id, table_name, index, &tcam_id, &address);
