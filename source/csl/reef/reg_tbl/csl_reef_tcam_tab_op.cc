@@ -175,6 +175,21 @@ i32 _wait_done(u32 chip_id, const Engine &e, u32 *rr0, u64 *spent)
     return SHR_E_TIMEOUT;
 }
 
+// One command: the command word written once, then the wait for its done
+// bit; a time-out logs `timeout_line` and gives -9.
+i32 _command_run(u32 chip_id, const Engine &e, u32 cmd, const char *timeout_line, u32 *rr0, u64 *spent)
+{
+    *spent = 0;
+    i32 rc = _write(chip_id, e.cmd0, cmd);
+    if (rc == 0) {
+        rc = _wait_done(chip_id, e, rr0, spent);
+    }
+    if (rc == SHR_E_TIMEOUT) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "%s", timeout_line);
+    }
+    return rc;
+}
+
 // `bits` bits of `data` as register words, left-justified: out[0] takes the
 // highest 32 bits, a remainder of r bits the top r bits of the last word.
 u32 _to_regs(const u8 *data, u32 bits, u32 *out)
@@ -317,20 +332,14 @@ i32 _plane_write(u32 chip_id, const Engine &e, u32 type, u32 block, u32 index, c
     for (u32 k = 0; k < n && rc == 0; k++) {
         rc = _write(chip_id, e.d[top - k], regs[k]);
     }
-    if (rc == 0) {
-        rc = _write(chip_id, e.cmd0, _command(e, kOpWrite, type, block, index, valid));
-    }
     u32 rr0 = 0;
     u64 spent = 0;
     if (rc == 0) {
-        rc = _wait_done(chip_id, e, &rr0, &spent);
-        if (rc == SHR_E_TIMEOUT) {
-            SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "TCAM Read Write Operation is not done !!!\n");
-            rc = SHR_E_FAIL;
-        }
+        rc = _command_run(chip_id, e, _command(e, kOpWrite, type, block, index, valid),
+                          "TCAM Read Write Operation is not done !!!\n", &rr0, &spent);
     }
     if (rc != 0) {
-        return rc;
+        return rc == SHR_E_TIMEOUT ? SHR_E_FAIL : rc;
     }
     const u32 row = _cache_row(block, index);
     _copy_bits(_cache_at(chip_id, type, row), data, bits);
@@ -344,15 +353,10 @@ i32 _plane_write(u32 chip_id, const Engine &e, u32 type, u32 block, u32 index, c
 // the row's valid bit of a plane read.
 i32 _plane_read(u32 chip_id, const Engine &e, u32 type, u32 block, u32 index, u8 *data, u32 bits, u32 *valid)
 {
-    i32 rc = _write(chip_id, e.cmd0, _command(e, kOpRead, type, block, index, 0));
     u32 rr0 = 0;
     u64 spent = 0;
-    if (rc == 0) {
-        rc = _wait_done(chip_id, e, &rr0, &spent);
-        if (rc == SHR_E_TIMEOUT) {
-            SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam read opertion timeout\n");
-        }
-    }
+    i32 rc = _command_run(chip_id, e, _command(e, kOpRead, type, block, index, 0), "tcam read opertion timeout\n",
+                          &rr0, &spent);
     if (rc != 0) {
         return rc;
     }
@@ -782,19 +786,12 @@ int csl_reef_tcam_key_mask_search(u32 chip_id, const u8 *key, u32 bits, u32 bloc
     }
     // From here on the search enable goes back to 0 on every path.
     rc = _write(chip_id, e->search_en, e->search_en_bit.put32(0, 1));
-    u32 cmd = e->op_cmd.put32(0, kOpSearch);
-    cmd = e->tcam_start.put32(cmd, 1);
-    if (rc == 0) {
-        rc = _write(chip_id, e->cmd0, cmd);
-    }
     u32 rr0 = 0;
     u64 spent = 0;
     if (rc == 0) {
-        rc = _wait_done(chip_id, *e, &rr0, &spent);
+        rc = _command_run(chip_id, *e, e->tcam_start.put32(e->op_cmd.put32(0, kOpSearch), 1),
+                          "tcam search opertion timeout\n", &rr0, &spent);
         SHR_LOG_DBG(chip_id, SHR_MOD_REG_TAB, "[SEARCH] tcam search %lu us\n", (unsigned long)spent);
-        if (rc == SHR_E_TIMEOUT) {
-            SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "tcam search opertion timeout\n");
-        }
     }
     if (rc == 0 && e->hit.get32(rr0) == 0) {
         // A miss answers like a search that found nothing in time.
