@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <vector>
@@ -525,6 +526,36 @@ TEST_F(Tcam, TheChipClearsTheTcamAtBringUp)
     u32 done = 0;
     ASSERT_EQ(tide_sim_reg_peek(0, 4, atolreef_cib_acl_core_tcam_init_done_reg.addr[0], &done), 0);
     EXPECT_EQ(done, 0xFFFFu);
+}
+
+int g_allocs_left;
+
+void *_failing_malloc(size_t size)
+{
+    return g_allocs_left-- > 0 ? std::malloc(size) : nullptr;
+}
+
+TEST_F(Tcam, ASoftInitThatRunsOutOfMemoryGivesBackWhatItTook)
+{
+    ASSERT_EQ(csl_reef_tcam_tab_soft_deinit(0), 0);
+    // The lock and four caches: each of the five allocations fails once.
+    for (int left = 0; left < 5; left++) {
+        SCOPED_TRACE(left);
+        g_allocs_left = left;
+        xsal_malloc_base_func_set(_failing_malloc);
+        const int rc = csl_reef_tcam_tab_soft_init(0);
+        xsal_malloc_base_func_set(nullptr);
+        EXPECT_EQ(rc, SHR_E_MEMORY);
+        for (u8 **cache : {g_reef_tcam_tab_cache_data, g_reef_tcam_tab_cache_care, g_reef_tcam_tab_cache_ad,
+                           g_reef_tcam_tab_cache_valid}) {
+            EXPECT_EQ(cache[0], nullptr);
+        }
+        EXPECT_EQ(g_reef_tcam_tab_lock[0], nullptr);
+        u8 data[20] = {};
+        EXPECT_EQ(csl_reef_tcam_key_mask_ad_set(0, CSL_TCAM_KEY, kBlock160, 0, data, 160, 0), SHR_E_NOT_SUPPORT);
+    }
+    ASSERT_EQ(csl_reef_tcam_tab_soft_init(0), 0);
+    EXPECT_EQ(add_l2(kBlock160, 0, 1, 1, 1), 0);
 }
 
 class TcamSibling : public SimChips {
