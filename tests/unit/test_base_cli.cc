@@ -102,6 +102,15 @@ TEST_F(BaseCli, TheSummaryAndTheResourceShowWhatTheChipHas)
     EXPECT_TRUE(has("tcamblock_cfg3 spa, eacl-s        0x0001")) << out_;
 }
 
+TEST_F(BaseCli, TheModuleDumpShowsTheTcamAloneByItsMaskBit)
+{
+    Capture::clear();
+    ASSERT_EQ(base_api_chip_module_cnt_show(0, "all", nullptr, 0x4000000, 0, 0), 0);
+    const std::string out = Capture::output();
+    EXPECT_NE(out.find("tcam block 15: 128 rows of 80 bits"), std::string::npos) << out;
+    EXPECT_EQ(out.find("[ cib_lsw_hreg ]"), std::string::npos) << out; // no module of the catalogue
+}
+
 TEST_F(BaseCli, ThePlaneCheckFindsABrokenTestRegister)
 {
     ASSERT_EQ(run("plane check"), 0) << out_;
