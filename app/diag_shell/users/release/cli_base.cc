@@ -41,7 +41,6 @@ i32 _bad_argc()
 template <u32 Room>
 i32 _stage(u32 chip_id, i32 argc, char **argv, u8 (Staged::*part)[Room])
 {
-    constexpr u32 room = Room;
     if (argc < 1) {
         return _bad_argc();
     }
@@ -50,12 +49,12 @@ i32 _stage(u32 chip_id, i32 argc, char **argv, u8 (Staged::*part)[Room])
     }
     u8 bytes[kKeyBytes] = {};
     u32 count = 0;
-    if (cli_hex_string_to_u8_array(argv[0], bytes, room, &count) != 0) {
+    if (cli_hex_string_to_u8_array(argv[0], bytes, Room, &count) != 0) {
         return SHR_E_PARAM;
     }
     std::lock_guard<std::mutex> hold(g_staged_lock);
     u8 *dst = g_staged[chip_id].*part;
-    memset(dst, 0, room);
+    memset(dst, 0, Room);
     for (u32 i = 0; i < count; i++) {
         dst[i] = bytes[count - 1 - i];
     }
