@@ -5,6 +5,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include <tide/shr.h>
@@ -13,6 +14,7 @@
 #include "sim/sim_int.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_tap.h"
+#include "sim/sim_tcam.h"
 
 using tide::sim::Chip;
 using tide::sim::Model;
@@ -191,6 +193,20 @@ int _on_taps(uint32_t chip, const char *what, Fn fn)
         return rc;
     }
     return fn(*_chip(chip)->tap);
+}
+
+// A row of the TCAM under the chip's mutex: the chip (-17, -3), the row
+// pointer (-20), then `fn` on the engine, false for a place beyond the chip.
+template <typename Fn>
+int _tcam_row(uint32_t chip, const void *row, Fn fn)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || row == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return fn(*c->tcam) ? 0 : -4;
 }
 
 } // namespace
@@ -412,6 +428,33 @@ int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dyna
         *entries = c->arl->entries();
     }
     return 0;
+}
+
+int tide_sim_tcam_row_get(uint32_t chip, uint32_t block, uint32_t index, tide_sim_tcam_row *row)
+{
+    return _tcam_row(chip, row, [&](const tide::sim::TcamEngine &t) {
+        tide::sim::TcamEngine::Row r;
+        if (!t.row_get(block, index, &r)) {
+            return false;
+        }
+        std::copy(r.data.begin(), r.data.end(), row->data);
+        std::copy(r.care.begin(), r.care.end(), row->care);
+        std::copy(r.action.begin(), r.action.end(), row->action);
+        row->valid = r.valid ? 1 : 0;
+        return true;
+    });
+}
+
+int tide_sim_tcam_row_set(uint32_t chip, uint32_t block, uint32_t index, const tide_sim_tcam_row *row)
+{
+    return _tcam_row(chip, row, [&](tide::sim::TcamEngine &t) {
+        tide::sim::TcamEngine::Row r;
+        std::copy(row->data, row->data + r.data.size(), r.data.begin());
+        std::copy(row->care, row->care + r.care.size(), r.care.begin());
+        std::copy(row->action, row->action + r.action.size(), r.action.begin());
+        r.valid = row->valid != 0;
+        return t.row_set(block, index, r);
+    });
 }
 
 int tide_sim_packet_inject(uint32_t chip, uint32_t lport, const uint8_t *frame, uint32_t len)

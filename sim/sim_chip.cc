@@ -8,6 +8,7 @@
 #include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
 #include "sim/sim_tap.h"
+#include "sim/sim_tcam.h"
 
 namespace tide::sim {
 
@@ -45,6 +46,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     }
     log_.resize(TIDE_SIM_WRITE_LOG_DEPTH);
     arl = std::make_unique<ArlEngine>(*this);
+    tcam = std::make_unique<TcamEngine>(*this);
     pkt = std::make_unique<Pipeline>(*this);
     tap = std::make_unique<TapPorts>(*this);
     if (ok()) {
@@ -61,6 +63,7 @@ Chip::~Chip()
     tap->close_all();
     tap.reset();
     pkt.reset();
+    tcam.reset();
     arl.reset();
     for (Region &r : regions_) {
         if (r.mem != nullptr) {
@@ -76,7 +79,7 @@ bool Chip::ok() const
             return false;
         }
     }
-    return (arl == nullptr || arl->ok()) && (pkt == nullptr || pkt->ok());
+    return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (pkt == nullptr || pkt->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -244,6 +247,9 @@ void Chip::reset_core()
     if (arl) {
         arl->clear();
     }
+    if (tcam) {
+        tcam->clear();
+    }
 }
 
 // ---- engines -----------------------------------------------------------------
@@ -251,6 +257,7 @@ void Chip::reset_core()
 void Chip::install_engines()
 {
     arl->install();
+    tcam->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,

@@ -52,6 +52,7 @@ constexpr uint32_t kPciConfigSize = 4096;
 
 class Chip;
 class ArlEngine;
+class TcamEngine;
 class Pipeline;
 class TapPorts;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
@@ -133,6 +134,8 @@ public:
 
     // The MAC table.
     std::unique_ptr<ArlEngine> arl;
+    // The TCAM blocks of acl_core.
+    std::unique_ptr<TcamEngine> tcam;
     // The packet path.
     std::unique_ptr<Pipeline> pkt;
     // The front ports bound to TAP devices, and their I/O thread.

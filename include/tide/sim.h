@@ -64,6 +64,7 @@ typedef enum tide_sim_engine {
     TIDE_SIM_ENGINE_RESET = 0,    /* hard reset status of the reset controller */
     TIDE_SIM_ENGINE_ARL = 1,      /* command block of the MAC table: never finishes */
     TIDE_SIM_ENGINE_ARL_INIT = 2, /* init of the MAC table: never reports done */
+    TIDE_SIM_ENGINE_TCAM = 3,     /* TCAM commands never finish, block resets never report done */
     TIDE_SIM_ENGINE_COUNT
 } tide_sim_engine;
 /* `stall` 1: the engine never reports completion; 0: normal. */
@@ -105,6 +106,22 @@ TIDE_API int tide_sim_arl_entry_get(uint32_t chip, uint32_t index, uint32_t entr
 /* Entries of the table, and the size of the walk of tide_sim_arl_entry_get. */
 TIDE_API int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dynamic_count,
                                     uint32_t *entries);
+
+/* The TCAM of acl_core as the chip holds it: a row by (block, index),
+ * whatever the block's mode.  `data` and `care` hold the row's bits
+ * right-aligned, bit i in word i / 32 (as many bits as the block's rows
+ * are wide), `action` its 96-bit action row, action[0] holding bits 31..0.
+ * -4 for a block beyond the chip (16 blocks, 32 on kelpreef) or an index
+ * above 255, -20 for a NULL row.  The set form stands for a fault of the
+ * memory: no command, no log. */
+typedef struct tide_sim_tcam_row {
+    uint32_t data[10];
+    uint32_t care[10];
+    uint32_t action[3];
+    uint32_t valid;
+} tide_sim_tcam_row;
+TIDE_API int tide_sim_tcam_row_get(uint32_t chip, uint32_t block, uint32_t index, tide_sim_tcam_row *row);
+TIDE_API int tide_sim_tcam_row_set(uint32_t chip, uint32_t block, uint32_t index, const tide_sim_tcam_row *row);
 
 /* ---- the packet path ----------------------------------------------------
  * A frame injected on a port runs through the chip's pipeline as the SDK

@@ -73,6 +73,10 @@ void kelpreef_identity_set(uint32_t chip, uint32_t revision = 0);
 // Puts the library's own register slots back into the HAL tables.
 void restore_hal_tables();
 
+// The seed of a randomized test: TIDE_TEST_SEED when it is set, else a new
+// one; printed, so that the run can be repeated.
+uint64_t test_seed();
+
 // Writes of the model's log for one chip.
 std::vector<tide_sim_write> sim_writes(uint32_t chip);
 

@@ -216,6 +216,7 @@ typedef struct cli_legacy_cmd {
     X("sflow", 38) X("tas", 39) X("interrupt", 40) X("led", 41) X("storm", 42) X("sim", 43)
 /* Modes that the library's command families install into. */
 #define CLI_MODE_L2 3u
+#define CLI_MODE_BASE 5u
 #define CLI_MODE_PORT 8u
 /* Our own mode, after the chip's: the chip model's commands. */
 #define CLI_MODE_SIM 43u

@@ -76,16 +76,6 @@ constexpr HashLock kHashLocks[CSL_HASH_TYPE_COUNT] = {
 constexpr u32 kImageWordBits = 32;
 constexpr const char *kBucketName[3] = {"bar0", "bar1", "cam"};
 
-Bits _field(const cib_reg_info *reg, const char *name)
-{
-    for (u32 i = 0; reg != nullptr && i < reg->field_count; i++) {
-        if (strcmp(reg->fields[i].name, name) == 0) {
-            return Bits{reg->fields[i].low_bit, reg->fields[i].width};
-        }
-    }
-    return Bits{};
-}
-
 // Finds the registers and fields of the block in the chip's catalogue; a
 // chip whose catalogue lacks any of them has no usable block.
 bool _block_resolve(u32 chip_id, Block &b)
@@ -93,20 +83,9 @@ bool _block_resolve(u32 chip_id, Block &b)
     b = Block{};
     const u32 type = shr_chip_type_get(chip_id);
     b.w = g_csl_l2_mac_widths[type < 5 ? type : 4];
-    bool ok = b.w.key_bits != 0;
-    auto reg = [&](u32 id, u32 *addr) {
-        const cib_reg_info *r = csl_reef_reg_info_get(chip_id, id);
-        ok &= r != nullptr && r->a > 0;
-        if (r != nullptr && r->a > 0) {
-            *addr = r->addr[0];
-        }
-        return r;
-    };
-    auto field = [&](const cib_reg_info *r, const char *name) {
-        const Bits f = _field(r, name);
-        ok &= f.ok();
-        return f;
-    };
+    tide::cib::CatalogueNeeds need{chip_id};
+    auto reg = [&](u32 id, u32 *addr) { return need.reg(id, addr); };
+    auto field = [&](const cib_reg_info *r, const char *name) { return need.field(r, name); };
     const cib_reg_info *cfg = reg(cib_arl_cpuop_cfg, &b.regs.cfg);
     b.start = field(cfg, "cpuop_start");
     b.btype = field(cfg, "bucket_type");
@@ -138,8 +117,8 @@ bool _block_resolve(u32 chip_id, Block &b)
     b.fail_cause = field(state, "cpuop_fail_cause");
     b.fail_ind = field(state, "cpuop_fail_ind");
     b.finish = field(state, "cpuop_finish_ind");
-    b.ok = ok;
-    return ok;
+    b.ok = b.w.key_bits != 0 && need.ok;
+    return b.ok;
 }
 
 const Block *_block(u32 chip_id)
@@ -214,20 +193,12 @@ Cmd _bucket_cmd(u32 op, u32 bucket_type, u32 bucket_addr, u8 *entry_out)
 
 i32 _read(u32 chip_id, u32 addr, u32 *value)
 {
-    const i32 rc = csl_reg_read32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
+    return csl_reg_read32_logged(chip_id, addr, value);
 }
 
 i32 _write(u32 chip_id, u32 addr, u32 value)
 {
-    const i32 rc = csl_reg_write32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
+    return csl_reg_write32_logged(chip_id, addr, value);
 }
 
 // Polls the status word until it reports finished: at most

@@ -17,7 +17,7 @@
 #ifndef TIDE_CSL_REEF_HASH_TAB_OP_H
 #define TIDE_CSL_REEF_HASH_TAB_OP_H
 
-#include "tide_int.h"
+#include "csl/reef/reg_tbl/csl_reef_cib.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -181,17 +181,7 @@ namespace tide::l2mac {
 using u128 = unsigned __int128;
 
 /* A field of an entry, a register or a key: its lowest bit and width. */
-struct Bits {
-    u16 low = 0;
-    u16 width = 0;
-    constexpr bool ok() const { return width != 0; }
-    constexpr u128 mask() const { return width >= 128 ? ~u128{0} : ((u128{1} << width) - 1); }
-    constexpr u64 get(u128 v) const { return static_cast<u64>((v >> low) & mask()); }
-    constexpr u128 put(u128 v, u64 x) const { return (v & ~(mask() << low)) | ((u128{x} & mask()) << low); }
-    constexpr u32 get32(u32 v) const { return static_cast<u32>(get(v)); }
-    constexpr u32 put32(u32 v, u64 x) const { return static_cast<u32>(put(v, x)); }
-    constexpr u64 max() const { return static_cast<u64>(mask()); }
-};
+using Bits = tide::cib::Bits;
 
 /* Bytes in the field helpers' bit order to a number and back. */
 inline u128 load(const u8 *data, u32 bytes)

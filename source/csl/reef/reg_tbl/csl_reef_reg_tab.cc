@@ -7,6 +7,7 @@
 #include "csl/common/reg_tab/csl_reg.h"
 #include "csl/reef/reg_tbl/csl_reef_hash_tab_op.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "csl/reef/reg_tbl/csl_reef_tcam_tab_op.h"
 
 namespace {
 
@@ -183,7 +184,13 @@ int csl_reef_reg_tab_soft_init(u32 chip_id)
     if (csl_write_file_lock_init(chip_id) != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[Base init] create write file lock failed!\n");
     }
-    return csl_reef_hash_tab_soft_init(chip_id);
+    const int rc = csl_reef_hash_tab_soft_init(chip_id);
+    const int tcam = csl_reef_tcam_tab_soft_init(chip_id);
+    if (tcam != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[Base init] init tcam table failed!\n");
+        return tcam;
+    }
+    return rc;
 }
 
 int csl_reef_reg_tab_soft_deinit(u32 chip_id)
@@ -200,12 +207,15 @@ int csl_reef_reg_tab_soft_deinit(u32 chip_id)
     csl_reef_module_lock_deinit(chip_id);
     csl_write_file_lock_deinit(chip_id);
     csl_reef_hash_tab_soft_deinit(chip_id);
+    csl_reef_tcam_tab_soft_deinit(chip_id);
     return rc;
 }
 
+// The TCAM is cleared by the chip before anything is written to it.
 int csl_reef_reg_tab_hw_init(u32 chip_id)
 {
-    return csl_reef_hash_tab_hw_init(chip_id);
+    const int rc = csl_reef_tcam_tab_hw_init(chip_id);
+    return rc != 0 ? rc : csl_reef_hash_tab_hw_init(chip_id);
 }
 
 int csl_reef_module_lock_init(u32 chip_id)

@@ -1,6 +1,7 @@
 // The base service of the reef family.
 #include <strings.h>
 
+#include <cstdio>
 #include <cstring>
 #include <initializer_list>
 
@@ -8,6 +9,8 @@
 #include "csl/common/reg_tab/csl_reg.h"
 #include "csl/reef/reg_tbl/csl_reef_field.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "csl/reef/reg_tbl/csl_reef_tcam_tab_op.h"
+#include "csl/reef/service/tcam_mgmt/csl_reef_tcam_mgmt.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/base/dpl_reef_base_index_manage.h"
 #include "csl/common/port/csl_port.h"
@@ -25,6 +28,9 @@ i32 dpl_reef_base_soft_init(u32 chip_id)
     if (csl_reef_reg_tab_soft_init(chip_id) != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] reg tab soft init failed!\n", "base");
     }
+    if (csl_reef_tcam_mgmt_init_soft(chip_id) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] tcam mgmt init failed!\n", "base");
+    }
     if (dpl_reef_base_index_manage_init(chip_id) != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_INIT, "[SOFT-INIT: %13s] index manage init failed!\n", "base");
     }
@@ -35,6 +41,7 @@ i32 dpl_reef_base_soft_init(u32 chip_id)
 i32 dpl_reef_base_soft_deinit(u32 chip_id)
 {
     dpl_reef_base_index_manage_deinit(chip_id);
+    csl_reef_tcam_mgmt_deinit_soft(chip_id);
     const i32 rc = csl_reef_reg_tab_soft_deinit(chip_id);
     g_dpl_reef_base_soft_inited[chip_id] = 0;
     return rc;
@@ -212,15 +219,21 @@ i32 dpl_reef_base_chip_module_cnt_show(u32 chip_id, const char *module, const ch
     const size_t len = strlen(module);
     const bool all = len > 0 && len <= 3 && strncasecmp(module, "all", len) == 0;
     const char *failed = module;
+    // The TCAM's rows come with every module, or alone by their mask bit.
+    constexpr u32 kTcamOnly = 0x4000000u;
     if (!all) {
         rc = csl_reef_module_cnt_show(chip_id, module, to_file, mask, raw);
-    } else {
+    } else if (mask != kTcamOnly) {
         for (u32 m = 0; m < CIB_MODULE_COUNT && rc == 0; m++) {
             if (atolreef_allmodule_list[m].name != nullptr) {
                 failed = atolreef_allmodule_list[m].name;
                 rc = csl_reef_module_cnt_show(chip_id, failed, to_file, mask, raw);
             }
         }
+    }
+    if (all && rc == 0 && (mask == kTcamOnly || mask == 0xFFFFFFFFu)) {
+        failed = "tcam";
+        rc = csl_reef_tcam_tab_dump_all(chip_id, to_file, raw ? 0 : 1);
     }
     if (rc == SHR_E_FULL) {
         csl_output_func(chip_id, 0, "WARN: file %s has reached limit-MBytes (%u Mb)\n", file != nullptr ? file : "",
@@ -238,6 +251,60 @@ i32 dpl_reef_base_chip_module_cnt_show(u32 chip_id, const char *module, const ch
     return rc;
 }
 
+// Test registers and the value each reads back after 0x5A5A5A5A: the
+// "_n" registers return the complement of what is written.
+struct TestReg {
+    u32 id;
+    u32 expect;
+};
+constexpr u32 kTestPattern = 0x5A5A5A5Au;
+constexpr TestReg kTestRegs[] = {
+    {cib_lsw_hreg_test_reg, kTestPattern},     {cib_pa_test_reg, kTestPattern},
+    {cib_epro_test_reg, kTestPattern},         {cib_ipro_test_reg, kTestPattern},
+    {cib_lsw_hreg_test_reg_n, ~kTestPattern},  {cib_ipro_test_reg_n, ~kTestPattern},
+};
+
+// Every instance of every test register written and read back; a register
+// the catalogue lacks is skipped.
+i32 dpl_reef_base_control_get(u32 chip_id, base_test_cfg *cfg)
+{
+    if (!shr_chip_valid_get(chip_id)) {
+        return SHR_E_UNIT;
+    }
+    if (cfg == nullptr) {
+        return SHR_E_NULL_PTR;
+    }
+    if (cfg->type != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "test type %u is not supported\n", cfg->type);
+        return SHR_E_PARAM;
+    }
+    cfg->result = 1;
+    for (const TestReg &t : kTestRegs) {
+        const cib_reg_info *reg = csl_reef_reg_info_get(chip_id, t.id);
+        const u32 count = reg != nullptr ? static_cast<u32>(reg->a) * reg->b : 0;
+        for (u32 inst = 0; inst < count; inst++) {
+            u32 back = 0;
+            i32 rc = csl_reef_reg_set_u32(chip_id, CIB_ID(t.id, inst), kTestPattern);
+            if (rc == 0) {
+                rc = csl_reef_reg_get_u32(chip_id, CIB_ID(t.id, inst), &back);
+            }
+            if (rc != 0) {
+                SHR_LOG_ERRCODE(chip_id, rc);
+                return rc;
+            }
+            if (back != t.expect) {
+                char name[48];
+                snprintf(name, sizeof(name), count > 1 ? "%s[%u]" : "%s", reg->name, inst);
+                SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "name:%-30s  write data:0x%08x   read data:0x%08x\n", name,
+                            kTestPattern, back);
+                cfg->result = 0;
+                return SHR_E_TIMEOUT;
+            }
+        }
+    }
+    return 0;
+}
+
 // The slots of the base family that this layer fills; the others stay
 // empty and answer -24.
 static constexpr reef_base_dispatch_t _dpl_reef_base_dispatch_make()
@@ -250,7 +317,13 @@ static constexpr reef_base_dispatch_t _dpl_reef_base_dispatch_make()
     t.field_set = dpl_reef_base_field_set;
     t.field_get = dpl_reef_base_field_get;
     t.tab_data_to_string = dpl_reef_base_tab_data_to_string;
+    t.tcam_summary_show = dpl_reef_base_tcam_summary_show;
+    t.tcam_resource_show = dpl_reef_base_tcam_resource_show;
+    t.tcam_add = dpl_reef_base_tcam_add;
+    t.tcam_del = dpl_reef_base_tcam_del;
+    t.tcam_show = dpl_reef_base_tcam_show;
     t.chip_module_cnt_show = dpl_reef_base_chip_module_cnt_show;
+    t.control_get = dpl_reef_base_control_get;
     return t;
 }
 
