@@ -9,6 +9,7 @@
 #include "app/diag_shell/shell/cli/cli_core.h"
 #include "atolreef_cib.h"
 #include "csl/reef/service/tcam_mgmt/csl_reef_tcam_mgmt.h"
+#include "support/cli_lines.h"
 #include "support/fixture.h"
 
 using tide::test::Capture;
@@ -16,7 +17,7 @@ using tide::test::SimChips;
 
 namespace {
 
-class BaseCli : public SimChips {
+class BaseCli : public SimChips, public tide::test::CliLines {
 protected:
     BaseCli() : SimChips(1, 1) {}
     void SetUp() override
@@ -35,14 +36,11 @@ protected:
     i32 run(const std::string &line)
     {
         Capture::clear();
-        const i32 r = cli_cmd_execute(0, line.c_str(), buf_, sizeof(buf_));
-        out_ = std::string(buf_) + Capture::output();
+        const i32 r = CliLines::run(line);
+        out_ += Capture::output();
         return r;
     }
-    bool has(const char *text) const { return out_.find(text) != std::string::npos; }
-
-    char buf_[16384];
-    std::string out_;
+    bool has(const char *text) const { return said(text); }
 };
 
 TEST_F(BaseCli, AnOperatorWritesShowsAndClearsAnEntry)
