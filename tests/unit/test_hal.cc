@@ -224,6 +224,47 @@ TEST_F(HalOnModel, DmaBlockThatCannotBeRecordedGoesBack)
     EXPECT_EQ(stats.dma_frees, 1u);
 }
 
+// A driver that reports chip 1's BAR 0 off its page and so long that its
+// end lies beyond 2^64; the other commands are the model's.
+hal_ui_os_ops g_model_seam;
+
+int _bar0_beyond_2_64(int fd, unsigned long request, void *arg)
+{
+    const int rc = g_model_seam.ioctl(fd, request, arg);
+    auto *io = static_cast<hal_devio *>(arg);
+    if (request == HAL_CMD_IOMEM_GET && rc == 0 && io->chip_id == 1) {
+        u64 paddr, size = ~0ull - 0x7FF;
+        memcpy(&paddr, io->data, sizeof(paddr));
+        paddr += 0x900;
+        memcpy(io->data, &paddr, sizeof(paddr));
+        memcpy(io->data + 8, &size, sizeof(size));
+    }
+    return rc;
+}
+
+TEST_F(HalOnModel, ApertureEndingBeyond2To64IsNotMapped)
+{
+    g_model_seam = *hal_ui_os_ops_get();
+    hal_ui_os_ops broken = g_model_seam;
+    broken.ioctl = _bar0_beyond_2_64;
+    hal_ui_close();
+    hal_ui_os_ops_set(&broken);
+    hal_ui_open();
+    Capture::clear();
+    // Its whole pages would wrap to one page: nothing is mapped, and no
+    // register access can reach past that page.
+    EXPECT_EQ(hal_ui_chip_mem_init(1), SHR_E_FAIL);
+    EXPECT_TRUE(Capture::has("mmap target addr"));
+    u64 info[3] = {};
+    ASSERT_EQ(hal_ui_get_chip_mem_info(1, 0, info), 0);
+    EXPECT_EQ(info[0], 0u);
+    u32 v = 0;
+    EXPECT_EQ(hal_ui_reg_read_32(1, 0, 0x40000000, &v), SHR_E_INIT);
+    hal_ui_close();
+    hal_ui_os_ops_set(&g_model_seam);
+    hal_ui_open();
+}
+
 TEST(HalSeam, EmptySlotsKeepTheCLibrary)
 {
     hal_ui_os_ops ops{};
