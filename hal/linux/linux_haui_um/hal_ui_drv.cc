@@ -617,6 +617,9 @@ int hal_ui_chip_mem_init(u32 chip_id)
         SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "invalid chip_id\n");
         return SHR_E_BADID;
     }
+    // A chip mapped already gives its mappings back first: the driver's
+    // ranges are taken anew and nothing of the earlier ones stays mapped.
+    _hal_ui_chip_unmmap_hw(chip_id);
     g_hal_ui_chip_info[chip_id].chip_id = chip_id;
     int rc = _hal_ui_chip_mmap_hw(chip_id);
     if (rc != 0) {
