@@ -202,6 +202,15 @@ def hal_seeds():
         hal(CALL_MEM_DEINIT, 0, tamper=()),
     ])
     seeds["hal_bring_up"] = bring_up
+    # A chip mapped twice, then once more as a kelpreef: each mapping gives
+    # the earlier ones back.
+    seeds["hal_map_twice"] = b"".join([
+        hal(CALL_MEM_INIT, 0, b"\0", tamper=(0, 0, 0)),
+        hal(CALL_MEM_INIT, 0, b"\0", tamper=(0, 0, 0)),
+        bytes([OP_TYPE, 0 | 2 << 2]),
+        hal(CALL_MEM_INIT, 0, b"\0", tamper=(0, 0, 0)),
+        reg(0, 2, 4, 0x4000000),
+    ])
     # A kelpreef: the switch core in ten pieces.
     seeds["hal_kelpreef"] = b"".join([
         bytes([OP_TYPE, 0 | 1 << 2]),
