@@ -5,7 +5,8 @@
 # in the build directory.
 #   run.sh [build dir [seconds per fuzzer [fuzzer...]]]
 # The fuzzers are named without their "fuzz_" prefix: cli_parse cli_grammar
-# cli_msg property l2_msg hal_cmd (all of them by default).
+# cli_msg property l2_msg hal_cmd (all of them by default).  Each prints its
+# random seed; TIDE_FUZZ_SEED=<seed> runs with that one again.
 set -eu
 src=$(cd "$(dirname "$0")" && pwd)
 dir=${1:-$src/../../build/fuzz}
@@ -40,9 +41,12 @@ for entry in $table; do
     echo "== fuzz_$name: ${secs} s"
     log="$dir/fuzz_$name.log"
     if ! "$dir/fuzz_$name" -max_total_time="$secs" -max_len="$max_len" -timeout=10 -rss_limit_mb=2048 \
-        -artifact_prefix="$dir/fuzz_$name-" -print_final_stats=1 "$corpus" "$src/seeds/$seeds" >"$log" 2>&1; then
+        ${TIDE_FUZZ_SEED:+-seed="$TIDE_FUZZ_SEED"} -artifact_prefix="$dir/fuzz_$name-" -print_final_stats=1 \
+        "$corpus" "$src/seeds/$seeds" >"$log" 2>&1; then
+        grep -m1 '^INFO: Seed:' "$log" || true
         tail -n 60 "$log"
         exit 1
     fi
+    grep -m1 '^INFO: Seed:' "$log" || true
     grep '^stat::\(number_of_executed_units\|new_units_added\)' "$log"
 done
