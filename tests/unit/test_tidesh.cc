@@ -196,12 +196,30 @@ class Terminal {
 public:
     explicit Terminal(const std::string &socket, const std::string &history)
     {
+        // Arguments and environment are made before the fork: the child of
+        // a process with threads (the server's) may only exec, as another
+        // thread may have held the allocator's lock at the fork.
+        std::vector<std::string> env = {"TERM=xterm"};
+        for (char **e = environ; *e != nullptr; e++) {
+            if (std::string(*e).rfind("TERM=", 0) != 0) {
+                env.emplace_back(*e);
+            }
+        }
+        std::vector<char *> envp;
+        for (std::string &e : env) {
+            envp.push_back(e.data());
+        }
+        envp.push_back(nullptr);
+        std::string args[] = {TIDE_TIDESH, "--socket", socket, "--history", history};
+        std::vector<char *> argv;
+        for (std::string &a : args) {
+            argv.push_back(a.data());
+        }
+        argv.push_back(nullptr);
         winsize ws = {40, 100, 0, 0};
         pid_ = forkpty(&fd_, nullptr, nullptr, &ws);
         if (pid_ == 0) {
-            setenv("TERM", "xterm", 1);
-            execl(TIDE_TIDESH, TIDE_TIDESH, "--socket", socket.c_str(), "--history", history.c_str(),
-                  static_cast<char *>(nullptr));
+            execve(TIDE_TIDESH, argv.data(), envp.data());
             _exit(127);
         }
     }

@@ -1,10 +1,9 @@
 // Threads, semaphores and events of the OS layer.
+#include <dirent.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/prctl.h>
-
-#include <dirent.h>
 
 #include <atomic>
 #include <cstring>
