@@ -9,6 +9,10 @@ Reads the chip description (cib/atolreef/*.cib), checks it, and writes:
   --model DIR   the register and table geometry the chip model loads
                 (atolreef_model_desc.cc); no code of the SDK is shared
   --doc FILE    a reference of every module, register, table and field
+  --tcam FILE   the registry of the logical TCAM tables (cib/tcam_tables.txt);
+                with --sdk also the registry's records and the typed
+                _set/_get/_del and conversions of every TCAM table
+                (atolreef_tcam_table.h, atolreef_tcam_table.cc)
 
 The description format is told in docs/chip-description.md.  Output is a pure
 function of the input: the same description gives the same bytes.
@@ -669,12 +673,161 @@ def gen_doc(modules):
     return '\n'.join(out) + '\n'
 
 
+# ---- the logical TCAM tables ---------------------------------------------------
+
+class TcamTable:
+    def __init__(self, tid, name, tag, sub, action, where):
+        self.id = tid
+        self.name = name
+        self.tag = tag      # (start, width, value)
+        self.sub = sub      # (start, width, value) or None
+        self.action = action  # action table name or None
+        self.where = where
+        self.key = None     # the key table Item when the chip has it
+        self.ad = None
+        # The name of the typed record and functions: the key table's name
+        # without "_key".
+        self.short = name[:-4] if name.endswith('_key') else name
+
+
+def parse_tcam(path, items):
+    """The registry: one line per table, ids from 0 in order."""
+    tables = []
+    with open(path) as f:
+        for lineno, raw in enumerate(f, 1):
+            where = '%s:%d' % (os.path.relpath(path), lineno)
+            line = raw.split('#', 1)[0].split()
+            if not line:
+                continue
+            try:
+                tid = int(line[0])
+                tag = tuple(int(x) for x in line[2:5])
+                rest = line[5:]
+                sub = None
+                if rest[:1] != ['-']:
+                    sub = tuple(int(x) for x in rest[:3])
+                    rest = rest[3:]
+                else:
+                    rest = rest[1:]
+                if len(rest) != 1 or len(tag) != 3 or (sub is not None and len(sub) != 3):
+                    raise ValueError
+            except (ValueError, IndexError):
+                raise DescError('%s: expected: id name tag-start tag-width tag-value (sub-tag | -) (action | -)' % where)
+            if tid != len(tables):
+                raise DescError('%s: tcam id %d out of order (expected %d)' % (where, tid, len(tables)))
+            t = TcamTable(tid, line[1], tag, sub, None if rest[0] == '-' else rest[0], where)
+            if any(o.name == t.name for o in tables):
+                raise DescError('%s: tcam table %s named twice' % (where, t.name))
+            key = items.get(t.name)
+            if key is not None:
+                if key.kind != 'tab' or key.tab_kind != 2:
+                    raise DescError('%s: %s is not a TCAM table of the description' % (where, t.name))
+                for what, f3 in (('tag', t.tag), ('sub-tag', t.sub)):
+                    if f3 is not None and (f3[0] + f3[1] > key.width or f3[2] >> f3[1]):
+                        raise DescError('%s: %s %r does not fit the %d-bit key' % (where, what, f3, key.width))
+                ad = items.get(t.action) if t.action else None
+                if ad is None or ad.kind != 'tab' or ad.tab_kind != 2:
+                    raise DescError('%s: the action table %s of %s is not a TCAM table of the description' % (
+                        where, t.action, t.name))
+                if 'cib_' + t.short in {cident(n) for n in items}:
+                    raise DescError('%s: the record name cib_%s is taken' % (where, t.short))
+                t.key = key
+            ad = items.get(t.action) if t.action else None
+            t.ad = ad if ad is not None and ad.kind == 'tab' and ad.tab_kind == 2 else None
+            tables.append(t)
+    if not tables:
+        raise DescError('%s: no tcam tables' % path)
+    return tables
+
+
+def gen_tcam_header(tables):
+    out = [HEADER, '#ifndef TIDE_ATOLREEF_TCAM_TABLE_H\n#define TIDE_ATOLREEF_TCAM_TABLE_H\n',
+           '#include "atolreef_cib.h"', '#include "csl/reef/reg_tbl/csl_reef_tcam_tab_op.h"\n',
+           '#ifdef __cplusplus\nextern "C" {\n#endif\n',
+           '/* Tcam ids: the index of g_tcam_tab_name_id and g_tcam_tid_subid. */', 'enum csl_tcam_id {']
+    for t in tables:
+        out.append('    CSL_TCAM_ID_%s = %d,' % (t.name.upper(), t.id))
+    out.append('};\n')
+    out.append('#ifdef __cplusplus\nstatic_assert(%d == CSL_TCAM_TAB_COUNT, "the registry has CSL_TCAM_TAB_COUNT tables");\n'
+               '#endif\n' % len(tables))
+    done_ad = set()
+    for t in tables:
+        c = 'cib_' + t.short
+        if t.key is None:
+            out.append('/* %s: not on this chip; the functions answer -24. */' % t.name)
+            out.append('int csl_reef_%s_set(u32 chip_id, u32 block, u32 index, void *record);' % c)
+            out.append('int csl_reef_%s_get(u32 chip_id, u32 block, u32 index, void *record);' % c)
+            out.append('int csl_reef_%s_del(u32 chip_id, u32 block, u32 index);\n' % c)
+            continue
+        k, a = cident(t.key.name), cident(t.ad.name)
+        out.append('/* %s: key, mask (the key\'s record) and action of one entry. */' % t.name)
+        out.append('typedef struct %s_s {\n    %s_t key;\n    %s_t mask;\n    %s_t ad;\n} %s_t;' % (c, k, k, a, c))
+        out.append('int csl_reef_%s_set(u32 chip_id, u32 block, u32 index, %s_t *record);' % (c, c))
+        out.append('int csl_reef_%s_get(u32 chip_id, u32 block, u32 index, %s_t *record);' % (c, c))
+        out.append('int csl_reef_%s_del(u32 chip_id, u32 block, u32 index);' % c)
+        conv = [t.key] + ([t.ad] if t.ad.name not in done_ad else [])
+        done_ad.add(t.ad.name)
+        for it in conv:
+            ci = cident(it.name)
+            out.append('int csl_reef_%s_TO_entry(u32 chip_id, %s_t *record, const void *mask, u8 *data, u32 write_bits);' % (ci, ci))
+            out.append('int csl_reef_entry_TO_%s(u32 chip_id, %s_t *record, const u8 *data);' % (ci, ci))
+        out.append('')
+    out.append('#ifdef __cplusplus\n}\n#endif\n\n#endif /* TIDE_ATOLREEF_TCAM_TABLE_H */\n')
+    return '\n'.join(out)
+
+
+def gen_tcam_source(tables):
+    out = [HEADER, '#include <cstddef>\n', '#include "atolreef_tcam_table.h"\n', 'extern "C" {\n']
+    out.append('const csl_tcam_tab_name_id g_tcam_tab_name_id[CSL_TCAM_TAB_COUNT] = {')
+    for t in tables:
+        key_id = '%d' % t.key.id if t.key else 'CSL_TCAM_NO_TAB'
+        ad_id = '%d' % t.ad.id if t.ad else 'CSL_TCAM_NO_TAB'
+        out.append('    {"%s", %s, %s, %s},' % (t.name, key_id, '"%s"' % t.action if t.action else 'nullptr', ad_id))
+    out.append('};\n')
+    out.append('const csl_tcam_tid_subid g_tcam_tid_subid[CSL_TCAM_TAB_COUNT] = {')
+    for t in tables:
+        sub = t.sub or (0, 0, 0)
+        out.append('    {%d, %d, %d, %d, %d, %d},' % (t.tag + sub))
+    out.append('};\n')
+    done_ad = set()
+    for t in tables:
+        c = 'cib_' + t.short
+        if t.key is None:
+            for op, args in (('set', 'u32 block, u32 index, void *record'), ('get', 'u32 block, u32 index, void *record'),
+                             ('del', 'u32 block, u32 index')):
+                names = [a.split()[-1].lstrip('*') for a in args.split(', ')]
+                out.append('int csl_reef_%s_%s(u32 chip_id, %s)\n{\n%s    return csl_reef_tcam_record_absent(chip_id, %d);\n}\n' % (
+                    c, op, args, ''.join('    (void)%s;\n' % n for n in names), t.id))
+            continue
+        k, a = cident(t.key.name), cident(t.ad.name)
+        out.append('static const csl_tcam_record_layout k_%s_layout = {%d, &atolreef_%sm, &atolreef_%sm, '
+                   'offsetof(%s_t, key), offsetof(%s_t, mask), offsetof(%s_t, ad)};' % (c, t.id, k, a, c, c, c))
+        out.append('int csl_reef_%s_set(u32 chip_id, u32 block, u32 index, %s_t *record)\n{\n'
+                   '    return csl_reef_tcam_record_set(chip_id, block, index, record, &k_%s_layout);\n}\n' % (c, c, c))
+        out.append('int csl_reef_%s_get(u32 chip_id, u32 block, u32 index, %s_t *record)\n{\n'
+                   '    return csl_reef_tcam_record_get(chip_id, block, index, record, &k_%s_layout);\n}\n' % (c, c, c))
+        out.append('int csl_reef_%s_del(u32 chip_id, u32 block, u32 index)\n{\n'
+                   '    return csl_reef_tcam_record_del(chip_id, block, index, %d);\n}\n' % (c, t.id))
+        conv = [t.key] + ([t.ad] if t.ad.name not in done_ad else [])
+        done_ad.add(t.ad.name)
+        for it in conv:
+            ci = cident(it.name)
+            out.append('int csl_reef_%s_TO_entry(u32 chip_id, %s_t *record, const void *mask, u8 *data, u32 write_bits)\n{\n'
+                       '    return csl_reef_tcam_record_to_entry(chip_id, &atolreef_%sm, record, mask, data, write_bits);\n}\n' % (
+                           ci, ci, ci))
+            out.append('int csl_reef_entry_TO_%s(u32 chip_id, %s_t *record, const u8 *data)\n{\n'
+                       '    return csl_reef_tcam_entry_to_record(chip_id, &atolreef_%sm, record, data);\n}\n' % (ci, ci, ci))
+    out.append('} // extern "C"\n')
+    return '\n'.join(out)
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     ap.add_argument('desc', help='directory of the chip description (*.cib)')
     ap.add_argument('--sdk', help='output directory of the SDK catalogue')
     ap.add_argument('--model', help='output directory of the model geometry')
     ap.add_argument('--doc', help='output file of the reference')
+    ap.add_argument('--tcam', help='registry of the logical TCAM tables')
     args = ap.parse_args()
     modules = []
     try:
@@ -684,6 +837,9 @@ def main():
         for f in files:
             parse_file(os.path.join(args.desc, f), modules)
         by_id = check_and_complete(modules)
+        tcam = None
+        if args.tcam:
+            tcam = parse_tcam(args.tcam, {it.name: it for m in modules for it in m.items})
     except DescError as e:
         print('gen_cib: %s' % e, file=sys.stderr)
         return 1
@@ -692,6 +848,9 @@ def main():
         write(os.path.join(args.sdk, 'atolreef_cib.h'), gen_sdk_header(modules, field_ids))
         write(os.path.join(args.sdk, 'atolreef_cib_data.cc'), gen_sdk_data(modules, by_id))
         write(os.path.join(args.sdk, 'atolreef_cib_access.cc'), gen_sdk_access(modules))
+        if tcam:
+            write(os.path.join(args.sdk, 'atolreef_tcam_table.h'), gen_tcam_header(tcam))
+            write(os.path.join(args.sdk, 'atolreef_tcam_table.cc'), gen_tcam_source(tcam))
     if args.model:
         write(os.path.join(args.model, 'atolreef_model_desc.cc'), gen_model(modules))
     if args.doc:

@@ -19,6 +19,10 @@ have_cmd python3 || need="$need python3"
 [ -f /usr/include/histedit.h ] || need="$need libedit-dev"
 # A standard reader of the chip model's capture files, for their test.
 have_cmd tshark || need="$need tshark"
+# ip and ping: the namespace lab (examples/netns-lab.sh) and the tests of
+# the model's TAP ports, which make namespaces and interfaces.
+have_cmd ip || need="$need iproute2"
+have_cmd ping || need="$need iputils-ping"
 # The fuzzers of the test suite: clang and its libFuzzer runtime.
 have_cmd clang++ || need="$need clang"
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a >/dev/null 2>&1 || need="$need libclang-rt-14-dev"

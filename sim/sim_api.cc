@@ -5,12 +5,17 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
+
+#include <tide/shr.h>
 
 #include "sim/sim_arl.h"
 #include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pkt.h"
+#include "sim/sim_tap.h"
+#include "sim/sim_tcam.h"
 
 using tide::sim::Chip;
 using tide::sim::Model;
@@ -175,6 +180,34 @@ int _on_packet_path(uint32_t chip, uint32_t lport, bool pointers_ok, Fn fn)
     Chip *c = _chip(chip);
     std::lock_guard<std::mutex> lock(c->mutex);
     return fn(*c->pkt);
+}
+
+// A call on a chip's TAP ports: the chip (-17, -3, each with a log line,
+// as the calls log every refusal), then `fn`, which takes its own locks.
+template <typename Fn>
+int _on_taps(uint32_t chip, const char *what, Fn fn)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        tide::sim::tap_log(chip, tide::sim::kLogError, "tap: cannot %s on chip %u: %s\n", what, chip,
+                           rc == -17 ? "no chip model installed" : "the model has no such chip");
+        return rc;
+    }
+    return fn(*_chip(chip)->tap);
+}
+
+// A row of the TCAM under the chip's mutex: the chip (-17, -3), the row
+// pointer (-20), then `fn` on the engine, false for a place beyond the chip.
+template <typename Fn>
+int _tcam_row(uint32_t chip, const void *row, Fn fn)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || row == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return fn(*c->tcam) ? 0 : -4;
 }
 
 } // namespace
@@ -414,6 +447,33 @@ int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dyna
     return 0;
 }
 
+int tide_sim_tcam_row_get(uint32_t chip, uint32_t block, uint32_t index, tide_sim_tcam_row *row)
+{
+    return _tcam_row(chip, row, [&](const tide::sim::TcamEngine &t) {
+        tide::sim::TcamEngine::Row r;
+        if (!t.row_get(block, index, &r)) {
+            return false;
+        }
+        std::copy(r.data.begin(), r.data.end(), row->data);
+        std::copy(r.care.begin(), r.care.end(), row->care);
+        std::copy(r.action.begin(), r.action.end(), row->action);
+        row->valid = r.valid ? 1 : 0;
+        return true;
+    });
+}
+
+int tide_sim_tcam_row_set(uint32_t chip, uint32_t block, uint32_t index, const tide_sim_tcam_row *row)
+{
+    return _tcam_row(chip, row, [&](tide::sim::TcamEngine &t) {
+        tide::sim::TcamEngine::Row r;
+        std::copy(row->data, row->data + r.data.size(), r.data.begin());
+        std::copy(row->care, row->care + r.care.size(), r.care.begin());
+        std::copy(row->action, row->action + r.action.size(), r.action.begin());
+        r.valid = row->valid != 0;
+        return t.row_set(block, index, r);
+    });
+}
+
 int tide_sim_packet_inject(uint32_t chip, uint32_t lport, const uint8_t *frame, uint32_t len)
 {
     return _on_packet_path(chip, lport, frame != nullptr, [&](tide::sim::Pipeline &pl) {
@@ -472,6 +532,45 @@ int tide_sim_pcap_close(uint32_t chip)
     return _on_packet_path(chip, 0, true, [&](tide::sim::Pipeline &pl) { return pl.pcap_close(); });
 }
 
+int tide_sim_tap_bind(uint32_t chip, uint32_t lport, const char *ifname, uint32_t flags)
+{
+    return _on_taps(chip, "bind", [&](tide::sim::TapPorts &t) { return t.bind(lport, ifname, flags); });
+}
+
+int tide_sim_tap_unbind(uint32_t chip, uint32_t lport)
+{
+    return _on_taps(chip, "unbind", [&](tide::sim::TapPorts &t) { return t.unbind(lport); });
+}
+
+int tide_sim_tap_list(uint32_t chip, tide_sim_tap_info *out, uint32_t max, uint32_t *count)
+{
+    return _on_taps(chip, "list", [&](tide::sim::TapPorts &t) { return t.list(out, max, count); });
+}
+
+const char *tide_sim_tap_errmsg(int status)
+{
+    switch (status) {
+    case -4:
+        return "bad port, interface name or flags";
+    case -7:
+        return "no such binding or interface";
+    case -8:
+        return "the port is bound already";
+    case -10:
+        return "the interface name is in use";
+    case -12:
+        return "no permission (CAP_NET_ADMIN)";
+    case -14:
+        return "out of descriptors";
+    case -16:
+        return "no TUN/TAP driver (/dev/net/tun is missing)";
+    case -17:
+        return "no chip model installed";
+    default:
+        return shr_errmsg(status);
+    }
+}
+
 int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)
 {
     const int rc = _chip_status(chip);
@@ -489,6 +588,7 @@ int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)
     }
     stats->dma_frees = m->dma_frees_get();
     stats->irq_mask = c->irq_mask.load();
+    stats->irq_waiters = c->irq_waiters();
     return 0;
 }
 

@@ -164,6 +164,26 @@ ArlEngine::ArlEngine(Chip &chip)
     }
 }
 
+FieldRef ArlEngine::need(const desc::Field *fields, uint32_t count, const char *name)
+{
+    const FieldRef f = field_of(fields, count, name);
+    ok_ &= f.ok();
+    return f;
+}
+
+uint32_t ArlEngine::need_reg(const char *name, const desc::Register **out)
+{
+    const desc::Register *r = desc::find_register(name);
+    if (out != nullptr) {
+        *out = r;
+    }
+    if (r == nullptr || r->instances == 0) {
+        ok_ = false;
+        return 0;
+    }
+    return r->addrs[0];
+}
+
 uint32_t ArlEngine::reg(uint32_t addr) const
 {
     return chip_.core_word(addr);

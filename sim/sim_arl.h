@@ -130,14 +130,8 @@ private:
     uint32_t a_float_ = 0;
     FieldRef f_float_succ_, f_float_fail_;
 
-    FieldRef need(const desc::Field *fields, uint32_t count, const char *name)
-    {
-        return need_field(ok_, fields, count, name);
-    }
-    uint32_t need_reg(const char *name, const desc::Register **out = nullptr)
-    {
-        return need_register(ok_, name, out);
-    }
+    FieldRef need(const desc::Field *fields, uint32_t count, const char *name);
+    uint32_t need_reg(const char *name, const desc::Register **out = nullptr);
     uint32_t reg(uint32_t addr) const;
     void set_reg(uint32_t addr, uint32_t value);
 

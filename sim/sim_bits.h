@@ -23,29 +23,42 @@ inline FieldRef field_of(const desc::Field *fields, uint32_t count, const char *
     return f != nullptr ? FieldRef{f->low, f->width} : FieldRef{};
 }
 
-// A field or register that an engine needs: found in the description, or
-// `ok` cleared (an engine with a gap does not run).
-inline FieldRef need_field(bool &ok, const desc::Field *fields, uint32_t count, const char *name)
-{
-    const FieldRef f = field_of(fields, count, name);
-    ok &= f.ok();
-    return f;
-}
+// The registers and fields an engine looks up in the description; `ok`
+// turns false at the first one that is missing.
+struct DescNeeds {
+    bool ok = true;
 
-// The first address of a register (0 when it is missing), its record at
-// *out when asked.
-inline uint32_t need_register(bool &ok, const char *name, const desc::Register **out)
-{
-    const desc::Register *r = desc::find_register(name);
-    if (out != nullptr) {
-        *out = r;
+    // The first address of a register, or 0; `out` gets the register.
+    uint32_t reg(const char *name, const desc::Register **out = nullptr)
+    {
+        const desc::Register *r = desc::find_register(name);
+        if (out != nullptr) {
+            *out = r;
+        }
+        ok &= r != nullptr && r->instances > 0;
+        return r != nullptr && r->instances > 0 ? r->addrs[0] : 0;
     }
-    if (r == nullptr || r->instances == 0) {
-        ok = false;
-        return 0;
+    FieldRef field(const desc::Field *fields, uint32_t count, const char *name)
+    {
+        const FieldRef f = field_of(fields, count, name);
+        ok &= f.ok();
+        return f;
     }
-    return r->addrs[0];
-}
+    // A field of a register found by reg().
+    FieldRef field(const desc::Register *r, const char *name)
+    {
+        ok &= r != nullptr;
+        return r != nullptr ? field(r->fields, r->field_count, name) : FieldRef{};
+    }
+    // A register of one field: its address and the field.
+    uint32_t reg_field(const char *name, const char *field_name, FieldRef *f)
+    {
+        const desc::Register *r = nullptr;
+        const uint32_t addr = reg(name, &r);
+        *f = field(r, field_name);
+        return addr;
+    }
+};
 
 inline uint64_t width_mask(uint32_t width)
 {

@@ -8,6 +8,8 @@
 #include "sim/sim_em.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
+#include "sim/sim_tap.h"
+#include "sim/sim_tcam.h"
 
 namespace tide::sim {
 
@@ -45,8 +47,10 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     }
     log_.resize(TIDE_SIM_WRITE_LOG_DEPTH);
     arl = std::make_unique<ArlEngine>(*this);
+    tcam = std::make_unique<TcamEngine>(*this);
     em = std::make_unique<EmEngine>(*this);
     pkt = std::make_unique<Pipeline>(*this);
+    tap = std::make_unique<TapPorts>(*this);
     if (ok()) {
         reset_core();
     }
@@ -57,7 +61,11 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
 
 Chip::~Chip()
 {
+    // The I/O thread stops before the packet path it feeds goes.
+    tap->close_all();
+    tap.reset();
     pkt.reset();
+    tcam.reset();
     em.reset();
     arl.reset();
     for (Region &r : regions_) {
@@ -74,7 +82,8 @@ bool Chip::ok() const
             return false;
         }
     }
-    return (arl == nullptr || arl->ok()) && (em == nullptr || em->ok()) && (pkt == nullptr || pkt->ok());
+    return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (em == nullptr || em->ok()) &&
+           (pkt == nullptr || pkt->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -242,6 +251,9 @@ void Chip::reset_core()
     if (arl) {
         arl->clear();
     }
+    if (tcam) {
+        tcam->clear();
+    }
     if (em) {
         em->clear();
     }
@@ -252,6 +264,7 @@ void Chip::reset_core()
 void Chip::install_engines()
 {
     arl->install();
+    tcam->install();
     em->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
@@ -277,12 +290,20 @@ int Chip::irq_wait()
 {
     std::unique_lock<std::mutex> lock(irq_mutex_);
     const uint64_t generation = irq_exit_generation_;
+    irq_waiters_++;
     irq_cv_.wait(lock, [&] { return irq_pending_ > 0 || irq_exit_generation_ != generation; });
+    irq_waiters_--;
     if (irq_exit_generation_ != generation) {
         return -12;
     }
     irq_pending_--;
     return 0;
+}
+
+uint64_t Chip::irq_waiters()
+{
+    std::lock_guard<std::mutex> lock(irq_mutex_);
+    return irq_waiters_;
 }
 
 void Chip::irq_exit()

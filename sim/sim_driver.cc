@@ -117,10 +117,18 @@ int Model::dma_free(hal_devio *io)
 
 void *Model::map(uint64_t paddr, uint64_t length)
 {
+    // As mmap: a mapping of no bytes is refused.  The bounds are compared
+    // without adding to the offset, which a length near 2^64 would wrap.
+    if (length == 0) {
+        return nullptr;
+    }
+    const auto fits = [&](uint64_t base, uint64_t size) {
+        return paddr >= base && paddr - base < size && length <= size - (paddr - base);
+    };
     for (const auto &c : chips_) {
         for (uint32_t ap = 0; ap < kApCount; ap++) {
             const Region &r = c->region(ap);
-            if (paddr >= r.paddr && paddr - r.paddr + length <= r.size) {
+            if (fits(r.paddr, r.size)) {
                 return r.mem + (paddr - r.paddr);
             }
         }
@@ -129,9 +137,8 @@ void *Model::map(uint64_t paddr, uint64_t length)
     auto it = dma_.upper_bound(paddr);
     if (it != dma_.begin()) {
         --it;
-        const DmaBlock &b = it->second;
-        if (paddr - it->first + length <= b.size) {
-            return b.mem + (paddr - it->first);
+        if (fits(it->first, it->second.size)) {
+            return it->second.mem + (paddr - it->first);
         }
     }
     return nullptr;
@@ -201,7 +208,9 @@ int Model::ioctl_drv(unsigned long request, hal_devio *io)
     case HAL_CMD_PCI_CONF_READ:
     case HAL_CMD_PCI_CONF_WRITE: {
         Chip *c = reported_chip(io->chip_id);
-        if (c == nullptr || io->arg0 % 4 != 0 || io->arg0 + 4 > kPciConfigSize) {
+        // One aligned word inside the configuration space; the bound is
+        // not added to, so that an address near 2^32 cannot wrap into it.
+        if (c == nullptr || io->arg0 % 4 != 0 || io->arg0 > kPciConfigSize - 4) {
             return kResultFail;
         }
         if (request == HAL_CMD_PCI_CONF_READ) {

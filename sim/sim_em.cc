@@ -62,36 +62,36 @@ EmEngine::EmEngine(Chip &chip) : chip_(chip)
     static const char *const kRdat[kRowWords] = {"epro_em_cfg_rdat0", "epro_em_cfg_rdat1", "epro_em_cfg_rdat2",
                                                  "epro_em_cfg_rdat3", "epro_em_cfg_rdat4", "epro_em_cfg_rdat5"};
     for (uint32_t i = 0; i < kRowWords; i++) {
-        a_wdat_[i] = need_reg(kWdat[i]);
-        a_rdat_[i] = need_reg(kRdat[i]);
+        a_wdat_[i] = needs_.reg(kWdat[i]);
+        a_rdat_[i] = needs_.reg(kRdat[i]);
     }
-    a_addr_ = need_reg("epro_em_cfg_addr");
+    a_addr_ = needs_.reg("epro_em_cfg_addr");
     const desc::Register *r = nullptr;
-    a_info_ = need_reg("epro_em_cfg_info", &r);
+    a_info_ = needs_.reg("epro_em_cfg_info", &r);
     if (r != nullptr) {
-        f_opcode_ = need(r->fields, r->field_count, "em_cfg_opcode");
-        f_done_ = need(r->fields, r->field_count, "em_cfg_done");
-        f_start_ = need(r->fields, r->field_count, "em_cfg_start");
+        f_opcode_ = needs_.field(r->fields, r->field_count, "em_cfg_opcode");
+        f_done_ = needs_.field(r->fields, r->field_count, "em_cfg_done");
+        f_start_ = needs_.field(r->fields, r->field_count, "em_cfg_start");
     }
-    a_mode_ = need_reg("epro_em_hash_mode", &r);
+    a_mode_ = needs_.reg("epro_em_hash_mode", &r);
     if (r != nullptr) {
-        f_bar0_alg_ = need(r->fields, r->field_count, "bar0_alg");
-        f_bar1_alg_ = need(r->fields, r->field_count, "bar1_alg");
-        f_left_shift_ = need(r->fields, r->field_count, "left_shift");
+        f_bar0_alg_ = needs_.field(r->fields, r->field_count, "bar0_alg");
+        f_bar1_alg_ = needs_.field(r->fields, r->field_count, "bar1_alg");
+        f_left_shift_ = needs_.field(r->fields, r->field_count, "left_shift");
     }
-    a_init_start_ = need_reg("epro_em_init_start");
-    a_init_done_ = need_reg("epro_em_init_done");
+    a_init_start_ = needs_.reg("epro_em_init_start");
+    a_init_done_ = needs_.reg("epro_em_init_done");
 
     static const char *const kTables[kMems] = {"epro_em_pv_ht0_tbl", "epro_em_pv_ht1_tbl", "epro_em_pv_cam_tbl"};
     for (uint32_t m = 0; m < kMems; m++) {
         const desc::Table *t = desc::find_table(kTables[m]);
-        ok_ &= t != nullptr && t->words <= kRowWords;
+        needs_.ok &= t != nullptr && t->words <= kRowWords;
         depth_[m] = t != nullptr ? t->depth : 0;
         row_bits_[m] = _bits_for(depth_[m]);
         mem_[m].assign(depth_[m], Row{});
         if (t != nullptr && m == 2) {
-            s_ad_ = need(t->fields, t->field_count, "ad");
-            s_vld_ = need(t->fields, t->field_count, "vld");
+            s_ad_ = needs_.field(t->fields, t->field_count, "ad");
+            s_vld_ = needs_.field(t->fields, t->field_count, "vld");
         }
     }
     slot_bits_ = s_vld_.low + 1;
@@ -99,20 +99,20 @@ EmEngine::EmEngine(Chip &chip) : chip_(chip)
     // Barrel rows hold their slots one after the other.
     const desc::Table *bar0 = desc::find_table(kTables[0]);
     if (bar0 != nullptr) {
-        const FieldRef second = need(bar0->fields, bar0->field_count, "bucket1_ivid_opri");
-        ok_ &= second.low == slot_bits_;
+        const FieldRef second = needs_.field(bar0->fields, bar0->field_count, "bucket1_ivid_opri");
+        needs_.ok &= second.low == slot_bits_;
     }
     const desc::Table *epat = desc::find_table("epro_epat_table");
-    ok_ &= epat != nullptr;
+    needs_.ok &= epat != nullptr;
     if (epat != nullptr) {
-        hash_id_bits_ = need(epat->fields, epat->field_count, "hash_opc").width;
+        hash_id_bits_ = needs_.field(epat->fields, epat->field_count, "hash_opc").width;
     }
-    ok_ &= key_bits_ + s_ad_.width + 1 == slot_bits_ && key_bits_ + s_ad_.width <= 64;
+    needs_.ok &= key_bits_ + s_ad_.width + 1 == slot_bits_ && key_bits_ + s_ad_.width <= 64;
 }
 
 void EmEngine::install()
 {
-    if (!ok_) {
+    if (!needs_.ok) {
         return;
     }
     chip_.on_write(4, a_info_, [this](Chip &, uint32_t, uint32_t, uint64_t value) {

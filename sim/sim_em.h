@@ -32,7 +32,7 @@ public:
 
     // Whether the description gave every register, table and field the
     // engine needs.
-    bool ok() const { return ok_; }
+    bool ok() const { return needs_.ok; }
     // Write handlers of the command block and of the init.
     void install();
     // Barrels and CAM empty (power-on, hard reset, init).
@@ -46,7 +46,7 @@ public:
 
 private:
     Chip &chip_;
-    bool ok_ = true;
+    DescNeeds needs_;
     std::array<std::vector<Row>, kMems> mem_;
     std::array<uint32_t, kMems> depth_{};
     std::array<uint32_t, kMems> row_bits_{};
@@ -61,14 +61,6 @@ private:
     uint32_t key_bits_ = 0;
     uint32_t hash_id_bits_ = 0;
 
-    uint32_t need_reg(const char *name, const desc::Register **out = nullptr)
-    {
-        return need_register(ok_, name, out);
-    }
-    FieldRef need(const desc::Field *fields, uint32_t count, const char *name)
-    {
-        return need_field(ok_, fields, count, name);
-    }
 
     void on_command(uint32_t info);
     void search();

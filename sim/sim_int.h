@@ -52,8 +52,10 @@ constexpr uint32_t kPciConfigSize = 4096;
 
 class Chip;
 class ArlEngine;
+class TcamEngine;
 class EmEngine;
 class Pipeline;
+class TapPorts;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 
 struct Region {
@@ -119,6 +121,9 @@ public:
     // Interrupt line.
     int irq_wait();
     void irq_exit();
+    // Threads inside irq_wait, past the point from which an exit ends
+    // their wait.
+    uint64_t irq_waiters();
     void irq_raise();
     std::atomic<uint64_t> irq_mask{0};
 
@@ -133,10 +138,14 @@ public:
 
     // The MAC table.
     std::unique_ptr<ArlEngine> arl;
+    // The TCAM blocks of acl_core.
+    std::unique_ptr<TcamEngine> tcam;
     // The exact-match engine of the egress translation.
     std::unique_ptr<EmEngine> em;
     // The packet path.
     std::unique_ptr<Pipeline> pkt;
+    // The front ports bound to TAP devices, and their I/O thread.
+    std::unique_ptr<TapPorts> tap;
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
@@ -163,6 +172,7 @@ private:
     std::condition_variable irq_cv_;
     uint64_t irq_pending_ = 0;
     uint64_t irq_exit_generation_ = 0;
+    uint64_t irq_waiters_ = 0;
 
     void install_engines();
     // A CPU access of one 32-bit word of the switch core, as its register

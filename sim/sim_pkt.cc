@@ -8,6 +8,7 @@
 
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
+#include "sim/sim_tap.h"
 
 namespace tide::sim {
 
@@ -312,6 +313,20 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     PortState &out = ports_[port];
     out.stats.tx_frames++;
     out.stats.tx_bytes += len;
+    // A port bound to a TAP delivers there; only the others queue.
+    const int tap = chip_.tap->send(port, frame, len);
+    if (pcap_ != nullptr) {
+        std::string note;
+        if (cause != TIDE_SIM_CAUSE_NONE) {
+            note = _comment("to CPU,", cause, true);
+        } else if (tap > 0) {
+            note = std::string("not delivered, the TAP refused it: ") + strerror(tap);
+        }
+        pcap_->frame(port, false, now_ms_ * kMsPerSecond, frame, len, note);
+    }
+    if (tap != TapPorts::kNotBound) {
+        return;
+    }
     if (out.sent.size() >= kQueueFrames) {
         // The oldest frame is forgotten; its buffer carries the new one.
         out.sent.push_back(std::move(out.sent.front()));
@@ -325,10 +340,6 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     f.src_port = src;
     f.cause = cause;
     f.time_ms = now_ms_;
-    if (pcap_ != nullptr) {
-        pcap_->frame(port, false, now_ms_ * kMsPerSecond, frame, len,
-                     cause != TIDE_SIM_CAUSE_NONE ? _comment("to CPU,", cause, true) : std::string());
-    }
 }
 
 // ---- what left the chip ------------------------------------------------------

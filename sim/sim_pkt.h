@@ -266,7 +266,8 @@ private:
     void age_to(uint64_t now);
 
 public:
-    // MAC TX: the frame leaves `port` into its capture queue and the pcap.
+    // MAC TX: the frame leaves `port` into the pcap and into its TAP, or
+    // its capture queue when the port is not bound.
     void send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause);
 };
 

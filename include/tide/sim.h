@@ -64,8 +64,9 @@ typedef enum tide_sim_engine {
     TIDE_SIM_ENGINE_RESET = 0,    /* hard reset status of the reset controller */
     TIDE_SIM_ENGINE_ARL = 1,      /* command block of the MAC table: never finishes */
     TIDE_SIM_ENGINE_ARL_INIT = 2, /* init of the MAC table: never reports done */
-    TIDE_SIM_ENGINE_EM = 3,       /* command block of the exact-match engine: never finishes */
-    TIDE_SIM_ENGINE_EM_INIT = 4,  /* init of the exact-match memories: never reports done */
+    TIDE_SIM_ENGINE_TCAM = 3,     /* TCAM commands never finish, block resets never report done */
+    TIDE_SIM_ENGINE_EM = 4,       /* command block of the exact-match engine: never finishes */
+    TIDE_SIM_ENGINE_EM_INIT = 5,  /* init of the exact-match memories: never reports done */
     TIDE_SIM_ENGINE_COUNT
 } tide_sim_engine;
 /* `stall` 1: the engine never reports completion; 0: normal. */
@@ -107,6 +108,22 @@ TIDE_API int tide_sim_arl_entry_get(uint32_t chip, uint32_t index, uint32_t entr
 /* Entries of the table, and the size of the walk of tide_sim_arl_entry_get. */
 TIDE_API int tide_sim_arl_count_get(uint32_t chip, uint32_t *static_count, uint32_t *dynamic_count,
                                     uint32_t *entries);
+
+/* The TCAM of acl_core as the chip holds it: a row by (block, index),
+ * whatever the block's mode.  `data` and `care` hold the row's bits
+ * right-aligned, bit i in word i / 32 (as many bits as the block's rows
+ * are wide), `action` its 96-bit action row, action[0] holding bits 31..0.
+ * -4 for a block beyond the chip (16 blocks, 32 on kelpreef) or an index
+ * above 255, -20 for a NULL row.  The set form stands for a fault of the
+ * memory: no command, no log. */
+typedef struct tide_sim_tcam_row {
+    uint32_t data[10];
+    uint32_t care[10];
+    uint32_t action[3];
+    uint32_t valid;
+} tide_sim_tcam_row;
+TIDE_API int tide_sim_tcam_row_get(uint32_t chip, uint32_t block, uint32_t index, tide_sim_tcam_row *row);
+TIDE_API int tide_sim_tcam_row_set(uint32_t chip, uint32_t block, uint32_t index, const tide_sim_tcam_row *row);
 
 /* The exact-match engine of the egress translation as the chip holds it:
  * row `row` of `memory` (0 barrel 0, 1 barrel 1, 2 the CAM) in words of 32
@@ -180,6 +197,72 @@ TIDE_API int tide_sim_pcap_open(uint32_t chip, const char *path);
 /* Closes the file; -7 when none is open, -11 when writing it failed. */
 TIDE_API int tide_sim_pcap_close(uint32_t chip);
 
+/* ---- ports on Linux network interfaces ----------------------------------
+ * A front port (0 to 27) bound to a TAP device is a cable to a Linux
+ * network interface: every frame the kernel sends on the TAP enters the
+ * chip on that port, and every frame the chip sends on the port is written
+ * to the TAP instead of waiting in the port's capture queue.  One I/O
+ * thread per chip reads the bound TAPs; it runs while a port of the chip is
+ * bound.  The interface's state (up, addresses, namespace) is the user's:
+ * the model leaves it as it finds it.  A TAP the model created goes away
+ * with its binding; one it attached to stays. */
+
+/* Longest interface name, without its NUL (IFNAMSIZ - 1). */
+#define TIDE_SIM_IFNAME_MAX 15u
+/* Highest port a TAP can be bound to: the front ports 0 to 27. */
+#define TIDE_SIM_TAP_PORT_MAX 27u
+
+/* Flags of tide_sim_tap_bind.  Without either, a TAP of that name is
+ * attached to when one exists and nobody holds it, else created. */
+#define TIDE_SIM_TAP_CREATE 0x1u /* only create: -10 when the name is taken */
+#define TIDE_SIM_TAP_ATTACH 0x2u /* only attach: -7 when there is no such interface */
+
+/* Binds `lport` of `chip` to the TAP `ifname` (1 to 15 characters, no
+ * '/', ':' or blank; a '%d' in it lets the kernel number the name, which
+ * tide_sim_tap_list then gives).  0, or:
+ *   -4  a port above 27, a bad name or both flags
+ *   -20 NULL name
+ *   -8  the port is bound already
+ *   -10 the name is in use: a TAP another descriptor holds (another port,
+ *       another program), an interface of another kind, or one that exists
+ *       under TIDE_SIM_TAP_CREATE
+ *   -7  no interface of that name under TIDE_SIM_TAP_ATTACH
+ *   -16 /dev/net/tun is missing (no TUN/TAP driver)
+ *   -12 no permission (CAP_NET_ADMIN, or the device node's mode)
+ *   -14 out of descriptors, -11 any other refusal of the kernel
+ *   -17 no model installed, -3 a chip the model does not have
+ * Every refusal logs a line (module PKT, level ERROR) and changes nothing. */
+TIDE_API int tide_sim_tap_bind(uint32_t chip, uint32_t lport, const char *ifname, uint32_t flags);
+
+/* Unbinds `lport`: when it returns, no frame is written to the TAP any more
+ * and its descriptor is closed.  -7 when the port is not bound, -4 for a
+ * port above 27. */
+TIDE_API int tide_sim_tap_unbind(uint32_t chip, uint32_t lport);
+
+/* What a status of the TAP calls means to a user, in words ("the interface
+ * name is in use"); the status text of shr_errmsg for the codes these
+ * calls do not give. */
+TIDE_API const char *tide_sim_tap_errmsg(int status);
+
+/* Bits of tide_sim_tap_info.state. */
+#define TIDE_SIM_TAP_CREATED 0x1u /* the model created the TAP: it goes with the binding */
+#define TIDE_SIM_TAP_GONE 0x2u    /* the interface was destroyed (its namespace deleted, ...) */
+
+typedef struct tide_sim_tap_info {
+    uint32_t lport;
+    char ifname[TIDE_SIM_IFNAME_MAX + 1];
+    uint32_t state;       /* TIDE_SIM_TAP_* bits */
+    uint64_t rx_frames;   /* frames the kernel sent that entered the chip */
+    uint64_t tx_frames;   /* frames the chip sent, written to the TAP */
+    uint64_t tx_dropped;  /* frames the chip sent that the TAP refused */
+    int32_t tx_errno;     /* errno of the last refusal (EIO: the interface is down) */
+} tide_sim_tap_info;
+
+/* The bindings of a chip in port order: up to `max` into `out` (which may
+ * be NULL when `max` is 0) and their number into `*count`.  -20 for a NULL
+ * count. */
+TIDE_API int tide_sim_tap_list(uint32_t chip, tide_sim_tap_info *out, uint32_t max, uint32_t *count);
+
 /* Counters of the driver side, for tests and for a user's curiosity. */
 typedef struct tide_sim_stats {
     uint64_t ioctl_calls;  /* command records on /dev/hal_drv */
@@ -188,6 +271,7 @@ typedef struct tide_sim_stats {
     uint64_t irq_mask;     /* last mask given by IRQ_ENABLE */
     uint64_t hook_reads;   /* register reads through the hooks */
     uint64_t hook_writes;  /* register writes through the hooks */
+    uint64_t irq_waiters;  /* threads blocked in IRQ_WAIT, which IRQ_EXIT ends */
 } tide_sim_stats;
 TIDE_API int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats);
 

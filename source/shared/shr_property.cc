@@ -25,6 +25,11 @@ constexpr u32 kLineSize = 1024;
 /* A file that imports itself would otherwise recurse until the stack is
  * gone; nesting deeper than this is refused with an error line. */
 constexpr u32 kImportDepthMax = 16;
+/* Files that one load reads through imports, at all depths together.  A
+ * file that imports itself twice would otherwise be read 2^17 times before
+ * the depth stops it, and files that import each other several times each
+ * hang the load for good. */
+constexpr u32 kImportFilesMax = 256;
 constexpr size_t kKeyMax = SHR_PROPERTY_KEY_SIZE - 1;
 constexpr size_t kValueMax = SHR_PROPERTY_VALUE_SIZE - 1;
 
@@ -245,7 +250,9 @@ i64 cfg_str_chip_strip(char *key)
     return chip;
 }
 
-int cfg_file_load(u32 chip, const char *path, u32 depth)
+/* Loads one file; `imports_left` counts down the imports that the load
+ * which started it may still read. */
+int cfg_file_load(u32 chip, const char *path, u32 depth, u32 *imports_left)
 {
     if (path == nullptr || path[0] == '\0') {
         SHR_LOG_ERR(chip, SHR_MOD_COMMON, "property file path is empty\n");
@@ -276,9 +283,15 @@ int cfg_file_load(u32 chip, const char *path, u32 depth)
                 SHR_LOG_ERR(chip, SHR_MOD_COMMON, "property file %s: import of %s nested too deep\n", path, value);
                 continue;
             }
+            if (*imports_left == 0) {
+                SHR_LOG_ERR(chip, SHR_MOD_COMMON, "property file %s: import of %s refused, %u files imported already\n",
+                            path, value, kImportFilesMax);
+                continue;
+            }
+            --*imports_left;
             /* A missing imported file is reported by its own load and does
              * not stop this one. */
-            (void)cfg_file_load(chip, value, depth + 1);
+            (void)cfg_file_load(chip, value, depth + 1, imports_left);
             continue;
         }
         const i64 for_chip = cfg_str_chip_strip(key);
@@ -292,11 +305,13 @@ int cfg_file_load(u32 chip, const char *path, u32 depth)
 }
 
 /* Numbers: the forms of xsal_ctoi, and with `scale` above 0 a fixed-point
- * decimal ("1.5" with scale 2 is 150).  `*end` is where the scan stopped. */
+ * decimal ("1.5" with scale 2 is 150).  `*end` is where the scan stopped.
+ * A number too big for 64 bits wraps, as in xsal_ctoi: the arithmetic is
+ * unsigned. */
 i64 str_to_val(const char *text, int scale, const char **end)
 {
     const char *p = text;
-    i64 v = xsal_ctoi_scan(p, &p);
+    u64 v = static_cast<u64>(xsal_ctoi_scan(p, &p));
     if (scale > 0) {
         const bool neg = text[0] == '-';
         int places = 0;
@@ -304,18 +319,21 @@ i64 str_to_val(const char *text, int scale, const char **end)
             ++p;
             while (*p >= '0' && *p <= '9') {
                 if (places < scale) {
-                    v = v * 10 + (neg ? -(*p - '0') : (*p - '0'));
+                    const u64 digit = static_cast<u64>(*p - '0');
+                    v = v * 10 + (neg ? 0 - digit : digit);
                     ++places;
                 }
                 ++p;
             }
         }
-        for (; places < scale; ++places) {
+        /* Each step takes a factor 2: after 64 of them any value has
+         * wrapped to 0, which ends the loop whatever the scale. */
+        for (; places < scale && v != 0; ++places) {
             v *= 10;
         }
     }
     *end = p;
-    return v;
+    return static_cast<i64>(v);
 }
 
 } // namespace
@@ -324,7 +342,8 @@ extern "C" {
 
 int shr_property_cfg_file_load(u32 chip, const char *path)
 {
-    return cfg_file_load(chip, path, 0);
+    u32 imports_left = kImportFilesMax;
+    return cfg_file_load(chip, path, 0, &imports_left);
 }
 
 int _shr_property_str_to_val(const char *text, int *value, int scale, char *terminator)

@@ -1,9 +1,12 @@
 #include "support/fixture.h"
 
+#include "atolreef_cib.h"
 #include "hal/linux/linux_haui_um/hal_ui.h"
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <random>
 #include <mutex>
 
 namespace tide::test {
@@ -117,10 +120,12 @@ void SimChips::up_chip(uint32_t chip)
 {
     if (!hooks_) {
         // Without the hooks no engine of the model runs; the reset's done
-        // bit is set by hand so that hardware init finds it.
+        // bit is set by hand so that hardware init finds it,
         tide_sim_identity id{};
         tide_sim_identity_get(chip, &id);
         ASSERT_EQ(tide_sim_reg_poke(chip, 3, 0x47014, id.device_id == 0x9228 ? 1u << 2 : 1u), 0);
+        // and the TCAM's done bits, so that its clearing finds them.
+        ASSERT_EQ(tide_sim_reg_poke(chip, 4, atolreef_cib_acl_core_tcam_init_done_reg.addr[0], 0xFFFF), 0);
     }
     ASSERT_EQ(init_api_software_process(chip, &cfg_), 0);
     ASSERT_EQ(init_api_hardware_process(chip), 0);
@@ -146,12 +151,12 @@ void SimChips::TearDown()
     restore_hal_tables();
 }
 
-void kelpreef_identity_set(uint32_t chip)
+void kelpreef_identity_set(uint32_t chip, uint32_t revision)
 {
     tide_sim_identity id{};
     ASSERT_EQ(tide_sim_identity_get(chip, &id), 0);
     id.device_id = 0x9228;
-    id.revision = 0;
+    id.revision = revision;
     ASSERT_EQ(tide_sim_identity_set(chip, &id), 0);
 }
 
@@ -171,6 +176,15 @@ void restore_hal_tables()
     g_hal_ui_spi_drv.reg_write_32 = hal_ui_spi_reg_write_32;
     g_hal_ui_spi_drv.reg_read_64 = hal_ui_spi_reg_read_64;
     g_hal_ui_spi_drv.reg_write_64 = hal_ui_spi_reg_write_64;
+}
+
+uint64_t test_seed()
+{
+    const char *env = std::getenv("TIDE_TEST_SEED");
+    const uint64_t seed = env != nullptr ? std::strtoull(env, nullptr, 0) : std::random_device{}();
+    std::printf("TIDE_TEST_SEED=%llu\n", static_cast<unsigned long long>(seed));
+    std::fflush(stdout);
+    return seed;
 }
 
 std::vector<tide_sim_write> sim_writes(uint32_t chip)

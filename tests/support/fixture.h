@@ -67,11 +67,15 @@ protected:
 };
 
 // Makes the model report a kelpreef chip (device 0x9228, revision 0) for
-// `chip`, before the SDK attaches it.
-void kelpreef_identity_set(uint32_t chip);
+// `chip`, before the SDK attaches it; revision 1 makes it a kelpreef2.
+void kelpreef_identity_set(uint32_t chip, uint32_t revision = 0);
 
 // Puts the library's own register slots back into the HAL tables.
 void restore_hal_tables();
+
+// The seed of a randomized test: TIDE_TEST_SEED when it is set, else a new
+// one; printed, so that the run can be repeated.
+uint64_t test_seed();
 
 // Writes of the model's log for one chip.
 std::vector<tide_sim_write> sim_writes(uint32_t chip);

@@ -1,6 +1,7 @@
 // The shell's "sim" mode on a chip brought up on the model: inject a frame
 // given in hexadecimal, see what the ports sent, move the clock, write a
-// capture file; all through cli_cmd_execute as an operator would type it.
+// capture file, bind a port to a TAP device; all through cli_cmd_execute
+// as an operator would type it.
 #include <gtest/gtest.h>
 #include <tide/cli.h>
 
@@ -10,6 +11,8 @@
 #include "app/tided/bootstrap_vlan.h"
 #include "support/cli_lines.h"
 #include "support/fixture.h"
+#include "support/netns.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -72,7 +75,8 @@ TEST_F(CliSim, ClockAndCaptureFile)
 {
     EXPECT_EQ(run("time advance 1500"), 0);
     EXPECT_NE(out_.find("model time 1500 ms"), std::string::npos) << out_;
-    const std::string path = ::testing::TempDir() + "/tide_cli_sim_" + std::to_string(getpid()) + ".pcapng";
+    tide_test::TempDir dir;
+    const std::string path = dir.file("capture.pcapng");
     EXPECT_EQ(run("pcap open " + path), 0);
     EXPECT_EQ(run("inject port 1 " + kFrame), 0);
     EXPECT_EQ(run("pcap close"), 0);
@@ -80,6 +84,37 @@ TEST_F(CliSim, ClockAndCaptureFile)
     EXPECT_NE(out_.find("no capture file closed"), std::string::npos);
     EXPECT_EQ(access(path.c_str(), R_OK), 0);
     unlink(path.c_str());
+}
+
+TEST_F(CliSim, TapBindShowAndUnbind)
+{
+    EXPECT_EQ(run("show tap"), 0);
+    EXPECT_NE(out_.find("no port is bound to a TAP"), std::string::npos) << out_;
+    EXPECT_EQ(run("tap unbind port 2"), -7);
+    EXPECT_NE(out_.find("cannot unbind port 2: no such binding or interface"), std::string::npos) << out_;
+    EXPECT_EQ(run("tap bind port 28 tap0"), -1); // beyond the range of the grammar
+    const std::string why = tide::test::tap_unavailable();
+    if (!why.empty()) {
+        GTEST_SKIP() << why;
+    }
+    const std::string name = tide::test::unique_name("tc", "s");
+    ASSERT_EQ(run("tap bind port 1 " + name), 0) << out_;
+    EXPECT_NE(out_.find("port 1 bound to " + name + " (created)"), std::string::npos) << out_;
+    EXPECT_EQ(run("tap bind port 1 " + name + "x"), -8);
+    EXPECT_NE(out_.find("cannot bind port 1: the port is bound already"), std::string::npos) << out_;
+    EXPECT_EQ(run("tap bind port 2 " + name), -10);
+    EXPECT_NE(out_.find("cannot bind port 2: the interface name is in use"), std::string::npos) << out_;
+    ASSERT_EQ(run("inject port 3 " + kFrame), 0); // port 1's TAP is down: it refuses the frame
+    EXPECT_EQ(run("show tap"), 0);
+    char line[128];
+    snprintf(line, sizeof(line), "   1  %-15s  created           0          0           1\n", name.c_str());
+    EXPECT_NE(out_.find(std::string("port  interface        state     rx-frames  tx-frames  tx-dropped\n") + line +
+                        "      last refusal: Input/output error\n"),
+              std::string::npos)
+        << out_;
+    EXPECT_EQ(run("tap unbind port 1"), 0);
+    EXPECT_EQ(run("show tap"), 0);
+    EXPECT_NE(out_.find("no port is bound to a TAP"), std::string::npos) << out_;
 }
 
 } // namespace

@@ -2,14 +2,16 @@
 // subsections, interrupt wait, DMA, bus numbers; and without any device.
 #include <gtest/gtest.h>
 
+#include <sys/mman.h>
+
 #include <atomic>
-#include <chrono>
 #include <cstring>
 #include <thread>
 
 #include "hal/hal_op/hal.h"
 #include "hal/linux/linux_haui_um/hal_ui.h"
 #include "support/fixture.h"
+#include "support/wait.h"
 
 using tide::test::Capture;
 using tide::test::SimChips;
@@ -146,23 +148,39 @@ TEST_F(HalOnModel, OpeningTwiceOpensOnce)
     EXPECT_EQ(g_hal_ui_devfd_for_ioctl, fd);
 }
 
+// Threads of chip 0 blocked in the driver's interrupt wait.
+uint64_t _irq_waiters()
+{
+    tide_sim_stats stats{};
+    EXPECT_EQ(tide_sim_stats_get(0, &stats), 0);
+    return stats.irq_waiters;
+}
+
 TEST_F(HalOnModel, InterruptWaitEndsOnExitOrInterrupt)
 {
+    // An exit ends a wait in progress: it is given once the waiter is in.
     std::atomic<int> result{1};
     std::thread waiter([&] { result = hal_irq_wait(0); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    if (!tide_test::eventually([] { return _irq_waiters() == 1; })) {
+        ADD_FAILURE() << "the waiter never blocked in the driver";
+        tide_sim_irq_raise(0);
+        waiter.join();
+        return;
+    }
     EXPECT_EQ(result.load(), 1); // still blocked
     EXPECT_EQ(hal_irq_exit(0), 0);
     waiter.join();
     EXPECT_EQ(result.load(), -12);
+    EXPECT_EQ(_irq_waiters(), 0u);
 
     // An interrupt raised before the wait is held for it.
     ASSERT_EQ(tide_sim_irq_raise(0), 0);
     EXPECT_EQ(hal_irq_wait(0), 0);
-    // An exit with nobody waiting does not end the next wait.
+    // An exit with nobody waiting does not end the next wait, which the
+    // interrupt raised while it waits ends.
     EXPECT_EQ(hal_irq_exit(0), 0);
     std::thread raiser([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        tide_test::eventually([] { return _irq_waiters() == 1; });
         tide_sim_irq_raise(0);
     });
     EXPECT_EQ(hal_irq_wait(0), 0);
@@ -222,6 +240,92 @@ TEST_F(HalOnModel, DmaBlockThatCannotBeRecordedGoesBack)
     tide_sim_stats_get(0, &stats);
     EXPECT_EQ(stats.dma_blocks, 0u);
     EXPECT_EQ(stats.dma_frees, 1u);
+}
+
+// Puts a seam of a test's own under the back end, which then reopens its
+// devices, and the model's back when it goes.
+hal_ui_os_ops g_model_seam;
+
+class SeamSwap {
+public:
+    explicit SeamSwap(hal_ui_os_ops ops)
+    {
+        g_model_seam = *hal_ui_os_ops_get();
+        hal_ui_close();
+        hal_ui_os_ops_set(&ops);
+        hal_ui_open();
+    }
+    ~SeamSwap()
+    {
+        hal_ui_close();
+        hal_ui_os_ops_set(&g_model_seam);
+        hal_ui_open();
+    }
+};
+
+// A driver that reports chip 1's BAR 0 off its page and so long that its
+// end lies beyond 2^64; the other commands are the model's.
+int _bar0_beyond_2_64(int fd, unsigned long request, void *arg)
+{
+    const int rc = g_model_seam.ioctl(fd, request, arg);
+    auto *io = static_cast<hal_devio *>(arg);
+    if (request == HAL_CMD_IOMEM_GET && rc == 0 && io->chip_id == 1) {
+        u64 paddr, size = ~0ull - 0x7FF;
+        memcpy(&paddr, io->data, sizeof(paddr));
+        paddr += 0x900;
+        memcpy(io->data, &paddr, sizeof(paddr));
+        memcpy(io->data + 8, &size, sizeof(size));
+    }
+    return rc;
+}
+
+TEST_F(HalOnModel, ApertureEndingBeyond2To64IsNotMapped)
+{
+    hal_ui_os_ops broken = *hal_ui_os_ops_get();
+    broken.ioctl = _bar0_beyond_2_64;
+    SeamSwap swap(broken);
+    Capture::clear();
+    // Its whole pages would wrap to one page: nothing is mapped, and no
+    // register access can reach past that page.
+    EXPECT_EQ(hal_ui_chip_mem_init(1), SHR_E_FAIL);
+    EXPECT_TRUE(Capture::has("mmap target addr"));
+    u64 info[3] = {};
+    ASSERT_EQ(hal_ui_get_chip_mem_info(1, 0, info), 0);
+    EXPECT_EQ(info[0], 0u);
+    u32 v = 0;
+    EXPECT_EQ(hal_ui_reg_read_32(1, 0, 0x40000000, &v), SHR_E_INIT);
+}
+
+std::atomic<int> g_mapped{0};
+
+void *_counted_mmap(void *addr, size_t length, int prot, int flags, int fd, off_t offset)
+{
+    void *p = g_model_seam.mmap(addr, length, prot, flags, fd, offset);
+    g_mapped += p != MAP_FAILED;
+    return p;
+}
+
+int _counted_munmap(void *addr, size_t length)
+{
+    g_mapped--;
+    return g_model_seam.munmap(addr, length);
+}
+
+TEST_F(HalOnModel, MappingAChipAgainGivesItsEarlierMappingsBack)
+{
+    hal_ui_os_ops counted = *hal_ui_os_ops_get();
+    counted.mmap = _counted_mmap;
+    counted.munmap = _counted_munmap;
+    SeamSwap swap(counted);
+    g_mapped = 0;
+    ASSERT_EQ(hal_ui_chip_mem_init(1), 0);
+    EXPECT_EQ(g_mapped, 3); // BAR 0, the LSW aperture, BAR 3
+    ASSERT_EQ(hal_ui_chip_mem_init(1), 0);
+    EXPECT_EQ(g_mapped, 3);
+    u32 v = 0;
+    EXPECT_EQ(hal_ui_reg_read_32(1, 3, 0x47014, &v), 0);
+    ASSERT_EQ(hal_ui_chip_mem_deinit(1), 0);
+    EXPECT_EQ(g_mapped, 0);
 }
 
 TEST(HalSeam, EmptySlotsKeepTheCLibrary)

@@ -8,6 +8,7 @@
 #include <bit>
 #include <map>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "atolreef_cib.h"
@@ -625,11 +626,17 @@ protected:
 TEST_F(EcibSibling, ASiblingWithoutTheTablesRefusesCleanly)
 {
     tide::test::kelpreef_identity_set(0);
+    Capture::clear();
     ASSERT_EQ(init_api_software_process(0, &cfg_), 0);
     EXPECT_EQ(csl_reef_hash_tab_hw_init(0), 0);
+    // Left out at start with one WARN line, no error.
+    const std::string line = "kelpreef: no exact-match hash table in this build\n";
+    EXPECT_EQ(Capture::count(line), 1u);
+    EXPECT_FALSE(Capture::has("not set up"));
     const Image k = img(1), a = img(1);
     EXPECT_EQ(csl_reef_hash_ecib_insert(0, k.data(), a.data(), 0), SHR_E_NOT_SUPPORT);
     EXPECT_EQ(csl_reef_hash_ecib_hw_init(0), SHR_E_NOT_SUPPORT);
+    EXPECT_EQ(Capture::count(line), 3u);
     ecib_key key{};
     ecib_ad ad{};
     Capture::clear();

@@ -26,12 +26,14 @@ protected:
         ASSERT_NE(mkdtemp(tmpl), nullptr);
         dir_ = tmpl;
         ASSERT_EQ(shr_property_init(), 0);
+        shr_debug_base_printf_func_set(Capture::log_sink);
         shr_chip_type_assign(0, 3, 0); // atolreef
         shr_chip_type_assign(1, 3, 0);
     }
     void TearDown() override
     {
         shr_property_deinit();
+        shr_debug_base_printf_func_set(nullptr);
         std::string cmd = "rm -rf " + dir_;
         ASSERT_EQ(std::system(cmd.c_str()), 0);
     }
@@ -101,6 +103,16 @@ TEST_F(Property, LoaderFailuresAndSelfImport)
     Capture::clear();
     EXPECT_EQ(shr_property_cfg_file_load(0, self.c_str()), 0);
     EXPECT_EQ(shr_property_get(0, "y", 0), 2);
+    // A file that imports itself twice doubles its reads at every level;
+    // one load reads a bounded number of files, each of which refuses at
+    // most its two imports, and the settings are there.
+    file("twice.cfg", ("a=1\nimport=" + dir_ + "/twice.cfg\nimport=" + dir_ + "/twice.cfg\nb=2\n").c_str());
+    Capture::clear();
+    EXPECT_EQ(shr_property_cfg_file_load(0, (dir_ + "/twice.cfg").c_str()), 0);
+    EXPECT_EQ(shr_property_get(0, "a", 0), 1);
+    EXPECT_EQ(shr_property_get(0, "b", 0), 2);
+    EXPECT_TRUE(Capture::has("files imported already"));
+    EXPECT_LE(Capture::count("property file"), 2u * (256 + 1));
     // A missing imported file does not stop the importing one.
     const std::string outer = file("outer.cfg", ("import=" + dir_ + "/nope.cfg\nz=3\n").c_str());
     EXPECT_EQ(shr_property_cfg_file_load(0, outer.c_str()), 0);
@@ -197,6 +209,14 @@ TEST_F(Property, ListsAndFixedPoint)
     EXPECT_EQ(v, -15);
     _shr_property_str_to_val("7", &v, 3, nullptr);
     EXPECT_EQ(v, 7000);
+    // Too big for 64 bits: the value wraps, as the integer forms do, and a
+    // scale of any size ends once nothing is left.
+    _shr_property_str_to_val("1000000000000000000.5", &v, 2, nullptr);
+    EXPECT_EQ(v, static_cast<int>(static_cast<u32>(1000000000000000000ull * 100 + 50)));
+    _shr_property_str_to_val("-9223372036854775808", &v, 1, nullptr);
+    EXPECT_EQ(v, 0);
+    _shr_property_str_to_val("3", &v, 0x7FFFFFFF, nullptr);
+    EXPECT_EQ(v, 0);
 
     shr_property_set(0, "sds.lane2.amp", "0.25");
     shr_property_set(0, "sds.lane.amp", "1");

@@ -2,6 +2,8 @@
 // the write log and the driver records it answers.
 #include <gtest/gtest.h>
 
+#include <sys/mman.h>
+
 #include <cstring>
 
 #include "hal/linux/linux_haui_um/hal_ui.h"
@@ -169,6 +171,43 @@ TEST_F(SimModel, CommandRecordsOfTheDriverContract)
     // The VP record is taken as given.
     u64 words[3] = {1, 2, 3};
     EXPECT_EQ(hal_ui_vp_conf_init(0, words), 0);
+    // Configuration space: aligned words of its 4 KiB, and nothing else,
+    // however close to 2^32 the address is.
+    u32 v = 0;
+    EXPECT_EQ(hal_ui_pci_config_write(1, 4092, 0x5A5A5A5A), 0);
+    EXPECT_EQ(hal_ui_pci_config_read(1, 4092, &v), 0);
+    EXPECT_EQ(v, 0x5A5A5A5Au);
+    for (u32 addr : {4096u, 4094u, 0xFFFFFFFCu, 0xFFFFFFFFu}) {
+        EXPECT_NE(hal_ui_pci_config_write(1, addr, 1), 0) << addr;
+        EXPECT_NE(hal_ui_pci_config_read(1, addr, &v), 0) << addr;
+    }
+}
+
+TEST_F(SimModel, MappingsLieWhollyInsideTheMemoryTheyName)
+{
+    const hal_ui_os_ops *os = hal_ui_os_ops_get();
+    const int fd = g_hal_ui_devfd_for_ioctl;
+    u64 ranges[9] = {};
+    ASSERT_EQ(hal_ui_get_iomem(0, ranges), 0);
+    const u64 base = ranges[0], size = ranges[1];
+    auto map = [&](u64 paddr, u64 length) {
+        return os->mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, fd, static_cast<off_t>(paddr));
+    };
+    EXPECT_NE(map(base, size), MAP_FAILED);
+    EXPECT_NE(map(base + size - 8, 8), MAP_FAILED);
+    EXPECT_EQ(map(base + size - 8, 16), MAP_FAILED);
+    EXPECT_EQ(map(base, 0), MAP_FAILED);
+    // A length that wraps the end of the aperture around 2^64.
+    EXPECT_EQ(map(base + 0x10, ~0ull - 7), MAP_FAILED);
+    EXPECT_EQ(map(base + size, ~0ull), MAP_FAILED);
+
+    // The same for a DMA block.
+    u64 va = 0, pa = 0;
+    ASSERT_EQ(hal_ui_dma_alloc(0, &va, &pa, 4096, nullptr), 0);
+    EXPECT_NE(map(pa, 4096), MAP_FAILED);
+    EXPECT_EQ(map(pa + 8, ~0ull - 4), MAP_FAILED);
+    EXPECT_EQ(map(pa, 0), MAP_FAILED);
+    EXPECT_EQ(hal_ui_dma_free(0, 0, va), 0);
 }
 
 } // namespace

@@ -181,6 +181,10 @@ TEST(XsalStringHelpers, CopiesConversionsAndCleaning)
     EXPECT_EQ(xsal_ctoi("0B101"), 5);
     EXPECT_EQ(xsal_ctoi("017"), 15);
     EXPECT_EQ(xsal_ctoi("-42"), -42);
+    // The least number there is, and beyond 64 bits a number wraps.
+    EXPECT_EQ(xsal_ctoi("-9223372036854775808"), INT64_MIN);
+    EXPECT_EQ(xsal_ctoi("-0x8000000000000000"), INT64_MIN);
+    EXPECT_EQ(xsal_ctoi("18446744073709551617"), 1);
     EXPECT_EQ(xsal_ctoi("12ab"), 12);
     EXPECT_EQ(xsal_ctoi("089"), 0);
     EXPECT_EQ(xsal_ctoi(""), 0);

@@ -72,15 +72,21 @@ u64 _page_size()
 }
 
 // Length and file offset of the mapping that covers [paddr, paddr+size).
-void _hal_ui_map_span(u64 paddr, u64 size, u64 *map_off, u64 *map_len, u64 *page_off)
+// False for a range whose whole pages would end beyond 2^64: no mapping
+// covers it, and the arithmetic would wrap to a short one.
+bool _hal_ui_map_span(u64 paddr, u64 size, u64 *map_off, u64 *map_len, u64 *page_off)
 {
     const u64 page = _page_size();
     *page_off = paddr & (page - 1);
     *map_off = paddr & ~(page - 1);
     *map_len = page;
+    if (size > ~0ull - *page_off - (page - 1)) {
+        return false;
+    }
     if (*page_off + size > page) {
         *map_len = (*page_off + size + page - 1) & ~(page - 1);
     }
+    return true;
 }
 
 int _hal_ui_devmem_unmap(u64 vaddr, u64 paddr, u64 size)
@@ -89,7 +95,9 @@ int _hal_ui_devmem_unmap(u64 vaddr, u64 paddr, u64 size)
         return 0;
     }
     u64 map_off, map_len, page_off;
-    _hal_ui_map_span(paddr, size, &map_off, &map_len, &page_off);
+    if (!_hal_ui_map_span(paddr, size, &map_off, &map_len, &page_off)) {
+        return -1; // never mapped
+    }
     return g_hal_ui_os->munmap(reinterpret_cast<void *>(vaddr - page_off), map_len);
 }
 
@@ -583,9 +591,11 @@ int hal_ui_pci_config_write(u32 chip_id, u32 addr, u32 value)
 int hal_ui_adpter_devmem_mmap(u64 paddr, u64 size, u64 *vaddr)
 {
     u64 map_off, map_len, page_off;
-    _hal_ui_map_span(paddr, size, &map_off, &map_len, &page_off);
-    void *p = g_hal_ui_os->mmap(nullptr, map_len, PROT_READ | PROT_WRITE, MAP_SHARED, g_hal_ui_devfd_for_ioctl,
-                                static_cast<off_t>(map_off));
+    void *p = MAP_FAILED;
+    if (_hal_ui_map_span(paddr, size, &map_off, &map_len, &page_off)) {
+        p = g_hal_ui_os->mmap(nullptr, map_len, PROT_READ | PROT_WRITE, MAP_SHARED, g_hal_ui_devfd_for_ioctl,
+                              static_cast<off_t>(map_off));
+    }
     if (p == MAP_FAILED || p == nullptr) {
         SHR_LOG_ERR(SHR_NO_CHIP, SHR_MOD_COMMON, "mmap target addr %jd failed.\n", (intmax_t)paddr);
         *vaddr = 0;
@@ -607,6 +617,9 @@ int hal_ui_chip_mem_init(u32 chip_id)
         SHR_LOG_ERR(chip_id, SHR_MOD_HAL, "invalid chip_id\n");
         return SHR_E_BADID;
     }
+    // A chip mapped already gives its mappings back first: the driver's
+    // ranges are taken anew and nothing of the earlier ones stays mapped.
+    _hal_ui_chip_unmmap_hw(chip_id);
     g_hal_ui_chip_info[chip_id].chip_id = chip_id;
     int rc = _hal_ui_chip_mmap_hw(chip_id);
     if (rc != 0) {

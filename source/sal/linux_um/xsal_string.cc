@@ -303,7 +303,9 @@ i64 xsal_ctoi_scan(const char *text, const char **end)
     if (end != nullptr) {
         *end = p;
     }
-    return negative ? -static_cast<i64>(value) : static_cast<i64>(value);
+    // Negated as unsigned: "-9223372036854775808" is the least i64, and a
+    // longer number wraps instead of overflowing.
+    return static_cast<i64>(negative ? 0 - value : value);
 }
 
 int64_t xsal_ctoi(const char *text)

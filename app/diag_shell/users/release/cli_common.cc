@@ -17,12 +17,6 @@ namespace {
 constexpr u32 k_mode_config = 0;
 constexpr u32 k_mode_common = 36;
 
-i32 _failed(const char *call, i32 rc)
-{
-    cli_output_show(" call %s failed, %s\n", call, shr_errmsg(rc));
-    return rc;
-}
-
 i32 _bad_argc()
 {
     cli_output_show("parameter number is incorrect. \n");
@@ -206,13 +200,13 @@ i32 cli_common_show_chip(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     }
     if (argc >= 1) {
         // The die identity is read by the sensor and fuse service.
-        return _failed("misc_api_dieid_show", SHR_E_NOT_SUPPORT);
+        return cli_call_failed("misc_api_dieid_show", SHR_E_NOT_SUPPORT);
     }
     u32 type = 0;
     u32 sub_devid = 0;
     rc = shr_chip_sub_devid_get(chip_id, &type, &sub_devid);
     if (rc != SHR_E_NONE) {
-        return _failed("shr_chip_sub_devid_get", rc);
+        return cli_call_failed("shr_chip_sub_devid_get", rc);
     }
     cli_output_show(" chip id      : %u\n chip name    : %s\n chip type    : %u\n chip family  : %u\n"
                     " sub device   : %u\n chips        : %u\n",
@@ -338,14 +332,14 @@ i32 cli_common_chip_id_by_bus_number_display(u32 chip_id, u32 view_mode, i32 arg
         }
         rc = init_api_chip_id_get_by_bus_number(number, &chips[0]);
         if (rc != SHR_E_NONE) {
-            return _failed("init_api_chip_id_get_by_bus_number", rc);
+            return cli_call_failed("init_api_chip_id_get_by_bus_number", rc);
         }
         bus[0] = number;
         n = 1;
     } else {
         const i32 rc = init_api_chip_id_busnum_mapping_get(bus, chips, &n);
         if (rc != SHR_E_NONE) {
-            return _failed("init_api_chip_id_busnum_mapping_get", rc);
+            return cli_call_failed("init_api_chip_id_busnum_mapping_get", rc);
         }
     }
     cli_output_show(" %-12s %s\n ---------------------\n", "bus number", "chip id");
@@ -374,7 +368,7 @@ i32 cli_base_chip_version_show(u32 chip_id, u32 view_mode, i32 argc, char **argv
     (void)argc;
     (void)argv;
     const i32 rc = base_api_chip_version_show(chip_id);
-    return rc == SHR_E_NONE ? rc : _failed("base_api_chip_version_show", rc);
+    return rc == SHR_E_NONE ? rc : cli_call_failed("base_api_chip_version_show", rc);
 }
 
 } // extern "C"

@@ -43,6 +43,7 @@ void cli_cmd_init_base_hash(void);
 void cli_cmd_init_port(void);
 void cli_cmd_init_config(void);
 void cli_cmd_init_common(void);
+void cli_cmd_init_base(void);
 
 /* Handlers of mode `config`. */
 i32 cli_terminal_monitor_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
@@ -58,6 +59,17 @@ i32 cli_common_sdk_set_deinit(u32 chip_id, u32 view_mode, i32 argc, char **argv)
 i32 cli_common_chip_id_by_bus_number_display(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 i32 cli_common_debug_show_mutex(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 i32 cli_base_chip_version_show(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+
+/* Handlers of mode `base`. */
+i32 cli_base_tcam_tab_show_summary(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_tcam_tab_key_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_tcam_tab_mask_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_tcam_tab_ad_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_tcam_tab_write(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_tcam_tab_read(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_tcam_tab_clear(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_tcam_mgmt_display(u32 chip_id, u32 view_mode, i32 argc, char **argv);
+i32 cli_base_plane_check(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 
 /* The commands of the chip model, in mode "sim". */
 void cli_cmd_init_sim(void);

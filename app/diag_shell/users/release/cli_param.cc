@@ -424,6 +424,12 @@ i32 cli_get_ipv4addr(const char *s, u32 *out)
     return 0;
 }
 
+i32 cli_call_failed(const char *call, i32 rc)
+{
+    cli_output_show(" call %s failed, %s\n", call, shr_errmsg(rc));
+    return rc;
+}
+
 i32 cli_hex_string_to_u8_array(const char *s, u8 *out, u32 room, u32 *count)
 {
     if (s == nullptr || out == nullptr || count == nullptr) {

@@ -55,6 +55,10 @@ i32 cli_hex_array_get_from_file(const char *path, u8 *out, u32 room, u32 *count)
  * fit. */
 i32 cli_pbmp_to_str(const u64 *bitmap, u32 bytes, char *out, u32 room);
 
+/* Prints " call %s failed, %s\n" with the status's text and returns the
+ * status. */
+i32 cli_call_failed(const char *call, i32 rc);
+
 /* ---- chips and ports ----------------------------------------------------------- */
 
 /* 0 for a chip of the registry; -3 after "chip_id(%d) is invalid\n". */

@@ -1,7 +1,7 @@
 // The `sim` mode: commands of the chip model, so that an operator can try
 // the switch interactively: inject a frame given in hexadecimal on a port,
 // see what each port has sent, move the model's clock, write a capture
-// file.
+// file, bind ports to Linux TAP devices.
 //
 // The commands call the model's public functions.  The model is a library
 // of its own that the programs standing it behind the SDK link (tided, the
@@ -23,6 +23,10 @@
 #pragma weak tide_sim_time_get
 #pragma weak tide_sim_pcap_open
 #pragma weak tide_sim_pcap_close
+#pragma weak tide_sim_tap_bind
+#pragma weak tide_sim_tap_unbind
+#pragma weak tide_sim_tap_list
+#pragma weak tide_sim_tap_errmsg
 
 namespace {
 
@@ -266,6 +270,83 @@ i32 _sim_pcap_close(u32 chip_id, u32, i32, char **)
     return rc;
 }
 
+// The bindings of a chip: their number, the records in `taps`.
+u32 _taps_get(u32 chip_id, tide_sim_tap_info (&taps)[TIDE_SIM_TAP_PORT_MAX + 1])
+{
+    u32 count = 0;
+    return tide_sim_tap_list(chip_id, taps, TIDE_SIM_TAP_PORT_MAX + 1, &count) == 0 ? count : 0;
+}
+
+const char *_tap_state(const tide_sim_tap_info &t)
+{
+    if ((t.state & TIDE_SIM_TAP_GONE) != 0) {
+        return "gone";
+    }
+    return (t.state & TIDE_SIM_TAP_CREATED) != 0 ? "created" : "attached";
+}
+
+// tap bind port <0-27> IFNAME
+i32 _sim_tap_bind(u32 chip_id, u32, i32 argc, char **argv)
+{
+    if (!_model_here()) {
+        return SHR_E_UNAVAIL;
+    }
+    const u32 port = argc >= 2 ? _number(argv[0]) : 0;
+    const int rc = argc >= 2 ? tide_sim_tap_bind(chip_id, port, argv[1], 0) : SHR_E_PARAM;
+    if (rc != 0) {
+        cli_output_show("cannot bind port %u: %s\n", port, tide_sim_tap_errmsg(rc));
+        return rc;
+    }
+    // The kernel numbers a name with "%d" in it: show the one it made.
+    tide_sim_tap_info taps[TIDE_SIM_TAP_PORT_MAX + 1];
+    const u32 count = _taps_get(chip_id, taps);
+    for (u32 i = 0; i < count; i++) {
+        if (taps[i].lport == port) {
+            cli_output_show("port %u bound to %s (%s)\n", port, taps[i].ifname, _tap_state(taps[i]));
+        }
+    }
+    return SHR_E_NONE;
+}
+
+// tap unbind port <0-27>
+i32 _sim_tap_unbind(u32 chip_id, u32, i32 argc, char **argv)
+{
+    if (!_model_here()) {
+        return SHR_E_UNAVAIL;
+    }
+    const u32 port = argc >= 1 ? _number(argv[0]) : 0;
+    const int rc = tide_sim_tap_unbind(chip_id, port);
+    if (rc != 0) {
+        cli_output_show("cannot unbind port %u: %s\n", port, tide_sim_tap_errmsg(rc));
+    }
+    return rc;
+}
+
+// show tap
+i32 _sim_show_tap(u32 chip_id, u32, i32, char **)
+{
+    if (!_model_here()) {
+        return SHR_E_UNAVAIL;
+    }
+    tide_sim_tap_info taps[TIDE_SIM_TAP_PORT_MAX + 1];
+    const u32 count = _taps_get(chip_id, taps);
+    if (count == 0) {
+        cli_output_show("no port is bound to a TAP\n");
+        return SHR_E_NONE;
+    }
+    cli_output_show("port  interface        state     rx-frames  tx-frames  tx-dropped\n");
+    for (u32 i = 0; i < count; i++) {
+        const tide_sim_tap_info &t = taps[i];
+        cli_output_show("%4u  %-15s  %-8s  %9llu  %9llu  %10llu\n", t.lport, t.ifname, _tap_state(t),
+                        static_cast<unsigned long long>(t.rx_frames), static_cast<unsigned long long>(t.tx_frames),
+                        static_cast<unsigned long long>(t.tx_dropped));
+        if (t.tx_dropped != 0) {
+            cli_output_show("      last refusal: %s\n", strerror(t.tx_errno));
+        }
+    }
+    return SHR_E_NONE;
+}
+
 const char *const k_inject_help[] = {"Inject a frame into the chip", "The port it comes in by",
                                      "Logical port (31: from the CPU)",
                                      "The frame in hexadecimal without FCS; colons, dashes, dots and blanks may "
@@ -281,6 +362,13 @@ const char *const k_pcap_open_help[] = {"Capture file of every frame in and out 
                                         "File name", nullptr};
 const char *const k_pcap_close_help[] = {"Capture file of every frame in and out of the chip", "Close it", nullptr};
 
+const char *const k_tap_bind_help[] = {"A port on a Linux TAP device",
+                                       "Bind a port: its frames go to and come from the TAP", "The port",
+                                       "Front port", "The TAP: created, or attached when it exists", nullptr};
+const char *const k_tap_unbind_help[] = {"A port on a Linux TAP device", "Unbind a port", "The port", "Front port",
+                                         nullptr};
+const char *const k_show_tap_help[] = {"Show", "The ports bound to TAP devices", nullptr};
+
 cli_cmd_desc g_sim_desc[] = {
     {"inject port <0-31> .WORD", -1, _sim_inject, k_inject_help, 0},
     {"show sent", -1, _sim_show_sent, k_show_sent_help, 0},
@@ -289,6 +377,9 @@ cli_cmd_desc g_sim_desc[] = {
     {"time advance <1-4294967295>", -1, _sim_time_advance, k_time_help, 0},
     {"pcap open WORD", -1, _sim_pcap_open, k_pcap_open_help, 0},
     {"pcap close", -1, _sim_pcap_close, k_pcap_close_help, 0},
+    {"tap bind port <0-27> IFNAME", -1, _sim_tap_bind, k_tap_bind_help, 0},
+    {"tap unbind port <0-27>", -1, _sim_tap_unbind, k_tap_unbind_help, 0},
+    {"show tap", -1, _sim_show_tap, k_show_tap_help, 0},
 };
 
 constexpr u32 k_sim_commands = sizeof(g_sim_desc) / sizeof(g_sim_desc[0]);

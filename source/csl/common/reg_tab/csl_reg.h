@@ -32,6 +32,10 @@ int csl_reg_read32(u32 chip_id, u32 addr, u32 *value);
 int csl_reg_write32(u32 chip_id, u32 addr, u32 value);
 int csl_reg_read32_validaddr(u32 chip_id, u32 addr, u32 *value);
 int csl_reg_write32_validaddr(u32 chip_id, u32 addr, u32 value);
+/* The same, logging "errcode = %d [%s]\n" when the access fails: the
+ * register path of the table engines. */
+int csl_reg_read32_logged(u32 chip_id, u32 addr, u32 *value);
+int csl_reg_write32_logged(u32 chip_id, u32 addr, u32 value);
 int csl_reg_read64(u32 chip_id, u32 addr, u64 *value);
 int csl_reg_write64(u32 chip_id, u32 addr, u64 value);
 int csl_reg_read64_validaddr(u32 chip_id, u32 addr, u64 *value);

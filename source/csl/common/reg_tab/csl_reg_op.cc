@@ -208,6 +208,24 @@ int csl_reg_write32_validaddr(u32 chip_id, u32 addr, u32 value)
     return _csl_reg_write32_func(chip_id, HAL_BAR_LSW, addr, value, 0);
 }
 
+int csl_reg_read32_logged(u32 chip_id, u32 addr, u32 *value)
+{
+    const int rc = csl_reg_read32_validaddr(chip_id, addr, value);
+    if (rc != 0) {
+        SHR_LOG_ERRCODE(chip_id, rc);
+    }
+    return rc;
+}
+
+int csl_reg_write32_logged(u32 chip_id, u32 addr, u32 value)
+{
+    const int rc = csl_reg_write32_validaddr(chip_id, addr, value);
+    if (rc != 0) {
+        SHR_LOG_ERRCODE(chip_id, rc);
+    }
+    return rc;
+}
+
 int csl_reg_read64(u32 chip_id, u32 addr, u64 *value)
 {
     return _csl_reg_read64_func(chip_id, HAL_BAR_LSW, addr, value, 1);

@@ -189,3 +189,34 @@ int csl_reef_cib_tab_record_set(u32 chip_id, u32 tab_id, u32 addr_index, u32 ind
 }
 
 } // extern "C"
+
+namespace tide::cib {
+
+Bits reg_field(const cib_reg_info *reg, const char *name)
+{
+    for (u32 i = 0; reg != nullptr && i < reg->field_count; i++) {
+        if (strcmp(reg->fields[i].name, name) == 0) {
+            return Bits{reg->fields[i].low_bit, reg->fields[i].width};
+        }
+    }
+    return Bits{};
+}
+
+const cib_reg_info *CatalogueNeeds::reg(u32 reg_id, u32 *addr)
+{
+    const cib_reg_info *r = csl_reef_reg_info_get(chip_id, reg_id);
+    ok &= r != nullptr && r->a > 0;
+    if (r != nullptr && r->a > 0) {
+        *addr = r->addr[0];
+    }
+    return r;
+}
+
+Bits CatalogueNeeds::field(const cib_reg_info *reg, const char *name)
+{
+    const Bits f = reg_field(reg, name);
+    ok &= f.ok();
+    return f;
+}
+
+} // namespace tide::cib

@@ -161,6 +161,39 @@ int csl_reef_cib_tab_record_set(u32 chip_id, u32 tab_id, u32 addr_index, u32 ind
 
 #ifdef __cplusplus
 }
+
+namespace tide::cib {
+
+/* A field of a register or an entry: its lowest bit and width, with the
+ * arithmetic of reading and writing it in a word or a wider number. */
+struct Bits {
+    using u128 = unsigned __int128;
+    u16 low = 0;
+    u16 width = 0;
+    constexpr bool ok() const { return width != 0; }
+    constexpr u128 mask() const { return width >= 128 ? ~u128{0} : ((u128{1} << width) - 1); }
+    constexpr u64 get(u128 v) const { return static_cast<u64>((v >> low) & mask()); }
+    constexpr u128 put(u128 v, u64 x) const { return (v & ~(mask() << low)) | ((u128{x} & mask()) << low); }
+    constexpr u32 get32(u32 v) const { return static_cast<u32>(get(v)); }
+    constexpr u32 put32(u32 v, u64 x) const { return static_cast<u32>(put(v, x)); }
+    constexpr u64 max() const { return static_cast<u64>(mask()); }
+};
+
+/* A field of a register record by name; not ok() when the register (which
+ * may be NULL) has no such field. */
+Bits reg_field(const cib_reg_info *reg, const char *name);
+
+/* The registers and fields an engine finds in its chip's catalogue; `ok`
+ * turns false at the first one that is missing. */
+struct CatalogueNeeds {
+    u32 chip_id;
+    bool ok = true;
+    /* The register's record, its first address into `*addr`. */
+    const cib_reg_info *reg(u32 reg_id, u32 *addr);
+    Bits field(const cib_reg_info *reg, const char *name);
+};
+
+} // namespace tide::cib
 #endif
 
 #endif /* TIDE_CSL_REEF_CIB_H */

@@ -305,13 +305,13 @@ i32 _command(u32 chip_id, const Engine &e, u32 opcode, u32 row, const u8 *wdata,
     for (u32 i = 0; i < wwords && rc == 0; i++) {
         u32 w = 0;
         memcpy(&w, wdata + 4 * i, 4);
-        rc = csl_reef_hash_reg_write(chip_id, e.wdat[i], w);
+        rc = csl_reg_write32_logged(chip_id, e.wdat[i], w);
     }
     if (rc == 0) {
-        rc = csl_reef_hash_reg_write(chip_id, e.addr, row);
+        rc = csl_reg_write32_logged(chip_id, e.addr, row);
     }
     if (rc == 0) {
-        rc = csl_reef_hash_reg_write(chip_id, e.info, e.start.put32(e.opcode.put32(0, opcode), 1));
+        rc = csl_reg_write32_logged(chip_id, e.info, e.start.put32(e.opcode.put32(0, opcode), 1));
     }
     u32 word = 0;
     u64 spent = 0;
@@ -324,7 +324,7 @@ i32 _command(u32 chip_id, const Engine &e, u32 opcode, u32 row, const u8 *wdata,
         }
     }
     for (u32 i = 0; i < rwords && rc == 0; i++) {
-        rc = csl_reef_hash_reg_read(chip_id, e.rdat[i], &rdata[i]);
+        rc = csl_reg_read32_logged(chip_id, e.rdat[i], &rdata[i]);
     }
     return rc;
 }
@@ -692,6 +692,13 @@ i32 _soft_clear(u32 chip_id, const Engine &e)
     return 0;
 }
 
+// 0 when the build describes the chip type's exact-match tables; else -24
+// with the line at `level`.
+i32 _in_build(u32 chip_id, u32 level)
+{
+    return csl_reef_tab_in_build(chip_id, cib_epro_em_pv_ht0_tbl, SHR_MOD_REG_TAB, level, "exact-match hash table");
+}
+
 // The engine of a chip for an operation: -3 for a chip out of range, -24
 // for one without the engine.
 i32 _ready(u32 chip_id, Engine **e)
@@ -701,7 +708,11 @@ i32 _ready(u32 chip_id, Engine **e)
     }
     *e = _engine(chip_id);
     if (*e == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib hash engine is not set up on this chip\n");
+        // A type whose tables the build lacks says so in the siblings' words.
+        const i32 rc = _in_build(chip_id, SHR_LOG_ERROR);
+        if (rc == 0) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib hash engine is not set up on this chip\n");
+        }
         return SHR_E_NOT_SUPPORT;
     }
     return 0;
@@ -788,8 +799,13 @@ i32 csl_reef_hash_ecib_soft_init(u32 chip_id)
     if (g_engine[chip_id].ok) {
         return 0;
     }
+    i32 rc = _in_build(chip_id, SHR_LOG_WARN);
+    if (rc != 0) {
+        return rc;
+    }
     Engine e;
     if (!_engine_resolve(chip_id, e)) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "ecib hash engine is not set up on this chip\n");
         return SHR_E_NOT_SUPPORT;
     }
     const u32 words = (e.hw.ad_entries + 63) / 64;

@@ -84,20 +84,9 @@ bool _block_resolve(u32 chip_id, Block &b)
     b = Block{};
     const u32 type = shr_chip_type_get(chip_id);
     b.w = g_csl_l2_mac_widths[type < 5 ? type : 4];
-    bool ok = b.w.key_bits != 0;
-    auto reg = [&](u32 id, u32 *addr) {
-        const cib_reg_info *r = csl_reef_reg_info_get(chip_id, id);
-        ok &= r != nullptr && r->a > 0;
-        if (r != nullptr && r->a > 0) {
-            *addr = r->addr[0];
-        }
-        return r;
-    };
-    auto field = [&](const cib_reg_info *r, const char *name) {
-        const Bits f = tide::l2mac::reg_field(r, name);
-        ok &= f.ok();
-        return f;
-    };
+    tide::cib::CatalogueNeeds need{chip_id};
+    auto reg = [&](u32 id, u32 *addr) { return need.reg(id, addr); };
+    auto field = [&](const cib_reg_info *r, const char *name) { return need.field(r, name); };
     const cib_reg_info *cfg = reg(cib_arl_cpuop_cfg, &b.regs.cfg);
     b.start = field(cfg, "cpuop_start");
     b.btype = field(cfg, "bucket_type");
@@ -129,8 +118,8 @@ bool _block_resolve(u32 chip_id, Block &b)
     b.fail_cause = field(state, "cpuop_fail_cause");
     b.fail_ind = field(state, "cpuop_fail_ind");
     b.finish = field(state, "cpuop_finish_ind");
-    b.ok = ok;
-    return ok;
+    b.ok = b.w.key_bits != 0 && need.ok;
+    return b.ok;
 }
 
 const Block *_block(u32 chip_id)
@@ -185,9 +174,8 @@ Cmd _bucket_cmd(u32 op, u32 bucket_type, u32 bucket_addr, u8 *entry_out)
     return c;
 }
 
-
-// Polls the status word until it reports finished.  -9 on time-out, with
-// the last status in *state.
+// Polls the status word until it reports finished (the bounded wait of
+// csl_reef_hash_poll_bit).  -9 on time-out, with the last status in *state.
 i32 _wait_finish(u32 chip_id, const Block &b, u32 *state)
 {
     u64 spent = 0;
@@ -209,7 +197,7 @@ u32 _flag_apply(u32 word, const Bits &f, u8 how)
 i32 _image_write(u32 chip_id, const Block &b, const Cmd &c)
 {
     u32 mac0 = 0;
-    i32 rc = csl_reef_hash_reg_read(chip_id, b.regs.mac[0], &mac0);
+    i32 rc = csl_reg_read32_logged(chip_id, b.regs.mac[0], &mac0);
     if (rc != 0) {
         return rc;
     }
@@ -220,9 +208,9 @@ i32 _image_write(u32 chip_id, const Block &b, const Cmd &c)
     }
     const u32 top = static_cast<u32>(c.image >> (3 * kImageWordBits)) | 1u << b.w.valid_bit;
     mac0 = b.image0.put32(mac0, top);
-    rc = csl_reef_hash_reg_write(chip_id, b.regs.mac[0], mac0);
+    rc = csl_reg_write32_logged(chip_id, b.regs.mac[0], mac0);
     for (u32 i = 1; rc == 0 && i < 4; i++) {
-        rc = csl_reef_hash_reg_write(chip_id, b.regs.mac[i], static_cast<u32>(c.image >> ((3 - i) * kImageWordBits)));
+        rc = csl_reg_write32_logged(chip_id, b.regs.mac[i], static_cast<u32>(c.image >> ((3 - i) * kImageWordBits)));
     }
     return rc;
 }
@@ -250,8 +238,8 @@ u32 _command_fields(const Block &b, const Cmd &c, u32 cfg)
 template <typename F> i32 _command_update(u32 chip_id, const Block &b, F change)
 {
     u32 cfg = 0;
-    const i32 rc = csl_reef_hash_reg_read(chip_id, b.regs.cfg, &cfg);
-    return rc != 0 ? rc : csl_reef_hash_reg_write(chip_id, b.regs.cfg, change(cfg));
+    const i32 rc = csl_reg_read32_logged(chip_id, b.regs.cfg, &cfg);
+    return rc != 0 ? rc : csl_reg_write32_logged(chip_id, b.regs.cfg, change(cfg));
 }
 
 // The command word in the block's three steps: cleared at the idle wait
@@ -260,7 +248,7 @@ template <typename F> i32 _command_update(u32 chip_id, const Block &b, F change)
 // start bit, so they are never written together with it for the first time.
 i32 _command_write(u32 chip_id, const Block &b, const Cmd &c)
 {
-    i32 rc = csl_reef_hash_reg_write(chip_id, b.regs.cfg, 0);
+    i32 rc = csl_reg_write32_logged(chip_id, b.regs.cfg, 0);
     if (rc == 0 && c.has_image) {
         rc = _image_write(chip_id, b, c);
     }
@@ -278,7 +266,7 @@ i32 _entry_read(u32 chip_id, const Block &b, u8 *out)
     u128 entry = 0;
     for (u32 i = 0; i < 4; i++) {
         u32 w = 0;
-        const i32 rc = csl_reef_hash_reg_read(chip_id, b.regs.sch[i], &w);
+        const i32 rc = csl_reg_read32_logged(chip_id, b.regs.sch[i], &w);
         if (rc != 0) {
             return rc;
         }
@@ -452,6 +440,14 @@ i32 _ecib_soft_init(u32 chip_id)
     return rc != 0 ? rc : csl_reef_hash_ecib_layout_init(chip_id);
 }
 
+// A type without the tables said so at its soft step; its hardware step
+// is left out without another line.
+i32 _ecib_hw_init(u32 chip_id)
+{
+    return csl_reef_tab_info_get(chip_id, cib_epro_em_pv_ht0_tbl) == nullptr ? SHR_E_NOT_SUPPORT
+                                                                            : csl_reef_hash_ecib_hw_init(chip_id);
+}
+
 // The per-type steps of the hash tables' start, for the types a chip may
 // have.
 struct TypeInit {
@@ -460,7 +456,7 @@ struct TypeInit {
     i32 (*hw)(u32);
 };
 constexpr TypeInit kTypeInits[] = {
-    {CSL_HASH_TYPE_ECIB, _ecib_soft_init, csl_reef_hash_ecib_hw_init},
+    {CSL_HASH_TYPE_ECIB, _ecib_soft_init, _ecib_hw_init},
     {CSL_HASH_TYPE_L2_MAC, _l2_mac_soft_init, nullptr},
 };
 
@@ -526,30 +522,12 @@ i32 csl_reef_hash_table_get_unlock(u32 chip_id, u32 type)
     return _hash_lock_op(chip_id, type, xsal_mutex_unlock_);
 }
 
-i32 csl_reef_hash_reg_read(u32 chip_id, u32 addr, u32 *value)
-{
-    const i32 rc = csl_reg_read32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
-
-i32 csl_reef_hash_reg_write(u32 chip_id, u32 addr, u32 value)
-{
-    const i32 rc = csl_reg_write32_validaddr(chip_id, addr, value);
-    if (rc != 0) {
-        SHR_LOG_ERRCODE(chip_id, rc);
-    }
-    return rc;
-}
-
 i32 csl_reef_hash_poll_bit(u32 chip_id, u32 addr, u32 bit, u32 *word, u64 *spent_us)
 {
     u64 start = 0;
     *spent_us = 0;
     for (u32 poll = 0; poll < CSL_HASH_POLLS; poll++) {
-        const i32 rc = csl_reef_hash_reg_read(chip_id, addr, word);
+        const i32 rc = csl_reg_read32_logged(chip_id, addr, word);
         if (rc != 0) {
             return rc;
         }

@@ -17,7 +17,7 @@
 #ifndef TIDE_CSL_REEF_HASH_TAB_OP_H
 #define TIDE_CSL_REEF_HASH_TAB_OP_H
 
-#include "tide_int.h"
+#include "csl/reef/reg_tbl/csl_reef_cib.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -131,11 +131,6 @@ extern xsal_mutex_t g_reef_hash_l2_mac_lock[SHR_MAX_CHIPS];
 i32 csl_reef_hash_table_get_lock(u32 chip_id, u32 type);
 i32 csl_reef_hash_table_get_unlock(u32 chip_id, u32 type);
 
-/* A register word of a command block by its address; a failure is logged
- * with its status. */
-i32 csl_reef_hash_reg_read(u32 chip_id, u32 addr, u32 *value);
-i32 csl_reef_hash_reg_write(u32 chip_id, u32 addr, u32 value);
-
 /* Polls the register at `addr` until bit `bit` reads 1: at most
  * CSL_HASH_POLLS reads with a busy delay of CSL_HASH_POLL_US between them.
  * 0 with the last word read and the time spent waiting; -9 when the bit
@@ -222,17 +217,7 @@ namespace tide::l2mac {
 using u128 = unsigned __int128;
 
 /* A field of an entry, a register or a key: its lowest bit and width. */
-struct Bits {
-    u16 low = 0;
-    u16 width = 0;
-    constexpr bool ok() const { return width != 0; }
-    constexpr u128 mask() const { return width >= 128 ? ~u128{0} : ((u128{1} << width) - 1); }
-    constexpr u64 get(u128 v) const { return static_cast<u64>((v >> low) & mask()); }
-    constexpr u128 put(u128 v, u64 x) const { return (v & ~(mask() << low)) | ((u128{x} & mask()) << low); }
-    constexpr u32 get32(u32 v) const { return static_cast<u32>(get(v)); }
-    constexpr u32 put32(u32 v, u64 x) const { return static_cast<u32>(put(v, x)); }
-    constexpr u64 max() const { return static_cast<u64>(mask()); }
-};
+using Bits = tide::cib::Bits;
 
 /* A field of a register or of a table's entry in the chip's catalogue;
  * an empty Bits when there is none of that name. */

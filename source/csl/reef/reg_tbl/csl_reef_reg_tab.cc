@@ -7,6 +7,7 @@
 #include "csl/common/reg_tab/csl_reg.h"
 #include "csl/reef/reg_tbl/csl_reef_hash_tab_op.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "csl/reef/reg_tbl/csl_reef_tcam_tab_op.h"
 
 namespace {
 
@@ -144,6 +145,31 @@ const cib_tab_info *csl_reef_tab_info_get(u32 chip_id, u32 tab_id)
     return cm->tab_list[tab_id];
 }
 
+int csl_reef_not_in_build(u32 chip_id, u32 module_id, u32 level, const char *what)
+{
+    SHR_LOG(chip_id, module_id, level, "%s: no %s in this build\n", shr_chip_name_get(chip_id), what);
+    return SHR_E_NOT_SUPPORT;
+}
+
+int csl_reef_tab_in_build(u32 chip_id, u32 tab_id, u32 module_id, u32 level, const char *what)
+{
+    return csl_reef_tab_info_get(chip_id, tab_id) != nullptr ? 0
+                                                             : csl_reef_not_in_build(chip_id, module_id, level, what);
+}
+
+int csl_reef_reg_in_build(u32 chip_id, u32 reg_id, u32 module_id, u32 level, const char *what)
+{
+    return csl_reef_reg_info_get(chip_id, reg_id) != nullptr ? 0
+                                                             : csl_reef_not_in_build(chip_id, module_id, level, what);
+}
+
+int csl_reef_catalogue_in_build(u32 chip_id, u32 module_id, u32 level)
+{
+    const csl_reg_tab_cm *cm = csl_reg_tab_cm_get(chip_id);
+    const bool has = cm != nullptr && (cm->reg_list != nullptr || cm->tab_list != nullptr);
+    return has ? 0 : csl_reef_not_in_build(chip_id, module_id, level, "catalogue");
+}
+
 int csl_reef_reg_tab_soft_init(u32 chip_id)
 {
     if (csl_reg_tab_cm_malloc(chip_id) != 0) {
@@ -158,7 +184,13 @@ int csl_reef_reg_tab_soft_init(u32 chip_id)
     if (csl_write_file_lock_init(chip_id) != 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[Base init] create write file lock failed!\n");
     }
-    return csl_reef_hash_tab_soft_init(chip_id);
+    const int rc = csl_reef_hash_tab_soft_init(chip_id);
+    const int tcam = csl_reef_tcam_tab_soft_init(chip_id);
+    if (tcam != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_REG_TAB, "[Base init] init tcam table failed!\n");
+        return tcam;
+    }
+    return rc;
 }
 
 int csl_reef_reg_tab_soft_deinit(u32 chip_id)
@@ -175,12 +207,15 @@ int csl_reef_reg_tab_soft_deinit(u32 chip_id)
     csl_reef_module_lock_deinit(chip_id);
     csl_write_file_lock_deinit(chip_id);
     csl_reef_hash_tab_soft_deinit(chip_id);
+    csl_reef_tcam_tab_soft_deinit(chip_id);
     return rc;
 }
 
+// The TCAM is cleared by the chip before anything is written to it.
 int csl_reef_reg_tab_hw_init(u32 chip_id)
 {
-    return csl_reef_hash_tab_hw_init(chip_id);
+    const int rc = csl_reef_tcam_tab_hw_init(chip_id);
+    return rc != 0 ? rc : csl_reef_hash_tab_hw_init(chip_id);
 }
 
 int csl_reef_module_lock_init(u32 chip_id)

@@ -49,6 +49,18 @@ int csl_reef_reg_tab_hw_init(u32 chip_id);
 const cib_reg_info *csl_reef_reg_info_get(u32 chip_id, u32 reg_id);
 const cib_tab_info *csl_reef_tab_info_get(u32 chip_id, u32 tab_id);
 
+/* What the build has of a chip type.  The catalogue of a chip is the
+ * build's description of its type: kelpreef and kelpreef2 have none, so a
+ * feature that needs a register or table of it has nothing to work on.
+ * The refusal: the line "<chip>: no <what> in this build" at `level` under
+ * `module_id`, and -24. */
+int csl_reef_not_in_build(u32 chip_id, u32 module_id, u32 level, const char *what);
+/* 0 when the chip's catalogue has the table `tab_id` (the register `reg_id`,
+ * any record at all), else the refusal. */
+int csl_reef_tab_in_build(u32 chip_id, u32 tab_id, u32 module_id, u32 level, const char *what);
+int csl_reef_reg_in_build(u32 chip_id, u32 reg_id, u32 module_id, u32 level, const char *what);
+int csl_reef_catalogue_in_build(u32 chip_id, u32 module_id, u32 level);
+
 /* ---- module locks -------------------------------------------------------------- */
 
 extern xsal_mutex_t g_reef_module_reg_lock[SHR_MAX_CHIPS][CIB_MODULE_COUNT];

@@ -230,6 +230,11 @@ int csl_reef_direct_tab_ram_bist_test(u32 chip_id, u32 use_sample, u32 loops, ch
     if (out == nullptr) {
         return SHR_E_NULL_PTR;
     }
+    // A chip type without tables in the build has nothing to test, which
+    // is not a pass.
+    if (csl_reef_catalogue_in_build(chip_id, SHR_MOD_REG_TAB, SHR_LOG_ERROR) != 0) {
+        return SHR_E_NOT_SUPPORT;
+    }
     CslHeapBytes text(CSL_RAM_BIST_TEXT_BYTES, "RAM bist test");
     if (text.get() == nullptr) {
         return SHR_E_MEMORY;

@@ -9,6 +9,7 @@
 #include "atolreef_cib.h"
 #include "csl/common/port/csl_port.h"
 #include "csl/common/reg_tab/csl_reg.h"
+#include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/init/dpl_reef_init.h"
@@ -139,10 +140,12 @@ i32 dpl_reef_soft_deinit(u32 chip_id)
 }
 
 // Clock gating and low power off before the reset, so that every block
-// sees it.  Only atolreef has these registers in its catalogue.
+// sees it.  A chip type whose catalogue the build lacks is reset as the
+// chip stands, with a line that says so.
 static void _dpl_reef_reset_prepare(u32 chip_id)
 {
-    if (shr_chip_type_get(chip_id) != SHR_CHIP_TYPE_ATOLREEF) {
+    if (csl_reef_reg_in_build(chip_id, cib_lsw_hreg_cfg_lp_en, SHR_MOD_TOP, SHR_LOG_WARN,
+                              "low power and clock gating registers") != 0) {
         return;
     }
     cib_lsw_hreg_cfg_lp_en_t lp{};
@@ -242,6 +245,11 @@ i32 dpl_reef_chip_soft_reset(u32 chip_id, u32 value)
     const u32 ports = ctl != nullptr ? ctl->lport_count : 0;
     if (ports > DPL_REEF_SOFT_RESET_PORTS_MAX || value > 0xFFFFFFu) {
         return SHR_E_PARAM;
+    }
+    const i32 in_build =
+        csl_reef_reg_in_build(chip_id, cib_lsw_hreg_soft_rst, SHR_MOD_TOP, SHR_LOG_ERROR, "core reset register");
+    if (in_build != 0) {
+        return in_build;
     }
     u32 was_on[DPL_REEF_SOFT_RESET_PORTS_MAX] = {};
     for (u32 port = 0; port < ports; port++) {

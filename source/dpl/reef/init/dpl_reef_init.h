@@ -28,7 +28,8 @@ i32 dpl_reef_hw_deinit(u32 chip_id);
 i32 dpl_reef_chip_hw_reset(u32 chip_id);
 /* Writes `value` (24 bits) to the core's soft reset, then 0, with the open
  * ports closed around it.  -4 for a bad value or a port table above 128
- * ports; 0 otherwise, a failed write being logged. */
+ * ports; -24 for a chip type whose catalogue the build lacks; 0 otherwise,
+ * a failed write being logged. */
 i32 dpl_reef_chip_soft_reset(u32 chip_id, u32 value);
 #define DPL_REEF_SOFT_RESET_PORTS_MAX 128u
 

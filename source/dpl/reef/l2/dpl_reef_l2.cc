@@ -158,8 +158,32 @@ template <typename Slot, typename... A>
 i32 _special(u32 chip_id, Slot reef_l2_special_t::*slot, A... args)
 {
     const Slot fn = reef_l2_special[chip_id].*slot;
-    return fn != nullptr ? fn(chip_id, args...) : SHR_E_NOT_SUPPORT;
+    return fn != nullptr ? fn(chip_id, args...)
+                         : csl_reef_not_in_build(chip_id, SHR_MOD_ARL, SHR_LOG_ERROR, "L2 operation of its own");
 }
+
+// Whether the build describes the chip's MAC table: 0, or -24 with a line
+// at `level`.
+i32 _mac_table_in_build(u32 chip_id, u32 level)
+{
+    return csl_reef_tab_in_build(chip_id, cib_arl_em_mac_tbl_ad, SHR_MOD_ARL, level, "MAC table");
+}
+
+// The calls that reach the MAC table, the registers of the L2 block or the
+// port rows: a chip type whose MAC table the build does not describe
+// answers -24 with a line, before any check of the call's own.
+template <auto Fn>
+struct OnTable;
+template <typename... A, i32 (*Fn)(u32, A...)>
+struct OnTable<Fn> {
+    static i32 _call(u32 chip_id, A... args)
+    {
+        const i32 rc = _mac_table_in_build(chip_id, SHR_LOG_ERROR);
+        return rc != 0 ? rc : Fn(chip_id, args...);
+    }
+};
+template <auto Fn>
+constexpr auto _on_table = OnTable<Fn>::_call;
 
 // An operation whose answer is constant: the event thread, its sync and
 // callbacks do not exist in this library (the application reads the
@@ -766,10 +790,9 @@ i32 dpl_reef_l2_soft_deinit(u32 chip_id)
 
 i32 dpl_reef_l2_hw_init(u32 chip_id)
 {
-    if (csl_reef_reg_info_get(chip_id, cib_arl_arl_glb_cfg) == nullptr) {
-        // The chip's catalogue does not describe its MAC table: nothing of
-        // it can be programmed.
-        SHR_LOG_WRN(chip_id, SHR_MOD_ARL, "l2 hardware init: no MAC table in the catalogue of this chip\n");
+    if (_mac_table_in_build(chip_id, SHR_LOG_WARN) != 0) {
+        // Nothing of the table can be programmed: the chip keeps what its
+        // reset gave it, and the table calls answer -24.
         return 0;
     }
     for (const auto step : kHwSteps) {
@@ -1340,17 +1363,20 @@ i32 dpl_reef_l2_mac_msg_parse(u32 chip_id, const u8 *buf, u32 len, l2_addr *out,
     return _special(chip_id, &reef_l2_special_t::mac_msg_parse, buf, len, out, count);
 }
 
-// The family table: slots 37 to 42 (protocol entries) are empty.
+// The family table: slots 37 to 42 (protocol entries) are empty.  The
+// calls that reach the chip are guarded by its MAC table; the group marks,
+// the calls without a service in this build and the chip-specific message
+// parser answer for themselves.
 extern const reef_l2_dispatch_t reef_l2_dispatch = {
-    .addr_add = dpl_reef_l2_addr_add,
-    .addr_replace = dpl_reef_l2_addr_replace,
-    .addr_del = dpl_reef_l2_addr_del,
-    .addr_get = dpl_reef_l2_addr_get,
-    .addr_get_by_index = dpl_reef_l2_addr_get_by_index,
-    .addr_next_entry_get = dpl_reef_l2_addr_next_entry_get,
-    .addr_traverse = dpl_reef_l2_addr_traverse,
-    .addr_batched_del = dpl_reef_l2_addr_batched_del,
-    .addr_batched_search = dpl_reef_l2_addr_batched_search,
+    .addr_add = _on_table<dpl_reef_l2_addr_add>,
+    .addr_replace = _on_table<dpl_reef_l2_addr_replace>,
+    .addr_del = _on_table<dpl_reef_l2_addr_del>,
+    .addr_get = _on_table<dpl_reef_l2_addr_get>,
+    .addr_get_by_index = _on_table<dpl_reef_l2_addr_get_by_index>,
+    .addr_next_entry_get = _on_table<dpl_reef_l2_addr_next_entry_get>,
+    .addr_traverse = _on_table<dpl_reef_l2_addr_traverse>,
+    .addr_batched_del = _on_table<dpl_reef_l2_addr_batched_del>,
+    .addr_batched_search = _on_table<dpl_reef_l2_addr_batched_search>,
     .multicast_create = dpl_reef_l2_multicast_create,
     .multicast_bitmap_get = dpl_reef_l2_multicast_bitmap_get,
     .multicast_bitmap_set = dpl_reef_l2_multicast_bitmap_set,
@@ -1359,24 +1385,24 @@ extern const reef_l2_dispatch_t reef_l2_dispatch = {
     .multicast_port_attribute_set = dpl_reef_l2_multicast_port_attribute_set,
     .multicast_port_attribute_get = dpl_reef_l2_multicast_port_attribute_get,
     .multicast_destroy = dpl_reef_l2_multicast_destroy,
-    .mac_clear_all = dpl_reef_l2_mac_clear_all,
-    .age_control_get = dpl_reef_l2_age_control_get,
-    .age_control_set = dpl_reef_l2_age_control_set,
-    .learn_control_get = dpl_reef_l2_learn_control_get,
-    .learn_control_set = dpl_reef_l2_learn_control_set,
-    .control_get = dpl_reef_l2_control_get,
-    .control_set = dpl_reef_l2_control_set,
-    .port_control_get = dpl_reef_l2_port_control_get,
-    .port_control_set = dpl_reef_l2_port_control_set,
+    .mac_clear_all = _on_table<dpl_reef_l2_mac_clear_all>,
+    .age_control_get = _on_table<dpl_reef_l2_age_control_get>,
+    .age_control_set = _on_table<dpl_reef_l2_age_control_set>,
+    .learn_control_get = _on_table<dpl_reef_l2_learn_control_get>,
+    .learn_control_set = _on_table<dpl_reef_l2_learn_control_set>,
+    .control_get = _on_table<dpl_reef_l2_control_get>,
+    .control_set = _on_table<dpl_reef_l2_control_set>,
+    .port_control_get = _on_table<dpl_reef_l2_port_control_get>,
+    .port_control_set = _on_table<dpl_reef_l2_port_control_set>,
     .vlan_control_get = dpl_reef_l2_vlan_control_get,
     .vlan_control_set = dpl_reef_l2_vlan_control_set,
-    .port_move_pri_get = dpl_reef_l2_port_move_pri_get,
-    .port_move_pri_set = dpl_reef_l2_port_move_pri_set,
-    .learn_limit_get = dpl_reef_l2_learn_limit_get,
-    .learn_limit_set = dpl_reef_l2_learn_limit_set,
-    .mac_cnt_get = dpl_reef_l2_mac_cnt_get,
-    .addr_freeze = dpl_reef_l2_addr_freeze,
-    .addr_unfreeze = dpl_reef_l2_addr_unfreeze,
+    .port_move_pri_get = _on_table<dpl_reef_l2_port_move_pri_get>,
+    .port_move_pri_set = _on_table<dpl_reef_l2_port_move_pri_set>,
+    .learn_limit_get = _on_table<dpl_reef_l2_learn_limit_get>,
+    .learn_limit_set = _on_table<dpl_reef_l2_learn_limit_set>,
+    .mac_cnt_get = _on_table<dpl_reef_l2_mac_cnt_get>,
+    .addr_freeze = _on_table<dpl_reef_l2_addr_freeze>,
+    .addr_unfreeze = _on_table<dpl_reef_l2_addr_unfreeze>,
     .addr_register = _answer<SHR_E_NOT_SUPPORT, l2_addr_callback, void *>,
     .addr_unregister = _answer<SHR_E_NOT_SUPPORT, l2_addr_callback>,
     .protocol_add = nullptr,
@@ -1391,7 +1417,7 @@ extern const reef_l2_dispatch_t reef_l2_dispatch = {
     .thread_set_idling = _answer<SHR_E_NOT_SUPPORT, u32>,
     .thread_is_running = _answer<0>,
     .sync_get = _answer<SHR_E_NOT_SUPPORT, u32 *>,
-    .mac_entry_size_get = dpl_reef_l2_mac_entry_size_get,
+    .mac_entry_size_get = _on_table<dpl_reef_l2_mac_entry_size_get>,
     .mac_msg_parse = dpl_reef_l2_mac_msg_parse,
 };
 
