@@ -36,6 +36,16 @@ inline Chip &chip()
     return c;
 }
 
+// The next number of a xorshift sequence: the benchmarks' keys are spread
+// but the same from run to run.
+inline uint64_t next_random(uint64_t &x)
+{
+    x ^= x << 13;
+    x ^= x >> 7;
+    x ^= x << 17;
+    return x;
+}
+
 // Runs `op(i)` for i = 0, 1, ... in turn, `start` first; every `batch`
 // items, outside the timing, `refill` puts the chip's table back and i
 // starts again from 0.

@@ -27,9 +27,7 @@ std::vector<ecib_key> &keys()
         std::vector<ecib_key> out(kBatch);
         u64 x = 0x9E3779B97F4A7C15ull;
         for (ecib_key &k : out) {
-            x ^= x << 13;
-            x ^= x >> 7;
-            x ^= x << 17;
+            tide::bench::next_random(x);
             k = ecib_key{static_cast<u8>(x & 3), 0, static_cast<u8>((x >> 2) % 28),
                          static_cast<u16>((x >> 8) & 0xFFF), static_cast<u16>((x >> 20) & 0xFFF)};
         }

@@ -26,9 +26,7 @@ std::vector<l2_addr> &addresses()
         std::vector<l2_addr> out(kBatch);
         u64 x = 0x9E3779B97F4A7C15ull;
         for (l2_addr &a : out) {
-            x ^= x << 13;
-            x ^= x >> 7;
-            x ^= x << 17;
+            tide::bench::next_random(x);
             a.flags = L2_FLAG_KEY_VID | L2_FLAG_DEST_PORT;
             for (u32 i = 0; i < 6; i++) {
                 a.mac[i] = static_cast<u8>(x >> (8 * i));
