@@ -57,7 +57,9 @@ inline RowKey row_key(uint32_t chip, uint32_t block, uint32_t index)
 {
     tide_sim_tcam_row r{};
     RowKey k;
-    EXPECT_EQ(tide_sim_tcam_row_get(chip, block, index, &r), 0);
+    if (tide_sim_tcam_row_get(chip, block, index, &r) != 0) {
+        ADD_FAILURE() << "no row " << block << "." << index;
+    }
     k.valid = r.valid != 0;
     for (uint32_t w = 0; w < 10; w++) {
         k.key[w] = r.data[w];
