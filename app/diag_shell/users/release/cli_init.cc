@@ -82,6 +82,7 @@ void cli_cmd_init_all(void)
     // of the commands that every mode has; the chip model's own commands
     // come after the chip's families.
     cli_cmd_init_l2();
+    cli_cmd_init_acl();
     cli_cmd_init_port();
     cli_cmd_init_config();
     cli_cmd_init_common();
