@@ -12,7 +12,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <string>
 
 #include "app/diag_shell/users/release/cli_init.h"
 #include "app/diag_shell/users/release/cli_param.h"
@@ -243,6 +242,23 @@ i32 _item(i32 argc, char **argv, const char *const *names, u32 count, u32 defaul
     return SHR_E_NONE;
 }
 
+// An item command of an entry: the entry id, then the item's words
+// (`min_argc` words at least), handed to `call`.
+i32 _entry_item(u32 chip_id, i32 argc, char **argv, i32 min_argc, const char *const *names, u32 count,
+                u32 default_mask, const char *call_name, int32_t (*call)(uint32_t, uint32_t, acl_item *))
+{
+    u32 id = 0;
+    acl_item item{};
+    const i32 rc = argc < min_argc ? _bad_argc() : _item(argc, argv, names, count, default_mask, &item);
+    if (rc != SHR_E_NONE) {
+        return rc;
+    }
+    if (!_num(argv[0], &id)) {
+        return SHR_E_PARAM;
+    }
+    return _result(call_name, call(chip_id, id, &item));
+}
+
 // The lookup of `acl template <stage> ...`: base and id from argv[at] on;
 // `at` moves past them.
 bool _lookup_base(u32 chip_id, i32 argc, char **argv, i32 *at, acl_lookup *l)
@@ -340,7 +356,9 @@ i32 _port_controls_show(u32 chip_id, u32 lport, const char *pport)
         acl_control c{n.value, 0};
         const i32 rc = acl_api_port_control_get(chip_id, lport, &c);
         if (rc == SHR_E_NONE) {
-            cli_output_show(" %-9s", n.value <= ACL_PORT_IPSG_V6 ? _onoff(c.value) : std::to_string(c.value).c_str());
+            char number[12];
+            std::snprintf(number, sizeof(number), "%u", c.value);
+            cli_output_show(" %-9s", n.value <= ACL_PORT_IPSG_V6 ? _onoff(c.value) : number);
         } else if (rc == SHR_E_NOT_SUPPORT) {
             cli_output_show(" %-9s", "-");
         } else {
@@ -649,49 +667,29 @@ i32 cli_acl_entry_based_get(u32 chip_id, u32, i32 argc, char **argv)
 // acl entry WORD match add (<item>) WORD (WORD |)
 i32 cli_acl_entry_match_add(u32 chip_id, u32, i32 argc, char **argv)
 {
-    u32 id = 0;
-    acl_item item{};
-    i32 rc = argc < 3 ? _bad_argc() : _item(argc, argv, g_entry_match_id_name, ACL_MATCH_NULL, 0xFFFFFFFFu, &item);
-    if (rc != SHR_E_NONE || !_num(argv[0], &id)) {
-        return rc != SHR_E_NONE ? rc : SHR_E_PARAM;
-    }
-    return _result("acl_api_entry_match_field_set", acl_api_entry_match_field_set(chip_id, id, &item));
+    return _entry_item(chip_id, argc, argv, 3, g_entry_match_id_name, ACL_MATCH_NULL, 0xFFFFFFFFu,
+                       "acl_api_entry_match_field_set", acl_api_entry_match_field_set);
 }
 
 // acl entry WORD match del (<item>)
 i32 cli_acl_entry_match_delete(u32 chip_id, u32, i32 argc, char **argv)
 {
-    u32 id = 0;
-    acl_item item{};
-    i32 rc = _item(argc, argv, g_entry_match_id_name, ACL_MATCH_NULL, 0, &item);
-    if (rc != SHR_E_NONE || !_num(argv[0], &id)) {
-        return rc != SHR_E_NONE ? rc : SHR_E_PARAM;
-    }
-    return _result("acl_api_entry_match_field_remove", acl_api_entry_match_field_remove(chip_id, id, &item));
+    return _entry_item(chip_id, argc, argv, 2, g_entry_match_id_name, ACL_MATCH_NULL, 0,
+                       "acl_api_entry_match_field_remove", acl_api_entry_match_field_remove);
 }
 
 // acl entry WORD action add (<action>) (WORD (WORD |) |)
 i32 cli_acl_entry_action_add(u32 chip_id, u32, i32 argc, char **argv)
 {
-    u32 id = 0;
-    acl_item item{};
-    i32 rc = _item(argc, argv, g_entry_action_id_name, ACL_ACTION_NULL, 0, &item);
-    if (rc != SHR_E_NONE || !_num(argv[0], &id)) {
-        return rc != SHR_E_NONE ? rc : SHR_E_PARAM;
-    }
-    return _result("acl_api_entry_action_set", acl_api_entry_action_set(chip_id, id, &item));
+    return _entry_item(chip_id, argc, argv, 2, g_entry_action_id_name, ACL_ACTION_NULL, 0,
+                       "acl_api_entry_action_set", acl_api_entry_action_set);
 }
 
 // acl entry WORD action del (<action>)
 i32 cli_acl_entry_action_delete(u32 chip_id, u32, i32 argc, char **argv)
 {
-    u32 id = 0;
-    acl_item item{};
-    i32 rc = _item(argc, argv, g_entry_action_id_name, ACL_ACTION_NULL, 0, &item);
-    if (rc != SHR_E_NONE || !_num(argv[0], &id)) {
-        return rc != SHR_E_NONE ? rc : SHR_E_PARAM;
-    }
-    return _result("acl_api_entry_action_remove", acl_api_entry_action_remove(chip_id, id, &item));
+    return _entry_item(chip_id, argc, argv, 2, g_entry_action_id_name, ACL_ACTION_NULL, 0,
+                       "acl_api_entry_action_remove", acl_api_entry_action_remove);
 }
 
 // acl entry WORD pri WORD
