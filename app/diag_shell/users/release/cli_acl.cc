@@ -259,6 +259,30 @@ i32 _entry_item(u32 chip_id, i32 argc, char **argv, i32 min_argc, const char *co
     return _result(call_name, call(chip_id, id, &item));
 }
 
+// `<id> <verb>`: the call of the verb's row for the id.
+struct IdVerb {
+    const char *word;
+    const char *call_name;
+    int32_t (*call)(uint32_t, uint32_t);
+};
+i32 _id_verb(u32 chip_id, i32 argc, char **argv, const IdVerb (&verbs)[3])
+{
+    u32 id = 0;
+    if (argc < 2) {
+        return _bad_argc();
+    }
+    if (!_num(argv[0], &id)) {
+        return SHR_E_PARAM;
+    }
+    for (const IdVerb &v : verbs) {
+        if (std::strcmp(argv[1], v.word) == 0) {
+            return _result(v.call_name, v.call(chip_id, id));
+        }
+    }
+    cli_output_show("parameter %s is incorrect.\n", argv[1]);
+    return SHR_E_PARAM;
+}
+
 // The lookup of `acl template <stage> ...`: base and id from argv[at] on;
 // `at` moves past them.
 bool _lookup_base(u32 chip_id, i32 argc, char **argv, i32 *at, acl_lookup *l)
@@ -487,20 +511,10 @@ i32 cli_acl_group_get(u32 chip_id, u32, i32 argc, char **argv)
 // acl group WORD (destroy | install | uninstall)
 i32 cli_acl_group_set(u32 chip_id, u32, i32 argc, char **argv)
 {
-    u32 id = 0;
-    if (argc < 2) {
-        return _bad_argc();
-    }
-    if (!_num(argv[0], &id)) {
-        return SHR_E_PARAM;
-    }
-    if (std::strcmp(argv[1], "destroy") == 0) {
-        return _result("acl_api_group_destroy", acl_api_group_destroy(chip_id, id));
-    }
-    if (std::strcmp(argv[1], "install") == 0) {
-        return _result("acl_api_group_install", acl_api_group_install(chip_id, id));
-    }
-    return _result("acl_api_group_uninstall", acl_api_group_uninstall(chip_id, id));
+    static constexpr IdVerb verbs[] = {{"destroy", "acl_api_group_destroy", acl_api_group_destroy},
+                                       {"install", "acl_api_group_install", acl_api_group_install},
+                                       {"uninstall", "acl_api_group_uninstall", acl_api_group_uninstall}};
+    return _id_verb(chip_id, argc, argv, verbs);
 }
 
 // acl template vcap based (glb | port WORD) type (width-single | width-double)
@@ -585,20 +599,10 @@ i32 cli_acl_entry_create(u32 chip_id, u32, i32 argc, char **argv)
 // acl entry WORD (destroy | install | uninstall)
 i32 cli_acl_entry_set(u32 chip_id, u32, i32 argc, char **argv)
 {
-    u32 id = 0;
-    if (argc < 2) {
-        return _bad_argc();
-    }
-    if (!_num(argv[0], &id)) {
-        return SHR_E_PARAM;
-    }
-    if (std::strcmp(argv[1], "destroy") == 0) {
-        return _result("acl_api_entry_destroy", acl_api_entry_destroy(chip_id, id));
-    }
-    if (std::strcmp(argv[1], "install") == 0) {
-        return _result("acl_api_entry_install", acl_api_entry_install(chip_id, id));
-    }
-    return _result("acl_api_entry_uninstall", acl_api_entry_uninstall(chip_id, id));
+    static constexpr IdVerb verbs[] = {{"destroy", "acl_api_entry_destroy", acl_api_entry_destroy},
+                                       {"install", "acl_api_entry_install", acl_api_entry_install},
+                                       {"uninstall", "acl_api_entry_uninstall", acl_api_entry_uninstall}};
+    return _id_verb(chip_id, argc, argv, verbs);
 }
 
 // acl entry WORD template (<template>)
