@@ -157,6 +157,26 @@ i32 _item_id_check(u32 chip_id, const acl_item *item, u32 count, const char *wha
     return 0;
 }
 
+// An edit of an entry's items: the item's id checked, then, under the
+// lock, the entry found editable and `edit` run on it; a done edit marks
+// the entry dirty.
+template <typename Edit>
+i32 _item_edit(u32 chip_id, u32 entry_id, const acl_item *item, u32 count, const char *what, Edit edit)
+{
+    i32 rc = _item_id_check(chip_id, item, count, what);
+    if (rc != 0) {
+        return rc;
+    }
+    ACL_LOCK(chip_id);
+    dpl_acl_entry *e = nullptr;
+    rc = _entry_editable(chip_id, entry_id, &e);
+    rc = rc != 0 ? rc : edit(e);
+    if (rc == 0) {
+        e->state |= ACL_ENTRY_DIRTY;
+    }
+    return rc;
+}
+
 } // namespace
 
 extern "C" {
@@ -365,91 +385,49 @@ i32 dpl_reef_acl_entry_based_mode_get(u32 chip_id, u32 entry_id, u32 *mode)
 
 i32 dpl_reef_acl_entry_match_field_add(u32 chip_id, u32 entry_id, acl_item *item)
 {
-    i32 rc = _item_id_check(chip_id, item, ACL_MATCH_NULL, "match item");
-    if (rc != 0) {
-        return rc;
-    }
-    ACL_LOCK(chip_id);
-    dpl_acl_entry *e = nullptr;
-    rc = _entry_editable(chip_id, entry_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    if (e->template_id == ACL_TEMPLATE_NONE) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "template not set, entry_id %u\n", entry_id);
-        return SHR_E_CONFIG;
-    }
-    if (!dpl_acl_bit_get(e->match_support, item->id)) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "item not support, type %u entry_id %u\n", item->id, entry_id);
-        return SHR_E_NOT_SUPPORT;
-    }
-    rc = dpl_reef_acl_template_match_type_conflict_check(chip_id, e->template_id, e->match_set, item->id);
-    rc = rc != 0 ? rc : _item_store(&e->match[item->id], e->match_set, *item);
-    if (rc == 0) {
-        e->state |= ACL_ENTRY_DIRTY;
-    }
-    return rc;
+    return _item_edit(chip_id, entry_id, item, ACL_MATCH_NULL, "match item", [&](dpl_acl_entry *e) -> i32 {
+        if (e->template_id == ACL_TEMPLATE_NONE) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "template not set, entry_id %u\n", entry_id);
+            return SHR_E_CONFIG;
+        }
+        if (!dpl_acl_bit_get(e->match_support, item->id)) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "item not support, type %u entry_id %u\n", item->id, entry_id);
+            return SHR_E_NOT_SUPPORT;
+        }
+        const i32 rc = dpl_reef_acl_template_match_type_conflict_check(chip_id, e->template_id, e->match_set, item->id);
+        return rc != 0 ? rc : _item_store(&e->match[item->id], e->match_set, *item);
+    });
 }
 
 i32 dpl_reef_acl_entry_match_field_remove(u32 chip_id, u32 entry_id, acl_item *item)
 {
-    i32 rc = _item_id_check(chip_id, item, ACL_MATCH_NULL, "match item");
-    if (rc != 0) {
-        return rc;
-    }
-    ACL_LOCK(chip_id);
-    dpl_acl_entry *e = nullptr;
-    rc = _entry_editable(chip_id, entry_id, &e);
-    rc = rc != 0 ? rc : _item_remove(chip_id, &e->match[item->id], e->match_set, item->id, "match item", entry_id);
-    if (rc == 0) {
-        e->state |= ACL_ENTRY_DIRTY;
-    }
-    return rc;
+    return _item_edit(chip_id, entry_id, item, ACL_MATCH_NULL, "match item", [&](dpl_acl_entry *e) {
+        return _item_remove(chip_id, &e->match[item->id], e->match_set, item->id, "match item", entry_id);
+    });
 }
 
 i32 dpl_reef_acl_entry_action_add(u32 chip_id, u32 entry_id, acl_item *item)
 {
-    i32 rc = _item_id_check(chip_id, item, ACL_ACTION_NULL, "action");
-    if (rc != 0) {
-        return rc;
-    }
-    ACL_LOCK(chip_id);
-    dpl_acl_entry *e = nullptr;
-    rc = _entry_editable(chip_id, entry_id, &e);
-    if (rc != 0) {
-        return rc;
-    }
-    if (!dpl_acl_bit_get(e->group->action_support, item->id)) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "action not support, action %u entry_id %u\n", item->id, entry_id);
-        return SHR_E_NOT_SUPPORT;
-    }
-    if (dpl_acl_bit_get(e->action_set, item->id)) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "action exists, action %u entry_id %u\n", item->id, entry_id);
-        return SHR_E_EXISTS;
-    }
-    rc = _action_bind(chip_id, e, item);
-    rc = rc != 0 ? rc : dpl_reef_acl_template_action_conflict_check(chip_id, e->group->fp_type, e->action_set, item->id);
-    rc = rc != 0 ? rc : _item_store(&e->action[item->id], e->action_set, *item);
-    if (rc == 0) {
-        e->state |= ACL_ENTRY_DIRTY;
-    }
-    return rc;
+    return _item_edit(chip_id, entry_id, item, ACL_ACTION_NULL, "action", [&](dpl_acl_entry *e) -> i32 {
+        if (!dpl_acl_bit_get(e->group->action_support, item->id)) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "action not support, action %u entry_id %u\n", item->id, entry_id);
+            return SHR_E_NOT_SUPPORT;
+        }
+        if (dpl_acl_bit_get(e->action_set, item->id)) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "action exists, action %u entry_id %u\n", item->id, entry_id);
+            return SHR_E_EXISTS;
+        }
+        i32 rc = _action_bind(chip_id, e, item);
+        rc = rc != 0 ? rc : dpl_reef_acl_template_action_conflict_check(chip_id, e->group->fp_type, e->action_set, item->id);
+        return rc != 0 ? rc : _item_store(&e->action[item->id], e->action_set, *item);
+    });
 }
 
 i32 dpl_reef_acl_entry_action_remove(u32 chip_id, u32 entry_id, acl_item *item)
 {
-    i32 rc = _item_id_check(chip_id, item, ACL_ACTION_NULL, "action");
-    if (rc != 0) {
-        return rc;
-    }
-    ACL_LOCK(chip_id);
-    dpl_acl_entry *e = nullptr;
-    rc = _entry_editable(chip_id, entry_id, &e);
-    rc = rc != 0 ? rc : _item_remove(chip_id, &e->action[item->id], e->action_set, item->id, "action", entry_id);
-    if (rc == 0) {
-        e->state |= ACL_ENTRY_DIRTY;
-    }
-    return rc;
+    return _item_edit(chip_id, entry_id, item, ACL_ACTION_NULL, "action", [&](dpl_acl_entry *e) {
+        return _item_remove(chip_id, &e->action[item->id], e->action_set, item->id, "action", entry_id);
+    });
 }
 
 i32 dpl_reef_acl_entry_info_get(u32 chip_id, u32 entry_id, acl_entry_info *info)
