@@ -474,6 +474,25 @@ int tide_sim_tcam_row_set(uint32_t chip, uint32_t block, uint32_t index, const t
     });
 }
 
+int tide_sim_tcam_search(uint32_t chip, const uint32_t key[10], uint32_t bits, uint32_t block_bitmap,
+                         uint32_t *block, uint32_t *index)
+{
+    if (block == nullptr || index == nullptr) {
+        return -20;
+    }
+    if (bits > 32 * tide::sim::TcamEngine::kPlaneWords) {
+        return _chip_status(chip) != 0 ? _chip_status(chip) : -4;
+    }
+    int hit = 0;
+    const int rc = _tcam_row(chip, key, [&](const tide::sim::TcamEngine &t) {
+        tide::sim::TcamEngine::Plane k{};
+        std::copy(key, key + k.size(), k.begin());
+        hit = t.search_right_aligned(k, bits, block_bitmap, block, index) ? 1 : 0;
+        return true;
+    });
+    return rc != 0 ? rc : hit ? 0 : -9;
+}
+
 int tide_sim_packet_inject(uint32_t chip, uint32_t lport, const uint8_t *frame, uint32_t len)
 {
     return _on_packet_path(chip, lport, frame != nullptr, [&](tide::sim::Pipeline &pl) {

@@ -82,7 +82,8 @@ const char *cause_name(uint32_t cause, bool to_cpu);
 
 constexpr uint32_t kPorts = 32;
 constexpr uint32_t kCpuPort = 31;
-constexpr uint32_t kMaxEntryWords = 8;
+// Widest entry of a table the stages read (the ingress port row: 261 bits).
+constexpr uint32_t kMaxEntryWords = 9;
 
 // What the ARL made of the destination MAC.
 enum class DaKind : uint8_t { kUnicast, kMulticast, kBroadcast };

@@ -304,6 +304,12 @@ bool TcamEngine::search(const Plane &key, uint32_t bitmap, uint32_t *block, uint
     return false;
 }
 
+bool TcamEngine::search_right_aligned(const Plane &key, uint32_t bits, uint32_t bitmap, uint32_t *block,
+                                      uint32_t *index) const
+{
+    return bits <= kTotalBits && search(_shift(key, -static_cast<int>(kTotalBits - bits)), bitmap, block, index);
+}
+
 // A search command searches only while test_search_en is 1; otherwise it
 // finishes without a hit.
 void TcamEngine::run_search()

@@ -67,6 +67,10 @@ public:
     // top bits of a 320-bit number, key[0] holding bits 31..0) in ascending
     // block id among the blocks of `bitmap`, then in ascending index.
     bool search(const Plane &key, uint32_t bitmap, uint32_t *block, uint32_t *index) const;
+    // The same with a key of `bits` bits held right-aligned (bit i in word
+    // i / 32), as a row holds it.
+    bool search_right_aligned(const Plane &key, uint32_t bits, uint32_t bitmap, uint32_t *block,
+                              uint32_t *index) const;
 
 private:
     static constexpr uint32_t kDataRegs = 10;

@@ -10,6 +10,7 @@ for want in init_api_base_software_process init_api_software_process init_api_ha
     deinit_api_software_process base_api_reg_set_by_addr base_api_reg_get_by_addr base_api_control_get \
     port_api_config_get port_api_enable_get port_api_reset \
     l2_api_addr_add l2_api_addr_get l2_api_addr_del l2_api_mac_msg_parse l2_api_protocol_traverse \
+    acl_api_group_create acl_api_entry_install acl_api_global_cfg_get \
     l3_api_iif_create pkt_api_init pkt_api_deinit shr_errmsg shr_chip_valid_get xsal_malloc \
     hal_ui_os_ops_set cli_cmd_execute cli_ctree_getprompt cli_server_main cli_server_wait cli_server_exit \
     cli_server_socket_path_set cli_server_add_init_cmd cli_output_show output_show_console cli_portmap_register \
@@ -21,7 +22,8 @@ for want in init_api_base_software_process init_api_software_process init_api_ha
 done
 for hidden in hal_ui_reg_read_32 csl_reg_read32 dpl_reef_soft_init dpl_lock_take cli_cmdstr_parse thread_main \
     dpl_reef_port_enable_set csl_port_valid_check cmd_hash_find msg_send pack_struct cli_pport_to_lport \
-    dpl_reef_l2_addr_add csl_reef_hash_l2_mac_add csl_reef_hash_l2_mac_appointed_insert; do
+    dpl_reef_l2_addr_add csl_reef_hash_l2_mac_add csl_reef_hash_l2_mac_appointed_insert \
+    dpl_reef_acl_tcam_alloc_entry dpl_reef_acl_group_create; do
     if echo "$syms" | grep -qx "$hidden"; then
         echo "internal symbol exported: $hidden"
         fail=1

@@ -1,4 +1,5 @@
 /* Every public header compiles as C99 on its own. */
+#include <tide/acl.h>
 #include <tide/base.h>
 #include <tide/cli.h>
 #include <tide/hal_os.h>

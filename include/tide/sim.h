@@ -124,6 +124,14 @@ typedef struct tide_sim_tcam_row {
 } tide_sim_tcam_row;
 TIDE_API int tide_sim_tcam_row_get(uint32_t chip, uint32_t block, uint32_t index, tide_sim_tcam_row *row);
 TIDE_API int tide_sim_tcam_row_set(uint32_t chip, uint32_t block, uint32_t index, const tide_sim_tcam_row *row);
+/* The chip's search as the lookups of its stages run it, without its
+ * command registers (so it disturbs no command of the CPU in progress):
+ * the first valid row that matches `key` (`bits` wide, up to 320, held
+ * right-aligned as a row holds it) in ascending block id among the blocks
+ * of `block_bitmap`, then in ascending index.  0 with its place, -9 when
+ * nothing matches, -4 for a width beyond 320, -20 for NULL. */
+TIDE_API int tide_sim_tcam_search(uint32_t chip, const uint32_t key[10], uint32_t bits, uint32_t block_bitmap,
+                                  uint32_t *block, uint32_t *index);
 
 /* The exact-match engine of the egress translation as the chip holds it:
  * row `row` of `memory` (0 barrel 0, 1 barrel 1, 2 the CAM) in words of 32

@@ -5,6 +5,7 @@
 #ifndef TIDE_TIDE_H
 #define TIDE_TIDE_H
 
+#include <tide/acl.h>
 #include <tide/base.h>
 #include <tide/cli.h>
 #include <tide/init.h>

@@ -10,6 +10,7 @@
 #ifndef TIDE_API_FAMILIES_H
 #define TIDE_API_FAMILIES_H
 
+#include <tide/acl.h>
 #include <tide/base.h>
 #include <tide/init.h>
 #include <tide/l2.h>
@@ -197,5 +198,49 @@ API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
        (chip_id, buf, len, out, count), )
 
 API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
+
+/* ---- acl: the operations of groups, entries, lookups and controls, in the
+ * order of the family's slots; PTRS marks those whose pointer arguments
+ * the guard checks before the chip ------------------------------------------ */
+#define TIDE_ACL_OPS(OP)                                                                                      \
+    OP(group_create, (u32 chip_id, u32 flags, u32 *group_id), (chip_id, flags, group_id), PTRS)               \
+    OP(group_set, (u32 chip_id, u32 group_id, acl_group_para *para), (chip_id, group_id, para), )             \
+    OP(group_get, (u32 chip_id, u32 group_id, acl_group_info *info), (chip_id, group_id, info), PTRS)         \
+    OP(group_traverse, (u32 chip_id, acl_group_traverse_cb fn, void *user), (chip_id, fn, user), )            \
+    OP(group_destroy, (u32 chip_id, u32 group_id), (chip_id, group_id), )                                     \
+    OP(template_config_set, (u32 chip_id, acl_lookup *lookup), (chip_id, lookup), PTRS)                       \
+    OP(template_config_get, (u32 chip_id, acl_lookup *lookup), (chip_id, lookup), PTRS)                       \
+    OP(action_support_get, (u32 chip_id, u32 type, u32 mode, u32 *bitmap), (chip_id, type, mode, bitmap),     \
+       PTRS)                                                                                                  \
+    OP(match_support_get, (u32 chip_id, u32 template_id, u32 *bitmap), (chip_id, template_id, bitmap), PTRS)  \
+    OP(group_install, (u32 chip_id, u32 group_id), (chip_id, group_id), )                                     \
+    OP(group_uninstall, (u32 chip_id, u32 group_id), (chip_id, group_id), )                                   \
+    OP(entry_create, (u32 chip_id, u32 flags, u32 priority, u32 group_id, u32 *entry_id),                     \
+       (chip_id, flags, priority, group_id, entry_id), PTRS)                                                  \
+    OP(entry_template_set, (u32 chip_id, u32 entry_id, u32 template_id), (chip_id, entry_id, template_id), )  \
+    OP(entry_template_get, (u32 chip_id, u32 entry_id, u32 *template_id), (chip_id, entry_id, template_id),   \
+       PTRS)                                                                                                  \
+    OP(entry_based_set, (u32 chip_id, u32 entry_id, u32 mode), (chip_id, entry_id, mode), )                   \
+    OP(entry_based_get, (u32 chip_id, u32 entry_id, u32 *mode), (chip_id, entry_id, mode), PTRS)              \
+    OP(entry_destroy, (u32 chip_id, u32 entry_id), (chip_id, entry_id), )                                     \
+    OP(entry_install, (u32 chip_id, u32 entry_id), (chip_id, entry_id), )                                     \
+    OP(entry_uninstall, (u32 chip_id, u32 entry_id), (chip_id, entry_id), )                                   \
+    OP(entry_match_field_set, (u32 chip_id, u32 entry_id, acl_item *item), (chip_id, entry_id, item), PTRS)   \
+    OP(entry_match_field_remove, (u32 chip_id, u32 entry_id, acl_item *item), (chip_id, entry_id, item), PTRS) \
+    OP(entry_action_set, (u32 chip_id, u32 entry_id, acl_item *item), (chip_id, entry_id, item), PTRS)        \
+    OP(entry_action_remove, (u32 chip_id, u32 entry_id, acl_item *item), (chip_id, entry_id, item), PTRS)     \
+    OP(entry_get, (u32 chip_id, u32 entry_id, acl_entry_info *info), (chip_id, entry_id, info), PTRS)         \
+    OP(entry_traverse, (u32 chip_id, acl_entry_traverse_cb fn, void *user), (chip_id, fn, user), )            \
+    OP(entry_traverse_in_group, (u32 chip_id, u32 group_id, acl_entry_traverse_cb fn, void *user),            \
+       (chip_id, group_id, fn, user), )                                                                       \
+    OP(entry_pri_set, (u32 chip_id, u32 entry_id, u32 priority), (chip_id, entry_id, priority), )             \
+    OP(port_control_set, (u32 chip_id, u32 port, acl_control *control), (chip_id, port, control), PTRS)       \
+    OP(port_control_get, (u32 chip_id, u32 port, acl_control *control), (chip_id, port, control), PTRS)       \
+    OP(vlan_control_set, (u32 chip_id, u32 vid, acl_control *control), (chip_id, vid, control), PTRS)         \
+    OP(vlan_control_get, (u32 chip_id, u32 vid, acl_control *control), (chip_id, vid, control), PTRS)         \
+    OP(global_cfg_set, (u32 chip_id, u32 flag, acl_global_cfg *cfg), (chip_id, flag, cfg), PTRS)              \
+    OP(global_cfg_get, (u32 chip_id, u32 flag, acl_global_cfg *cfg), (chip_id, flag, cfg), PTRS)
+
+API_DECLARE_FAMILY(acl, TIDE_ACL_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

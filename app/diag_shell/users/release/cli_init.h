@@ -40,6 +40,7 @@ void cli_cmd_descs_link(cli_cmd_desc *descs, cli_cmd_item *items, u32 count, u32
 void cli_cmd_init_l2(void);
 /* The `hash` commands of mode `base`. */
 void cli_cmd_init_base_hash(void);
+void cli_cmd_init_acl(void);
 void cli_cmd_init_port(void);
 void cli_cmd_init_config(void);
 void cli_cmd_init_common(void);

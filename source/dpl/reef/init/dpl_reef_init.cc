@@ -10,6 +10,7 @@
 #include "csl/common/port/csl_port.h"
 #include "csl/common/reg_tab/csl_reg.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "dpl/reef/acl/dpl_reef_acl.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/init/dpl_reef_init.h"
@@ -32,10 +33,12 @@ constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
+    {"acl", dpl_reef_acl_fp_soft_init, nullptr},
 };
 
 // Software deinit, in order.
 constexpr dpl_step kSoftDeinit[] = {
+    {"acl", dpl_reef_acl_fp_soft_deinit, "[SOFT-DEINIT: %13s]init failed!!!!!!![ret=%d]\r\n"},
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
@@ -47,6 +50,7 @@ constexpr dpl_step kSoftDeinit[] = {
 constexpr dpl_step kHwInit[] = {
     {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
+    {"acl", dpl_reef_acl_fp_hw_init, nullptr},
     {"l2", dpl_reef_l2_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
 };
