@@ -12,6 +12,7 @@
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
+#include "dpl/reef/mcc/dpl_reef_mcc.h"
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
@@ -31,12 +32,14 @@ struct dpl_step {
 constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
+    {"mcc", dpl_reef_mcc_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
 };
 
 // Software deinit, in order.
 constexpr dpl_step kSoftDeinit[] = {
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
+    {"mcc", dpl_reef_mcc_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
 };
@@ -48,11 +51,13 @@ constexpr dpl_step kHwInit[] = {
     {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
     {"l2", dpl_reef_l2_hw_init, nullptr},
+    {"mcc", dpl_reef_mcc_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
 };
 
 // Hardware deinit, in order.
 constexpr dpl_step kHwDeinit[] = {
+    {"mcc", dpl_reef_mcc_hw_deinit, nullptr},
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
 };
