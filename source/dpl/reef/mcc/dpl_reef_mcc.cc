@@ -83,6 +83,34 @@ mleaf_node *&_leaf_slot(u32 chip_id, u32 leaf)
     return g_mcc_table_info[chip_id]->leaf[leaf];
 }
 
+mrt_root_node *&_root_slot(u32 chip_id, u32 mrt_index)
+{
+    return g_mcc_table_info[chip_id]->root[mrt_index];
+}
+
+// A record copied out under the lock: -20 with `null_line` for a NULL out
+// pointer, the id's check, -7 when the id holds no record.
+template <typename Rec, i32 (*Check)(u32, u32), Rec *&(*Slot)(u32, u32)>
+i32 _record_get(u32 chip_id, u32 id, Rec *out, const char *null_line)
+{
+    if (out == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "%s", null_line);
+        return SHR_E_NULL_PTR;
+    }
+    i32 rc = _dpl_reef_mcc_chip_check(chip_id);
+    rc = rc != 0 ? rc : Check(chip_id, id);
+    if (rc != 0) {
+        return rc;
+    }
+    MccLock hold(chip_id);
+    const Rec *rec = Slot(chip_id, id);
+    if (rec == nullptr) {
+        return SHR_E_NOT_FOUND;
+    }
+    *out = *rec;
+    return 0;
+}
+
 void _leaf_free(u32 chip_id, u32 leaf)
 {
     xsal_mem_free(_leaf_slot(chip_id, leaf));
@@ -530,42 +558,14 @@ i32 dpl_reef_mcc_del_all_copy(u32 chip_id, u32 mrt_index)
 
 i32 dpl_reef_mcc_get_mrt_root_node(u32 chip_id, u32 mrt_index, mrt_root_node *root)
 {
-    if (root == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "\n\r mrt_root_node is NULL \n\r");
-        return SHR_E_NULL_PTR;
-    }
-    i32 rc = _dpl_reef_mcc_chip_check(chip_id);
-    rc = rc != 0 ? rc : _root_id_check(chip_id, mrt_index);
-    if (rc != 0) {
-        return rc;
-    }
-    MccLock hold(chip_id);
-    const mrt_root_node *rec = g_mcc_table_info[chip_id]->root[mrt_index];
-    if (rec == nullptr) {
-        return SHR_E_NOT_FOUND;
-    }
-    *root = *rec;
-    return 0;
+    return _record_get<mrt_root_node, _root_id_check, _root_slot>(chip_id, mrt_index, root,
+                                                                  "\n\r mrt_root_node is NULL \n\r");
 }
 
 i32 dpl_reef_mcc_get_mlib_leaf_node(u32 chip_id, u32 leaf_index, mleaf_node *leaf)
 {
-    if (leaf == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "\n\r mleaf_node is NULL \n\r");
-        return SHR_E_NULL_PTR;
-    }
-    i32 rc = _dpl_reef_mcc_chip_check(chip_id);
-    rc = rc != 0 ? rc : _leaf_id_check(chip_id, leaf_index);
-    if (rc != 0) {
-        return rc;
-    }
-    MccLock hold(chip_id);
-    const mleaf_node *rec = _leaf_slot(chip_id, leaf_index);
-    if (rec == nullptr) {
-        return SHR_E_NOT_FOUND;
-    }
-    *leaf = *rec;
-    return 0;
+    return _record_get<mleaf_node, _leaf_id_check, _leaf_slot>(chip_id, leaf_index, leaf,
+                                                               "\n\r mleaf_node is NULL \n\r");
 }
 
 i32 dpl_reef_mcc_mrt_mlib_tree_traverse(u32 chip_id, dpl_reef_mcc_tree_cb fn, void *user)

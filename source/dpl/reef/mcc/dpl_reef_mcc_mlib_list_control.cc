@@ -619,6 +619,29 @@ i32 _group_call(u32 chip_id, u32 mrt_id, const void *a, const void *b, mrt_group
     return 0;
 }
 
+// The member a call names: `cfg` gets its edit completed from its key,
+// `rec` the group's record of it (NULL when it is no member).
+i32 _member_lookup(u32 chip_id, const mrt_group *g, const mcc_member *member, const mcc_port_config &config,
+                   mcc_port_config *cfg, mlib_node **rec)
+{
+    *cfg = config;
+    const i32 rc = dpl_reef_mcc_port_config_refresh(chip_id, member, cfg);
+    *rec = rc == 0 ? _tree_find(g->mlib_entry, cfg->oport_inf_causeid) : nullptr;
+    return rc;
+}
+
+// The same for a member that must be in the group: -7 with the line.
+i32 _member_present(u32 chip_id, const mrt_group *g, const mcc_member *member, const mcc_port_config &config,
+                    mcc_port_config *cfg, mlib_node **rec)
+{
+    const i32 rc = _member_lookup(chip_id, g, member, config, cfg, rec);
+    if (rc == 0 && *rec == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "member 0x%x is not in group %u\n", cfg->oport_inf_causeid, g->mrt_id);
+        return SHR_E_NOT_FOUND;
+    }
+    return rc;
+}
+
 // ---- compression ------------------------------------------------------------------------------
 
 // Moves every root of `other` onto `kept`, whose text holds the other's,
@@ -651,32 +674,39 @@ i32 _dpl_reef_mlib_compress_refresh(u32 chip_id, mlib_group *kept, mlib_group *o
     return rc;
 }
 
+// The first pair of chains, in list order, of which one's text holds the
+// other's and whose edits agree: `kept` the holder, `other` the held.
+bool _compress_pair(u32 chip_id, mlib_group **kept, mlib_group **other)
+{
+    for (mlib_group *a = g_mcc_mlist_group_head[chip_id]; a != nullptr; a = a->next) {
+        for (mlib_group *b = g_mcc_mlist_group_head[chip_id]; b != nullptr; b = b->next) {
+            if (a == b || a->node_cnt == 0 || b->node_cnt == 0) {
+                continue;
+            }
+            const bool a_holds = strstr(a->node_buf, b->node_buf) != nullptr;
+            if (!a_holds && strstr(b->node_buf, a->node_buf) == nullptr) {
+                continue;
+            }
+            if (_tree_agree(a->mlib_entry, b->mlib_entry, nullptr)) {
+                *kept = a_holds ? a : b;
+                *other = a_holds ? b : a;
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 // One pass: merges pairs of chains that agree until none is left (0) or
-// 100 merges were made (-10: there may be more).
+// 100 merges were made (-10: there may be more).  A merge destroys a
+// chain, so every merge starts the search over.
 i32 _dpl_reef_mlib_group_compress_busy(u32 chip_id)
 {
-    u32 merges = 0;
-    bool again = true;
-    while (again) {
-        again = false;
-        for (mlib_group *a = g_mcc_mlist_group_head[chip_id]; a != nullptr && !again; a = a->next) {
-            for (mlib_group *b = g_mcc_mlist_group_head[chip_id]; b != nullptr && !again; b = b->next) {
-                if (a == b || a->node_cnt == 0 || b->node_cnt == 0) {
-                    continue;
-                }
-                const bool a_holds = strstr(a->node_buf, b->node_buf) != nullptr;
-                if (!a_holds && strstr(b->node_buf, a->node_buf) == nullptr) {
-                    continue;
-                }
-                if (!_tree_agree(a->mlib_entry, b->mlib_entry, nullptr)) {
-                    continue;
-                }
-                _dpl_reef_mlib_compress_refresh(chip_id, a_holds ? a : b, a_holds ? b : a);
-                again = true;
-                if (++merges >= kCompressMerges) {
-                    return SHR_E_BUSY;
-                }
-            }
+    mlib_group *kept = nullptr, *other = nullptr;
+    for (u32 merges = 0; _compress_pair(chip_id, &kept, &other);) {
+        _dpl_reef_mlib_compress_refresh(chip_id, kept, other);
+        if (++merges >= kCompressMerges) {
+            return SHR_E_BUSY;
         }
     }
     return 0;
@@ -907,17 +937,18 @@ i32 dpl_reef_mcc_group_port_add(u32 chip_id, u32 mrt_id, const mcc_member *membe
         return rc;
     }
     MccLock hold(chip_id);
-    mcc_port_config cfg = *config;
-    rc = dpl_reef_mcc_port_config_refresh(chip_id, member, &cfg);
+    mcc_port_config cfg{};
+    mlib_node *rec = nullptr;
+    rc = _member_lookup(chip_id, g, member, *config, &cfg, &rec);
     if (rc != 0) {
         return rc;
     }
-    if (_tree_find(g->mlib_entry, cfg.oport_inf_causeid) != nullptr) {
+    if (rec != nullptr) {
         SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "member 0x%x is in group %u already\n", cfg.oport_inf_causeid, mrt_id);
         return SHR_E_EXISTS;
     }
     _room_for(chip_id, g->rep_cnt + 1);
-    mlib_node *rec = _member_new(cfg);
+    rec = _member_new(cfg);
     if (rec == nullptr || _tree_insert(g->mlib_entry, rec) != 0) {
         xsal_mem_free(rec);
         return SHR_E_MEMORY;
@@ -938,15 +969,11 @@ i32 dpl_reef_mcc_group_port_del(u32 chip_id, u32 mrt_id, const mcc_member *membe
         return rc;
     }
     MccLock hold(chip_id);
-    mcc_port_config cfg = *config;
-    rc = dpl_reef_mcc_port_config_refresh(chip_id, member, &cfg);
+    mcc_port_config cfg{};
+    mlib_node *rec = nullptr;
+    rc = _member_present(chip_id, g, member, *config, &cfg, &rec);
     if (rc != 0) {
         return rc;
-    }
-    mlib_node *rec = _tree_find(g->mlib_entry, cfg.oport_inf_causeid);
-    if (rec == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "member 0x%x is not in group %u\n", cfg.oport_inf_causeid, mrt_id);
-        return SHR_E_NOT_FOUND;
     }
     _room_for(chip_id, g->rep_cnt - 1);
     shr_avl_delete(g->mlib_entry, rec);
@@ -968,15 +995,11 @@ i32 dpl_reef_mcc_group_port_config(u32 chip_id, u32 mrt_id, const mcc_member *me
         return rc;
     }
     MccLock hold(chip_id);
-    mcc_port_config cfg = *config;
-    rc = dpl_reef_mcc_port_config_refresh(chip_id, member, &cfg);
+    mcc_port_config cfg{};
+    mlib_node *rec = nullptr;
+    rc = _member_present(chip_id, g, member, *config, &cfg, &rec);
     if (rc != 0) {
         return rc;
-    }
-    mlib_node *rec = _tree_find(g->mlib_entry, cfg.oport_inf_causeid);
-    if (rec == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "member 0x%x is not in group %u\n", cfg.oport_inf_causeid, mrt_id);
-        return SHR_E_NOT_FOUND;
     }
     if (dpl_reef_mcc_mlib_elb_cmp(&rec->port_config, &cfg) == 0) {
         return 0;
@@ -1110,8 +1133,8 @@ i32 dpl_reef_mcc_group_port_config_get(u32 chip_id, u32 mrt_id, const mcc_member
     }
     MccLock hold(chip_id);
     mcc_port_config probe{};
-    rc = dpl_reef_mcc_port_config_refresh(chip_id, member, &probe);
-    const mlib_node *rec = rc == 0 ? _tree_find(g->mlib_entry, probe.oport_inf_causeid) : nullptr;
+    mlib_node *rec = nullptr;
+    rc = _member_lookup(chip_id, g, member, probe, &probe, &rec);
     if (rec == nullptr) {
         return rc != 0 ? rc : SHR_E_NOT_FOUND;
     }
