@@ -88,6 +88,13 @@ mrt_root_node *&_root_slot(u32 chip_id, u32 mrt_index)
     return g_mcc_table_info[chip_id]->root[mrt_index];
 }
 
+// The record of a root id, or NULL (also for a chip without records).
+mrt_root_node *_root_rec(u32 chip_id, u32 mrt_index)
+{
+    const dpl_reef_mcc_table_info *t = chip_id < SHR_MAX_CHIPS ? g_mcc_table_info[chip_id] : nullptr;
+    return t != nullptr && mrt_index <= DPL_MCC_MRT_IDS ? t->root[mrt_index] : nullptr;
+}
+
 // A record copied out under the lock: -20 with `null_line` for a NULL out
 // pointer, the id's check, -7 when the id holds no record.
 template <typename Rec, i32 (*Check)(u32, u32), Rec *&(*Slot)(u32, u32)>
@@ -442,7 +449,7 @@ i32 dpl_reef_mcc_increment_copy(u32 chip_id, u32 mrt_index, u32 *leaf_index)
         return rc;
     }
     MccLock hold(chip_id);
-    mrt_root_node *root = g_mcc_table_info[chip_id]->root[mrt_index];
+    mrt_root_node *root = _root_rec(chip_id, mrt_index);
     if (root == nullptr) {
         return SHR_E_NOT_FOUND;
     }
@@ -493,7 +500,7 @@ i32 dpl_reef_mcc_decrement_copy(u32 chip_id, u32 mrt_index, u32 leaf_index)
         return rc;
     }
     MccLock hold(chip_id);
-    mrt_root_node *root = g_mcc_table_info[chip_id]->root[mrt_index];
+    mrt_root_node *root = _root_rec(chip_id, mrt_index);
     if (root == nullptr) {
         return SHR_E_NOT_FOUND;
     }
@@ -707,7 +714,7 @@ i32 dpl_reef_mcc_mrt_count_set(u32 chip_id, u32 mrt_index, u32 what, u32 enable)
         return SHR_E_PARAM;
     }
     MccLock hold(chip_id);
-    mrt_root_node *root = g_mcc_table_info[chip_id]->root[mrt_index];
+    mrt_root_node *root = _root_rec(chip_id, mrt_index);
     mrt_group *group = dpl_reef_mcc_mrt_group_get(chip_id, mrt_index);
     if (root == nullptr && group == nullptr) {
         SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "mrt %u is not in use\n", mrt_index);
