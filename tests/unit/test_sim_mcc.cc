@@ -175,6 +175,19 @@ TEST_F(SimMcc, MembersComeAndGoAndTheCopyBackToTheIngressPortIsPruned)
     EXPECT_EQ(dropped(688), invalid + 1);
     ASSERT_EQ(l2_api_multicast_destroy(0, kGroup), 0);
     EXPECT_EQ(l2_api_multicast_port_delete(0, kGroup, L2_MC_PORT(0, 6)), SHR_E_NOT_FOUND);
+    EXPECT_TRUE(Capture::has("multicast group 100 has no member"));
+    // A bitmap replaces the members of its kind and keeps the others.
+    ASSERT_EQ(l2_api_multicast_port_add(0, kGroup, L2_MC_PORT(1, 3)), 0);
+    ASSERT_EQ(l2_api_multicast_port_add(0, kGroup, L2_MC_PORT(0, 5)), 0);
+    l2_multicast_bitmap bm{};
+    bm.ports.word[0] = (1u << 6) | (1u << 7);
+    ASSERT_EQ(l2_api_multicast_bitmap_set(0, kGroup, &bm), 0);
+    ASSERT_EQ(l2_api_multicast_bitmap_get(0, kGroup, &got), 0);
+    EXPECT_EQ(got.ports.word[0], bm.ports.word[0]);
+    EXPECT_EQ(got.trunks.word[0], 1u << 3);
+    out = send(9, frame());
+    EXPECT_EQ(out.size(), 2u);
+    EXPECT_EQ(out.count(6) + out.count(7), 2u);
 }
 
 TEST_F(SimMcc, ChainsTheSdkWouldNeverWriteEndTheWalkWithTheirCauses)
