@@ -17,6 +17,7 @@ struct McWalk {
     uint32_t end = TIDE_SIM_MCC_ROOT_INVALID;
     std::vector<uint32_t> keys;
     std::vector<uint32_t> leaves;
+    uint32_t invalid_edits = 0; // copies whose egress edit is not valid
 
     std::set<uint32_t> key_set() const { return {keys.begin(), keys.end()}; }
 };
@@ -33,6 +34,7 @@ inline McWalk mc_walk(uint32_t chip, uint32_t mrt)
     for (uint32_t i = 0; i < count; i++) {
         w.keys.push_back(copies[i].key);
         w.leaves.push_back(copies[i].leaf);
+        w.invalid_edits += copies[i].valid == 0 ? 1 : 0;
     }
     return w;
 }

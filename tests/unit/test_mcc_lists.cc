@@ -445,6 +445,7 @@ TEST_F(McListsTraffic, MakeBeforeBreakOnEveryWriteOfARandomRun)
             EXPECT_TRUE(w.end == TIDE_SIM_MCC_COMPLETE || (w.end == TIDE_SIM_MCC_ROOT_INVALID && now.empty()))
                 << "group " << kFirst + g << " ends " << w.end;
             EXPECT_EQ(w.keys.size(), now.size()) << "a member twice";
+            EXPECT_EQ(w.invalid_edits, 0u) << "group " << kFirst + g << " reaches a cleared edit";
         }
     });
     for (u32 step = 0; step < kSteps && !HasFailure(); step++) {
