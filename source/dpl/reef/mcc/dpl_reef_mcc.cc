@@ -83,21 +83,23 @@ mleaf_node *&_leaf_slot(u32 chip_id, u32 leaf)
     return g_mcc_table_info[chip_id]->leaf[leaf];
 }
 
-mrt_root_node *&_root_slot(u32 chip_id, u32 mrt_index)
-{
-    return g_mcc_table_info[chip_id]->root[mrt_index];
-}
-
-// The record of a root id, or NULL (also for a chip without records).
+// The record of a root id or of a leaf, or NULL (also for an id beyond the
+// records and a chip without records).
 mrt_root_node *_root_rec(u32 chip_id, u32 mrt_index)
 {
     const dpl_reef_mcc_table_info *t = chip_id < SHR_MAX_CHIPS ? g_mcc_table_info[chip_id] : nullptr;
     return t != nullptr && mrt_index <= DPL_MCC_MRT_IDS ? t->root[mrt_index] : nullptr;
 }
 
+mleaf_node *_leaf_rec(u32 chip_id, u32 leaf)
+{
+    const dpl_reef_mcc_table_info *t = chip_id < SHR_MAX_CHIPS ? g_mcc_table_info[chip_id] : nullptr;
+    return t != nullptr && leaf < DPL_MCC_MLIB_LEAVES ? t->leaf[leaf] : nullptr;
+}
+
 // A record copied out under the lock: -20 with `null_line` for a NULL out
 // pointer, the id's check, -7 when the id holds no record.
-template <typename Rec, i32 (*Check)(u32, u32), Rec *&(*Slot)(u32, u32)>
+template <typename Rec, i32 (*Check)(u32, u32), Rec *(*Get)(u32, u32)>
 i32 _record_get(u32 chip_id, u32 id, Rec *out, const char *null_line)
 {
     if (out == nullptr) {
@@ -110,7 +112,7 @@ i32 _record_get(u32 chip_id, u32 id, Rec *out, const char *null_line)
         return rc;
     }
     MccLock hold(chip_id);
-    const Rec *rec = Slot(chip_id, id);
+    const Rec *rec = Get(chip_id, id);
     if (rec == nullptr) {
         return SHR_E_NOT_FOUND;
     }
@@ -565,13 +567,13 @@ i32 dpl_reef_mcc_del_all_copy(u32 chip_id, u32 mrt_index)
 
 i32 dpl_reef_mcc_get_mrt_root_node(u32 chip_id, u32 mrt_index, mrt_root_node *root)
 {
-    return _record_get<mrt_root_node, _root_id_check, _root_slot>(chip_id, mrt_index, root,
+    return _record_get<mrt_root_node, _root_id_check, _root_rec>(chip_id, mrt_index, root,
                                                                   "\n\r mrt_root_node is NULL \n\r");
 }
 
 i32 dpl_reef_mcc_get_mlib_leaf_node(u32 chip_id, u32 leaf_index, mleaf_node *leaf)
 {
-    return _record_get<mleaf_node, _leaf_id_check, _leaf_slot>(chip_id, leaf_index, leaf,
+    return _record_get<mleaf_node, _leaf_id_check, _leaf_rec>(chip_id, leaf_index, leaf,
                                                                "\n\r mleaf_node is NULL \n\r");
 }
 
