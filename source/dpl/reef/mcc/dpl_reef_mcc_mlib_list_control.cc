@@ -630,13 +630,16 @@ i32 _member_lookup(u32 chip_id, const mrt_group *g, const mcc_member *member, co
     return rc;
 }
 
-// The same for a member that must be in the group: -7 with the line.
-i32 _member_present(u32 chip_id, const mrt_group *g, const mcc_member *member, const mcc_port_config &config,
-                    mcc_port_config *cfg, mlib_node **rec)
+// The checks of a call on one member, made under the caller's hold of the
+// mutex: those of _group_call, then the member's edit and the group's
+// record of it, which must exist when `present` (-7 with the line).
+i32 _member_call(u32 chip_id, u32 mrt_id, const mcc_member *member, const mcc_port_config *config, bool present,
+                 mrt_group **g, mcc_port_config *cfg, mlib_node **rec)
 {
-    const i32 rc = _member_lookup(chip_id, g, member, config, cfg, rec);
-    if (rc == 0 && *rec == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "member 0x%x is not in group %u\n", cfg->oport_inf_causeid, g->mrt_id);
+    i32 rc = _group_call(chip_id, mrt_id, member, config, g);
+    rc = rc != 0 ? rc : _member_lookup(chip_id, *g, member, *config, cfg, rec);
+    if (rc == 0 && present && *rec == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_MCC, "member 0x%x is not in group %u\n", cfg->oport_inf_causeid, mrt_id);
         return SHR_E_NOT_FOUND;
     }
     return rc;
@@ -931,15 +934,11 @@ i32 dpl_reef_mcc_group_create(u32 chip_id, const mcc_port_bitmap *members, const
 
 i32 dpl_reef_mcc_group_port_add(u32 chip_id, u32 mrt_id, const mcc_member *member, const mcc_port_config *config)
 {
-    mrt_group *g = nullptr;
-    i32 rc = _group_call(chip_id, mrt_id, member, config, &g);
-    if (rc != 0) {
-        return rc;
-    }
     MccLock hold(chip_id);
+    mrt_group *g = nullptr;
     mcc_port_config cfg{};
     mlib_node *rec = nullptr;
-    rc = _member_lookup(chip_id, g, member, *config, &cfg, &rec);
+    i32 rc = _member_call(chip_id, mrt_id, member, config, false, &g, &cfg, &rec);
     if (rc != 0) {
         return rc;
     }
@@ -963,15 +962,11 @@ i32 dpl_reef_mcc_group_port_add(u32 chip_id, u32 mrt_id, const mcc_member *membe
 
 i32 dpl_reef_mcc_group_port_del(u32 chip_id, u32 mrt_id, const mcc_member *member, const mcc_port_config *config)
 {
-    mrt_group *g = nullptr;
-    i32 rc = _group_call(chip_id, mrt_id, member, config, &g);
-    if (rc != 0) {
-        return rc;
-    }
     MccLock hold(chip_id);
+    mrt_group *g = nullptr;
     mcc_port_config cfg{};
     mlib_node *rec = nullptr;
-    rc = _member_present(chip_id, g, member, *config, &cfg, &rec);
+    i32 rc = _member_call(chip_id, mrt_id, member, config, true, &g, &cfg, &rec);
     if (rc != 0) {
         return rc;
     }
@@ -989,15 +984,11 @@ i32 dpl_reef_mcc_group_port_del(u32 chip_id, u32 mrt_id, const mcc_member *membe
 i32 dpl_reef_mcc_group_port_config(u32 chip_id, u32 mrt_id, const mcc_member *member,
                                    const mcc_port_config *config)
 {
-    mrt_group *g = nullptr;
-    i32 rc = _group_call(chip_id, mrt_id, member, config, &g);
-    if (rc != 0) {
-        return rc;
-    }
     MccLock hold(chip_id);
+    mrt_group *g = nullptr;
     mcc_port_config cfg{};
     mlib_node *rec = nullptr;
-    rc = _member_present(chip_id, g, member, *config, &cfg, &rec);
+    i32 rc = _member_call(chip_id, mrt_id, member, config, true, &g, &cfg, &rec);
     if (rc != 0) {
         return rc;
     }
@@ -1126,15 +1117,15 @@ i32 dpl_reef_mcc_mlib_mrt_group_traverse(u32 chip_id, dpl_reef_mcc_mlib_mrt_cb f
 
 i32 dpl_reef_mcc_group_port_config_get(u32 chip_id, u32 mrt_id, const mcc_member *member, mcc_port_config *config)
 {
-    mrt_group *g = nullptr;
-    i32 rc = _group_call(chip_id, mrt_id, member, config, &g);
-    if (rc != 0) {
-        return rc;
+    if (config == nullptr) {
+        return SHR_E_NULL_PTR;
     }
     MccLock hold(chip_id);
-    mcc_port_config probe{};
+    const mcc_port_config probe{};
+    mrt_group *g = nullptr;
+    mcc_port_config cfg{};
     mlib_node *rec = nullptr;
-    rc = _member_lookup(chip_id, g, member, probe, &probe, &rec);
+    const i32 rc = _member_call(chip_id, mrt_id, member, &probe, false, &g, &cfg, &rec);
     if (rec == nullptr) {
         return rc != 0 ? rc : SHR_E_NOT_FOUND;
     }
