@@ -96,18 +96,19 @@ TEST_F(MccCli, SettingsReachTheirRegistersAndShowReadsThem)
 TEST_F(MccCli, TheSharedListsShowTheirChainsAndGroupsAndCompress)
 {
     ASSERT_EQ(l2_api_multicast_port_add(0, 20, L2_MC_PORT(0, 1)), 0);
+    // {1,2} is built in new leaves (1 and 2) before leaf 0 of {1} goes.
     ASSERT_EQ(l2_api_multicast_port_add(0, 20, L2_MC_PORT(0, 2)), 0);
     ASSERT_EQ(l2_api_multicast_port_add(0, 21, L2_MC_PORT(0, 2)), 0);
     ASSERT_EQ(run("show mcc mrt group"), 0) << out_;
-    EXPECT_TRUE(said("20      0      2      0           0x1,0x2,")) << out_;
-    EXPECT_TRUE(said("21      1      1      1           0x2,")) << out_;
+    EXPECT_TRUE(said("20      0      2      1           0x1,0x2,")) << out_;
+    EXPECT_TRUE(said("21      1      1      2           0x2,")) << out_;
     ASSERT_EQ(run("show mcc mlib group"), 0) << out_;
     EXPECT_TRUE(said("0      2      2      0x1,0x2,")) << out_;
     ASSERT_EQ(run("show mcc mlib group tree 0"), 0) << out_;
-    EXPECT_TRUE(said("key 0x0002 leaf 1     next -0     use_cnt 2")) << out_;
+    EXPECT_TRUE(said("key 0x0002 leaf 2     next -0     use_cnt 2")) << out_;
     EXPECT_EQ(run("show mcc mlib group tree 5"), SHR_E_NOT_FOUND);
     ASSERT_EQ(run("show mcc mrt group tree 21"), 0) << out_;
-    EXPECT_TRUE(said("mrt 21: slot 1, 1 copies from mlib 1")) << out_;
+    EXPECT_TRUE(said("mrt 21: slot 1, 1 copies from mlib 2")) << out_;
     ASSERT_EQ(run("mcc compress"), 0) << out_;
     EXPECT_TRUE(said("chains: 1 before, 1 after")) << out_;
 }

@@ -216,14 +216,62 @@ TEST_F(McLists, ContiguousSequencesShareAChainAndMoveWithoutWritingLeaves)
     EXPECT_EQ(chains(), 1u);
     EXPECT_EQ(free_leaves(), DPL_MCC_MLIB_LEAVES - 3);
     invariants();
-    // Adding 1 is one write of the root.
+    // Adding 1 while on the chain of {1,2,3}: a group never looks for its
+    // sequence on the chain it is leaving, so {1,2,3} is built anew beside
+    // it; compression merges the two again.
+    ASSERT_EQ(add(17, 1), 0);
+    EXPECT_EQ(chains(), 2u);
+    EXPECT_EQ(free_leaves(), DPL_MCC_MLIB_LEAVES - 6);
+    invariants();
+    ASSERT_EQ(dpl_reef_mlib_group_compress(0), 0);
+    EXPECT_EQ(chains(), 1u);
+    EXPECT_EQ(mc_walk(0, 17).leaves, mc_walk(0, 16).leaves);
+    invariants();
+    // A group never looks for its sequence on the chain it is leaving:
+    // {1,2} is part of no other chain, so it gets a chain of its own while
+    // {1,2,3} of group 17 keeps its leaves.
+    const std::vector<u32> before = mc_walk(0, 17).leaves;
+    ASSERT_EQ(del(16, 3), 0);
+    EXPECT_EQ(chains(), 2u);
+    EXPECT_EQ(free_leaves(), DPL_MCC_MLIB_LEAVES - 5);
+    EXPECT_EQ(mc_walk(0, 16).key_set(), (Keys{1, 2}));
+    EXPECT_EQ(mc_walk(0, 17).leaves, before);
+    invariants();
+}
+
+TEST_F(McLists, AddingTheMissingFirstMemberMovesOntoTheLongerChainWithOneRootWrite)
+{
+    // {2,3} lives on the chain of {2,3,9}, which another group keeps.
+    ASSERT_EQ(create(18, {2, 3, 9}), 0);
+    ASSERT_EQ(create(17, {2, 3}), 0);
+    ASSERT_EQ(create(16, {1, 2, 3}), 0);
+    EXPECT_EQ(chains(), 2u);
     const std::vector<tide_sim_write> w = writes_of([] { return add(17, 1); });
     ASSERT_EQ(w.size(), 1u);
     EXPECT_EQ(w[0].addr, mrt_addr(17));
     EXPECT_EQ(mc_walk(0, 17).leaves, mc_walk(0, 16).leaves);
+    EXPECT_EQ(mc_walk(0, 18).key_set(), (Keys{2, 3, 9}));
+    EXPECT_EQ(free_leaves(), DPL_MCC_MLIB_LEAVES - 6);
     invariants();
-    // A shorter end of a chain is one root write too, and the chain stays.
-    EXPECT_EQ(writes_of([] { return del(16, 3); }).size(), 1u);
+}
+
+TEST_F(McLists, AGrowingGroupAloneOnItsChainBuildsAWholeNewChainFirst)
+{
+    ASSERT_EQ(create(16, {1, 2, 3}), 0);
+    const std::vector<u32> old = mc_walk(0, 16).leaves;
+    // Every leaf of {1,2,3,4} is new; the old chain goes after the root moved.
+    ASSERT_EQ(add(16, 4), 0);
+    const std::vector<u32> now = mc_walk(0, 16).leaves;
+    ASSERT_EQ(now.size(), 4u);
+    for (u32 leaf : now) {
+        EXPECT_EQ(std::count(old.begin(), old.end(), leaf), 0) << "leaf " << leaf;
+    }
+    EXPECT_EQ(chains(), 1u);
+    EXPECT_EQ(free_leaves(), DPL_MCC_MLIB_LEAVES - 4);
+    invariants();
+    // The same when it shrinks.
+    ASSERT_EQ(del(16, 1), 0);
+    EXPECT_EQ(mc_walk(0, 16).key_set(), (Keys{2, 3, 4}));
     EXPECT_EQ(free_leaves(), DPL_MCC_MLIB_LEAVES - 3);
     invariants();
 }
@@ -349,10 +397,12 @@ TEST_F(McLists, CompressionMergesAgreeingChainsBeforeLeavesRunOut)
     EXPECT_EQ(free_leaves(), 1u);
     EXPECT_EQ(leaf_of(17, 2), leaf_of(18, 2));
     invariants(rest);
-    // Nothing left to merge and no leaf for a new chain: -14, unchanged.
-    ASSERT_EQ(add(19, 7), 0);
-    EXPECT_EQ(add(18, 9), SHR_E_RESOURCE);
+    // Nothing left to merge, and a new chain of three leaves does not fit
+    // into the one free leaf: -14, unchanged.
+    EXPECT_EQ(add(19, 7), SHR_E_RESOURCE);
     EXPECT_TRUE(Capture::has("mlib node is full"));
+    EXPECT_EQ(mc_walk(0, 19).key_set(), (Keys{5, 6}));
+    EXPECT_EQ(add(18, 9), SHR_E_RESOURCE);
     EXPECT_EQ(mc_walk(0, 18).key_set(), (Keys{1, 2, 3}));
     invariants(rest);
     ASSERT_EQ(dpl_reef_mcc_del_all_copy(0, tree.mrt_index), 0);

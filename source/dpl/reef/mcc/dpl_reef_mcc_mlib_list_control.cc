@@ -460,7 +460,7 @@ i32 _group_rebind(u32 chip_id, mrt_group *g)
     bool fresh = false;
     if (count > 0) {
         // The search stops at the first candidate, whether it agrees or not.
-        mlib_group *cand = _buffer_compare(chip_id, text, nullptr);
+        mlib_group *cand = _buffer_compare(chip_id, text, g->mlib_group);
         u32 common = 0;
         if (cand != nullptr && _tree_agree(cand->mlib_entry, g->mlib_entry, &common)) {
             SHR_LOG_DBG(chip_id, SHR_MOD_MCC, "compare SUCCESS\n");
