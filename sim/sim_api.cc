@@ -12,6 +12,7 @@
 
 #include "sim/sim_arl.h"
 #include "sim/sim_em.h"
+#include "sim/sim_mcc.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_tap.h"
@@ -392,6 +393,47 @@ int tide_sim_irq_raise(uint32_t chip)
         return rc;
     }
     _chip(chip)->irq_raise();
+    return 0;
+}
+
+int tide_sim_write_observer_set(uint32_t chip, tide_sim_write_observer fn, void *user)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    c->observer = fn;
+    c->observer_user = user;
+    return 0;
+}
+
+int tide_sim_mcc_walk(uint32_t chip, uint32_t mrt_index, tide_sim_mcc_copy *copies, uint32_t max, uint32_t *count,
+                      uint32_t *end)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    if (mrt_index >= c->mcc->roots()) {
+        return -4;
+    }
+    std::vector<tide::sim::MccEngine::Copy> made;
+    const uint32_t how = c->mcc->walk(mrt_index, &made);
+    const tide::sim::MccEngine::ElbFields &f = c->mcc->elb();
+    for (uint32_t i = 0; copies != nullptr && i < made.size() && i < max; i++) {
+        copies[i] = tide_sim_mcc_copy{made[i].leaf, static_cast<uint32_t>(tide::sim::bits_get(made[i].elb, f.oport)),
+                                      static_cast<uint32_t>(tide::sim::bits_get(made[i].elb, f.valid))};
+    }
+    if (count != nullptr) {
+        *count = static_cast<uint32_t>(made.size());
+    }
+    if (end != nullptr) {
+        *end = how;
+    }
     return 0;
 }
 

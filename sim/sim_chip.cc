@@ -6,6 +6,7 @@
 #include "sim/sim_int.h"
 #include "sim/sim_arl.h"
 #include "sim/sim_em.h"
+#include "sim/sim_mcc.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
 #include "sim/sim_tap.h"
@@ -49,6 +50,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     arl = std::make_unique<ArlEngine>(*this);
     tcam = std::make_unique<TcamEngine>(*this);
     em = std::make_unique<EmEngine>(*this);
+    mcc = std::make_unique<MccEngine>(*this);
     pkt = std::make_unique<Pipeline>(*this);
     tap = std::make_unique<TapPorts>(*this);
     if (ok()) {
@@ -67,6 +69,7 @@ Chip::~Chip()
     pkt.reset();
     tcam.reset();
     em.reset();
+    mcc.reset();
     arl.reset();
     for (Region &r : regions_) {
         if (r.mem != nullptr) {
@@ -83,7 +86,7 @@ bool Chip::ok() const
         }
     }
     return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (em == nullptr || em->ok()) &&
-           (pkt == nullptr || pkt->ok());
+           (mcc == nullptr || mcc->ok()) && (pkt == nullptr || pkt->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -186,7 +189,7 @@ int Chip::bus_read(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value)
 
 int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
 {
-    std::lock_guard<std::mutex> lock(mutex);
+    std::unique_lock<std::mutex> lock(mutex);
     hook_writes++;
     uint64_t probe = 0;
     if (!load(bar, addr, width, &probe)) {
@@ -212,6 +215,13 @@ int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
     const auto it = write_handlers_.find(_key(bar, addr));
     if (it != write_handlers_.end()) {
         it->second(*this, bar, addr, value);
+    }
+    const tide_sim_write_observer fn = observer;
+    void *const user = observer_user;
+    lock.unlock();
+    if (fn != nullptr) {
+        const tide_sim_write w{bar, addr, value, width * 8};
+        fn(id_, &w, user);
     }
     return 0;
 }

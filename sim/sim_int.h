@@ -54,6 +54,7 @@ class Chip;
 class ArlEngine;
 class TcamEngine;
 class EmEngine;
+class MccEngine;
 class Pipeline;
 class TapPorts;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
@@ -114,6 +115,11 @@ public:
 
     void on_write(uint32_t bar, uint32_t addr, WriteHandler handler);
 
+    // Called after every write through the hooks, once the write and its
+    // side effects are done, on the writing thread and without the mutex.
+    tide_sim_write_observer observer = nullptr;
+    void *observer_user = nullptr;
+
     // Write log.
     void log_get(tide_sim_write *out, uint32_t max, uint32_t *count);
     void log_clear();
@@ -142,6 +148,8 @@ public:
     std::unique_ptr<TcamEngine> tcam;
     // The exact-match engine of the egress translation.
     std::unique_ptr<EmEngine> em;
+    // The replication engine.
+    std::unique_ptr<MccEngine> mcc;
     // The packet path.
     std::unique_ptr<Pipeline> pkt;
     // The front ports bound to TAP devices, and their I/O thread.

@@ -48,7 +48,11 @@ constexpr CauseName kDropNames[] = {
     {kCauseStaFloat, "ARL_STA_FLOAT"},
     {kCauseHashFull, "ARL_HASH_FULL"},
     {kCauseNoLearn, "ARL_NO_LRN"},
+    {kCauseMcAbnormal, "MCC_MC_ABNORMAL_DROP"},
+    {kCauseMrtInvalid, "MCC_MC_MRT_NVLD_DROP"},
+    {kCauseMlibInvalid, "MCC_MC_MLB_NVLD_DROP"},
     {kCauseFloodEmpty, "MCC_BC_BIT_CN0_DROP"},
+    {kCauseSpDportErr, "MCC_SP_DPORT_ERR_DROP"},
     {kCauseEpatInvalid, "DISCARD_EPAT_UNVLD"},
     {kCauseEgressUnuc, "DISCARD_UNUC"},
     {kCauseEgressUnmc, "DISCARD_UNMC"},
@@ -226,6 +230,8 @@ void Pipeline::resolve()
     need(tab, {{&vlan.members, "portbitmap"}, {&vlan.untagged, "utport_bitmap"}});
     t.stat = need_tab("stat_causeid_stat_result_tbl", &tab);
     need(tab, {{&stat_pkts, "causeid_stat_result_pkt_num"}, {&stat_bytes, "causeid_stat_result_byt_num"}});
+    t.mgid_stat = need_tab("stat_mgid_stat_result_tbl", &tab);
+    need(tab, {{&mgid_pkts, "mgid_stat_pkt_num"}, {&mgid_bytes, "mgid_stat_byt_num"}});
     ok_ &= t.ipat.depth >= kPorts && t.epat.depth >= kPorts;
     ok_ &= t.vmap.depth >= 4096 && t.vbmp.depth >= 4096 && t.vlanbmp.depth >= 4096;
 }
@@ -243,19 +249,36 @@ void Pipeline::read(const TableView &tv, uint32_t index, uint32_t *words) const
     }
 }
 
-void Pipeline::count_cause(uint32_t entry, uint32_t bytes)
+namespace {
+
+// One packet of `bytes` more in a statistics entry of two counts.
+void _count(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, FieldRef bytes, uint32_t n)
 {
-    if (entry >= t.stat.depth) {
+    if (entry >= tv.depth) {
         return;
     }
+    const uint32_t base = tv.addr + entry * tv.words * 4;
     uint32_t w[kMaxEntryWords] = {};
-    read(t.stat, entry, w);
-    bits_set(w, stat_pkts, bits_get(w, stat_pkts) + 1);
-    bits_set(w, stat_bytes, bits_get(w, stat_bytes) + bytes);
-    const uint32_t base = t.stat.addr + entry * t.stat.words * 4;
-    for (uint32_t i = 0; i < t.stat.words; i++) {
-        chip_.set_core_word(base + 4 * i, w[i]);
+    for (uint32_t i = 0; i < tv.words; i++) {
+        w[i] = chip.core_word(base + 4 * i);
     }
+    bits_set(w, pkts, bits_get(w, pkts) + 1);
+    bits_set(w, bytes, bits_get(w, bytes) + n);
+    for (uint32_t i = 0; i < tv.words; i++) {
+        chip.set_core_word(base + 4 * i, w[i]);
+    }
+}
+
+} // namespace
+
+void Pipeline::count_cause(uint32_t entry, uint32_t bytes)
+{
+    _count(chip_, t.stat, entry, stat_pkts, stat_bytes, bytes);
+}
+
+void Pipeline::count_mgid(uint32_t mrt, uint32_t bytes)
+{
+    _count(chip_, t.mgid_stat, mrt, mgid_pkts, mgid_bytes, bytes);
 }
 
 uint32_t Pipeline::move_priority(uint32_t port) const
@@ -266,6 +289,11 @@ uint32_t Pipeline::move_priority(uint32_t port) const
 ArlEngine &Pipeline::arl()
 {
     return *chip_.arl;
+}
+
+MccEngine &Pipeline::mcc()
+{
+    return *chip_.mcc;
 }
 
 // ---- a packet ----------------------------------------------------------------
@@ -296,6 +324,16 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
         send(kCpuPort, frame, len, port, p.cpu_cause);
     }
     if (!p.forward) {
+        return;
+    }
+    if (p.replicate) {
+        for (const ReplicaCopy &r : p.copies) {
+            EgressCopy c;
+            c.port = r.port;
+            c.elb = r.elb;
+            c.frame = &scratch_;
+            run_egress(*this, p, c);
+        }
         return;
     }
     for (uint32_t d = 0; d < kPorts; d++) {

@@ -27,6 +27,7 @@
 namespace tide::sim {
 
 class Chip;
+class MccEngine;
 class PcapWriter;
 
 // Causes the packet path gives.  Forward and drop causes count in entries
@@ -53,7 +54,11 @@ enum Cause : uint16_t {
     kCauseStaFloat = 594,       // ARL_STA_FLOAT
     kCauseHashFull = 595,       // ARL_HASH_FULL
     kCauseNoLearn = 596,        // ARL_NO_LRN
+    kCauseMcAbnormal = 667,     // MCC_MC_ABNORMAL_DROP
+    kCauseMrtInvalid = 688,     // MCC_MC_MRT_NVLD_DROP
+    kCauseMlibInvalid = 689,    // MCC_MC_MLB_NVLD_DROP
     kCauseFloodEmpty = 690,     // MCC_BC_BIT_CN0_DROP
+    kCauseSpDportErr = 692,     // MCC_SP_DPORT_ERR_DROP
     kCauseEpatInvalid = 710,    // DISCARD_EPAT_UNVLD
     kCauseEgressUnuc = 711,     // DISCARD_UNUC
     kCauseEgressUnmc = 712,     // DISCARD_UNMC
@@ -84,6 +89,15 @@ constexpr uint32_t kPorts = 32;
 constexpr uint32_t kCpuPort = 31;
 // Widest entry of a table the stages read (the ingress port row: 261 bits).
 constexpr uint32_t kMaxEntryWords = 9;
+
+constexpr uint32_t kElbWords = 4;
+
+// A copy the replication engine makes: its port and its egress edit (the
+// words of its epro_elb_table entry).
+struct ReplicaCopy {
+    uint32_t port = 0;
+    uint32_t elb[kElbWords] = {};
+};
 
 // What the ARL made of the destination MAC.
 enum class DaKind : uint8_t { kUnicast, kMulticast, kBroadcast };
@@ -121,6 +135,12 @@ struct Packet {
     uint32_t dest = 0; // egress ports, bit n: lport n
     bool flood = false;
 
+    // MCC: a MAC hit whose destination is a replication id, and the copies
+    // its tree makes (they replace `dest`).
+    bool replicate = false;
+    uint32_t mrt = 0;
+    std::vector<ReplicaCopy> copies;
+
     void drop(uint16_t cause)
     {
         if (forward) {
@@ -156,6 +176,7 @@ struct EgressCopy {
     uint32_t port = 0;
     uint32_t epat[kMaxEntryWords] = {};
     bool untag = false;
+    const uint32_t *elb = nullptr;         // the egress edit of a replicated copy
     std::vector<uint8_t> *frame = nullptr; // built by EPRO, sent by MAC TX
 };
 
@@ -165,6 +186,11 @@ class Pipeline;
 // the packet; `egress` runs one copy and says whether it left the chip.
 void run_ingress(Pipeline &pl, Packet &p);
 bool run_egress(Pipeline &pl, const Packet &p, EgressCopy &c);
+
+// The replication stage (sim_pkt_mcc.cc): the copies of a replicated
+// packet; and the egress edit of one of them, on the frame EPRO built.
+bool mcc_stage(Pipeline &pl, Packet &p);
+void mcc_egress_edit(Pipeline &pl, const Packet &p, EgressCopy &c);
 
 // A table of the description as the chip's logic reads it.
 struct TableView {
@@ -225,7 +251,7 @@ public:
         FieldRef lrn_mode, mac_float_pfe, sta_float_act, mac_float_fail_act, hash_conflict_act;
     } r;
     struct Tables {
-        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat;
+        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat;
     } t;
     struct IpatFields {
         FieldRef vld, pvid, discard_untag, discard_tag, vlan_check_en, mac_lrn_mode, nolrn_tocp, nolrn_discard,
@@ -241,15 +267,18 @@ public:
     struct EgressFields {
         FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl;
     } egr;
-    FieldRef stat_pkts, stat_bytes;
+    FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes;
 
     uint32_t reg(const RegView &r, uint32_t instance = 0) const;
     void read(const TableView &t, uint32_t index, uint32_t *words) const;
-    // Adds one packet of `bytes` to a cause's statistics entry.
+    // Adds one packet of `bytes` to a cause's statistics entry, or to a
+    // replication id's.
     void count_cause(uint32_t entry, uint32_t bytes);
+    void count_mgid(uint32_t mrt, uint32_t bytes);
     // The move-priority nibble of a port: priority in bits 1..0, enable 2.
     uint32_t move_priority(uint32_t port) const;
     ArlEngine &arl();
+    MccEngine &mcc();
 
 private:
     void resolve();

@@ -351,12 +351,15 @@ void _arl_destination(Pipeline &pl, Packet &p)
     case 6: // drop with the entry's cause
         p.drop(static_cast<uint16_t>(data));
         break;
+    case 5: // a replication id: the MCC stage makes the copies
+        p.replicate = true;
+        p.mrt = data;
+        break;
     case 7: // to the CPU with the entry's cause
         p.redirect_to_cpu(static_cast<uint16_t>(data & 511));
         break;
     default:
-        // Trunks, replication groups and the L3 destinations have no stage
-        // in the model yet.
+        // Trunks and the L3 destinations have no stage in the model yet.
         p.drop(kCauseOpcodeAbnormal);
         break;
     }
@@ -372,20 +375,13 @@ bool _arl(Pipeline &pl, Packet &p)
     return p.forward;
 }
 
-// MCC: the copy list is the destination set; the CPU copy is made by the
-// pipeline.  Nothing to add until replication groups and mirrors exist.
-bool _mcc(Pipeline &, Packet &p)
-{
-    return p.forward;
-}
-
 struct IngressStage {
     const char *name;
     bool (*run)(Pipeline &, Packet &);
 };
 
 constexpr IngressStage kIngress[] = {
-    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"arl", _arl}, {"mcc", _mcc},
+    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"arl", _arl}, {"mcc", mcc_stage},
 };
 
 // ---- egress ------------------------------------------------------------------
@@ -436,6 +432,9 @@ bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
         if (p.tags != 0) {
             f.erase(f.begin() + kTypeOffset, f.begin() + kTypeOffset + kTagBytes);
         }
+        if (c.elb != nullptr) {
+            mcc_egress_edit(pl, p, c);
+        }
         return true;
     }
     const uint32_t index = static_cast<uint32_t>(bits_get(c.epat, eg.tpid_index));
@@ -453,6 +452,9 @@ bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
     f[kTypeOffset + 1] = static_cast<uint8_t>(tpid);
     f[kTypeOffset + 2] = static_cast<uint8_t>(tci >> 8);
     f[kTypeOffset + 3] = static_cast<uint8_t>(tci);
+    if (c.elb != nullptr) {
+        mcc_egress_edit(pl, p, c);
+    }
     return true;
 }
 

@@ -85,6 +85,15 @@ typedef struct tide_sim_write {
 TIDE_API int tide_sim_write_log_get(uint32_t chip, tide_sim_write *entries, uint32_t max, uint32_t *count);
 TIDE_API int tide_sim_write_log_clear(uint32_t chip);
 
+/* An observer of register writes: called after every write that reaches
+ * the model through the hooks, once the write and its side effects are
+ * done, on the thread that wrote and without the chip's mutex, so that it
+ * may read the model (tide_sim_mcc_walk, tide_sim_reg_peek, ...).  A test
+ * checks with it what the chip would see in every intermediate state of a
+ * sequence of writes.  NULL removes it; one observer per chip. */
+typedef void (*tide_sim_write_observer)(uint32_t chip, const tide_sim_write *write, void *user);
+TIDE_API int tide_sim_write_observer_set(uint32_t chip, tide_sim_write_observer fn, void *user);
+
 /* Reads and writes the register file directly, as the chip's own logic
  * would: no engine runs and nothing is logged.  Values are in CPU order. */
 TIDE_API int tide_sim_reg_peek(uint32_t chip, uint32_t bar, uint32_t addr, uint32_t *value);
@@ -140,6 +149,25 @@ TIDE_API int tide_sim_tcam_search(uint32_t chip, const uint32_t key[10], uint32_
 #define TIDE_SIM_EM_ROW_WORDS 6u
 TIDE_API int tide_sim_em_row_get(uint32_t chip, uint32_t memory, uint32_t row,
                                  uint32_t words[TIDE_SIM_EM_ROW_WORDS]);
+
+/* The replication engine as the chip walks it: root `mrt_index` of
+ * mcc_mrt, then for rep_num leaves of mcc_mlib from its first leaf, one
+ * copy per leaf reached, with the key (oport_inf_causeid) of the leaf's
+ * epro_elb_table entry.  `end` tells how the walk ended: */
+#define TIDE_SIM_MCC_COMPLETE 0u      /* rep_num copies */
+#define TIDE_SIM_MCC_ROOT_INVALID 1u  /* the root is not valid: no copy */
+#define TIDE_SIM_MCC_LEAF_INVALID 2u  /* a leaf in the count is not valid */
+#define TIDE_SIM_MCC_CUT 3u           /* a leaf in the count has no successor */
+#define TIDE_SIM_MCC_LOOP 4u          /* a leaf came again */
+typedef struct tide_sim_mcc_copy {
+    uint32_t leaf;
+    uint32_t key;   /* oport_inf_causeid of the leaf's edit */
+    uint32_t valid; /* the edit's valid bit */
+} tide_sim_mcc_copy;
+/* Copies up to `max` copies, gives their number and the end.  -4 for a
+ * root beyond the table (1024 roots). */
+TIDE_API int tide_sim_mcc_walk(uint32_t chip, uint32_t mrt_index, tide_sim_mcc_copy *copies, uint32_t max,
+                               uint32_t *count, uint32_t *end);
 
 /* ---- the packet path ----------------------------------------------------
  * A frame injected on a port runs through the chip's pipeline as the SDK

@@ -299,7 +299,7 @@ TEST_F(CibFields, ModuleClearAndDump)
     std::string out = Capture::output();
     EXPECT_NE(out.find("[ cib_mcc ]"), std::string::npos);
     EXPECT_NE(out.find("Register Name : mcc_en_mode_cfg\n"), std::string::npos);
-    EXPECT_EQ(out.find("Register Name : mcc_cpu_port_cfg\n"), std::string::npos);
+    EXPECT_EQ(out.find("Register Name : mcc_catch_pkt_cfg\n"), std::string::npos);
     EXPECT_EQ(base_api_chip_module_cnt_show(0, "nosuch", nullptr, 0, 0, 0), -7);
     EXPECT_NE(Capture::output().find("ERR: no module named nosuch\n"), std::string::npos);
 

@@ -13,6 +13,7 @@
 #include "dpl/reef/acl/dpl_reef_acl.h"
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
+#include "dpl/reef/mcc/dpl_reef_mcc.h"
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
@@ -32,6 +33,7 @@ struct dpl_step {
 constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
+    {"mcc", dpl_reef_mcc_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
     {"acl", dpl_reef_acl_fp_soft_init, nullptr},
 };
@@ -40,6 +42,7 @@ constexpr dpl_step kSoftInit[] = {
 constexpr dpl_step kSoftDeinit[] = {
     {"acl", dpl_reef_acl_fp_soft_deinit, "[SOFT-DEINIT: %13s]init failed!!!!!!![ret=%d]\r\n"},
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
+    {"mcc", dpl_reef_mcc_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
 };
@@ -52,11 +55,13 @@ constexpr dpl_step kHwInit[] = {
     {"base", dpl_reef_base_hw_init, nullptr},
     {"acl", dpl_reef_acl_fp_hw_init, nullptr},
     {"l2", dpl_reef_l2_hw_init, nullptr},
+    {"mcc", dpl_reef_mcc_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
 };
 
 // Hardware deinit, in order.
 constexpr dpl_step kHwDeinit[] = {
+    {"mcc", dpl_reef_mcc_hw_deinit, nullptr},
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
 };

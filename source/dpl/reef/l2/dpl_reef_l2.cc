@@ -12,6 +12,7 @@
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/common/dpl_init_pre.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
+#include "dpl/reef/mcc/dpl_reef_mcc.h"
 #include "dpl/reef/special/atolreef/dpl_atolreef_l2.h"
 
 extern "C" {
@@ -93,14 +94,6 @@ bool _mgid_check(u32 chip_id, u32 mgid)
         return false;
     }
     return true;
-}
-
-// Group members and their rewrites live in the replication trees, which
-// this build does not have: the calls stop after their checks.
-i32 _no_replication(u32 chip_id, u32 mgid)
-{
-    SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "multicast group %u: no replication service in this build\n", mgid);
-    return SHR_E_NOT_SUPPORT;
 }
 
 const cib_field_info *_reg_field(u32 chip_id, u32 reg_id, const char *field)
@@ -202,8 +195,8 @@ i32 _special_locked(u32 chip_id, Slot reef_l2_special_t::*slot, A... args)
     return l2_lock_hold_.status() != 0 ? l2_lock_hold_.status() : _special(chip_id, slot, args...);
 }
 
-// Groups whose marks no MAC entry uses any more lose their marks (and
-// their trees, once replication exists).
+// Groups whose marks no MAC entry uses any more lose their marks and their
+// replication groups.
 i32 _l2_batched_delete_multicast_delete(u32 chip_id)
 {
     for (u32 mgid = DPL_L2_MGID_MIN; mgid <= DPL_L2_MGID_MAX; mgid++) {
@@ -642,6 +635,81 @@ i32 _mc_member_check(u32 chip_id, u32 mgid, u64 port)
     return 0;
 }
 
+// A member of the packed form as the replication engine names it: a port
+// or a trunk (whose key carries 0x800).
+mcc_member _mc_member(u64 port)
+{
+    return mcc_member{static_cast<u32>(port) == 1 ? MCC_PORT_FLAG_TRUNK : MCC_PORT_FLAG_PORT,
+                      static_cast<u32>(port >> 32)};
+}
+
+// The replication group of a multicast group id: made, empty, at its first
+// use, which also marks the id.
+i32 _mc_group_ensure(u32 chip_id, u32 mgid)
+{
+    if (dpl_reef_mcc_mrt_group_get(chip_id, mgid) != nullptr) {
+        return 0;
+    }
+    mcc_port_bitmap none{};
+    none.empty = 1;
+    mrt_info info{};
+    info.req = mcc_mrt_req{MCC_TYPE_L2MC, 1, mgid};
+    const i32 rc = dpl_reef_mcc_group_create(chip_id, &none, nullptr, &info);
+    if (rc == 0) {
+        _mark_set(chip_id, mgid, 1);
+    }
+    return rc;
+}
+
+// A group that has no replication group yet: -7 with the line.
+i32 _mc_group_missing(u32 chip_id, u32 mgid)
+{
+    SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "multicast group %u has no member\n", mgid);
+    return SHR_E_NOT_FOUND;
+}
+
+// The rewrite of a member as its copy's egress edit: VLAN and priority
+// changes, the tag count, the port bridge (the copy may leave by the port
+// the frame came in), the destination id, the outer and inner tags.
+mcc_port_config _mc_edit_of(const l2_multicast_port_attr &a)
+{
+    mcc_port_config c{};
+    c.vlanupdate = (a.flags & L2_MC_ATTR_VID_CHANGE) != 0 ? 1 : 0;
+    c.vlanprichg = (a.flags & L2_MC_ATTR_PRI_CHANGE) != 0 ? 1 : 0;
+    c.prunedisable = a.port_bridge != 0 ? 1 : 0;
+    c.tagnum = a.tagnum;
+    c.dpid_dvp_index_mirror_carid = a.dpid_sel != 0 ? static_cast<u8>(a.dpid) : 0;
+    c.ovlan_rspan_vlan = static_cast<u16>(a.ovid | a.opri << 13);
+    c.ivlan_rspan_en = static_cast<u16>(a.ivid | a.ipri << 13);
+    return c;
+}
+
+l2_multicast_port_attr _mc_attr_of(const mcc_port_config &c)
+{
+    l2_multicast_port_attr a{};
+    a.flags = (c.vlanupdate ? L2_MC_ATTR_VID_CHANGE : 0u) | (c.vlanprichg ? L2_MC_ATTR_PRI_CHANGE : 0u);
+    a.port_bridge = c.prunedisable;
+    a.tagnum = c.tagnum;
+    a.dpid_sel = c.dpid_dvp_index_mirror_carid != 0 ? 1 : 0;
+    a.dpid = c.dpid_dvp_index_mirror_carid;
+    a.ovid = c.ovlan_rspan_vlan & 0xFFF;
+    a.opri = static_cast<u8>(c.ovlan_rspan_vlan >> 13);
+    a.ivid = c.ivlan_rspan_en & 0xFFF;
+    a.ipri = static_cast<u8>(c.ivlan_rspan_en >> 13);
+    return a;
+}
+
+// Whether a copy's key names a trunk, and its port or trunk id.
+bool _mc_key_trunk(u16 key)
+{
+    return (key & MCC_KEY_TRUNK) != 0;
+}
+
+u32 _mc_key_id(u16 key)
+{
+    return _mc_key_trunk(key) ? key & 0x7Fu : key & 63u;
+}
+
 // The per-VLAN controls live in the ingress VLAN record of the VLAN
 // service, which this build does not have: the calls stop after their
 // checks.
@@ -775,10 +843,16 @@ i32 dpl_reef_l2_soft_init(u32 chip_id)
     return 0;
 }
 
-// Undoes whatever the init got done.  Groups still marked would lose their
-// replication trees here; this build has none.
+// Undoes whatever the init got done; groups still marked give their
+// replication groups back.
 i32 dpl_reef_l2_soft_deinit(u32 chip_id)
 {
+    for (u32 mgid = DPL_L2_MGID_MIN; mgid <= DPL_L2_MGID_MAX; mgid++) {
+        const u8 *m = _mark(chip_id, mgid);
+        if (m != nullptr && *m != 0 && dpl_reef_mcc_mrt_group_get(chip_id, mgid) != nullptr) {
+            dpl_reef_mcc_group_del(chip_id, mgid);
+        }
+    }
     xsal_mem_free(g_l2_multicast_mac_arr[chip_id]);
     g_l2_multicast_mac_arr[chip_id] = nullptr;
     dpl_lock_destroy(chip_id, DPL_LOCK_L2);
@@ -1071,17 +1145,52 @@ i32 dpl_reef_l2_multicast_destroy(u32 chip_id, u32 mgid)
     if (!_mgid_check(chip_id, mgid)) {
         return SHR_E_PARAM;
     }
-    // The group's replication tree would be released here; the mark stays
-    // until no MAC entry uses the id.
-    return 0;
+    // The replication group goes; the mark stays until no MAC entry uses
+    // the id.  A group that never had one has nothing to release.
+    L2_LOCK(chip_id);
+    if (l2_lock_hold_.status() != 0) {
+        return l2_lock_hold_.status();
+    }
+    if (dpl_reef_mcc_mrt_group_get(chip_id, mgid) == nullptr) {
+        return 0;
+    }
+    const i32 rc = dpl_reef_mcc_group_del(chip_id, mgid);
+    if (rc != 0) {
+        SHR_LOG_DBG(chip_id, SHR_MOD_ARL, "dpl_reef_mcc_group_del %u fail %d\n", mgid, (int)rc);
+    }
+    return rc;
 }
 
+// The members as the chip's replication chain holds them: a leaf with a
+// trunk key sets the trunk bitmap, any other the port bitmap.
 i32 dpl_reef_l2_multicast_bitmap_get(u32 chip_id, u32 mgid, l2_multicast_bitmap *bitmap)
 {
-    (void)bitmap;
-    return _mgid_check(chip_id, mgid) ? _no_replication(chip_id, mgid) : SHR_E_PARAM;
+    if (!_mgid_check(chip_id, mgid)) {
+        return SHR_E_PARAM;
+    }
+    L2_LOCK(chip_id);
+    if (l2_lock_hold_.status() != 0) {
+        return l2_lock_hold_.status();
+    }
+    const u8 *m = _mark(chip_id, mgid);
+    if (dpl_reef_mcc_mrt_group_get(chip_id, mgid) == nullptr && (m == nullptr || *m == 0)) {
+        return _mc_group_missing(chip_id, mgid);
+    }
+    *bitmap = l2_multicast_bitmap{};
+    auto leaf = [](u32, u32, const mcc_port_config *edit, void *user) -> i32 {
+        auto *b = static_cast<l2_multicast_bitmap *>(user);
+        const bool trunk = _mc_key_trunk(edit->oport_inf_causeid);
+        const u32 id = _mc_key_id(edit->oport_inf_causeid);
+        port_bitmap &set = trunk ? b->trunks : b->ports;
+        set.word[id >> 6] |= u64{1} << (id & 63);
+        b->type |= trunk ? 2u : 1u;
+        return 0;
+    };
+    return dpl_reef_mcc_mrt_hw_walk(chip_id, mgid, leaf, bitmap, nullptr);
 }
 
+// A new group with the ports or trunks of the bitmap; the members of that
+// kind of an existing group are replaced, one member at a time.
 i32 dpl_reef_l2_multicast_bitmap_set(u32 chip_id, u32 mgid, l2_multicast_bitmap *bitmap)
 {
     if (!_mgid_check(chip_id, mgid)) {
@@ -1096,30 +1205,101 @@ i32 dpl_reef_l2_multicast_bitmap_set(u32 chip_id, u32 mgid, l2_multicast_bitmap 
         return SHR_E_PARAM;
     }
     const bool ports = bitmap->type == 0;
-    if (ports && bitmap->flag == 1) {
-        return _no_replication(chip_id, mgid);
-    }
     const port_bitmap &set = ports ? bitmap->ports : bitmap->trunks;
     const u32 max = ports ? p.port_max : p.tgid_max;
-    for (u32 id = max + 1; id < PORT_BITMAP_PORTS; id++) {
+    // The replication engine holds 64 ports and 128 trunks.
+    const u32 room = ports ? (bitmap->flag == 1 ? 64u : max + 1) : max + 1;
+    for (u32 id = room; id < PORT_BITMAP_PORTS; id++) {
         if ((set.word[id >> 6] >> (id & 63)) & 1) {
             SHR_LOG_ERR(chip_id, SHR_MOD_ARL, ports ? "chip port %d invalid, min 0, max %d\n" : "tgid %d invalid, min 0, max %d\n",
-                        (int)id, (int)max);
+                        (int)id, (int)(room - 1));
             return SHR_E_PARAM;
         }
     }
-    return _no_replication(chip_id, mgid);
+    L2_LOCK(chip_id);
+    if (l2_lock_hold_.status() != 0) {
+        return l2_lock_hold_.status();
+    }
+    const mrt_group *g = dpl_reef_mcc_mrt_group_get(chip_id, mgid);
+    if (g == nullptr) {
+        mcc_port_bitmap members{};
+        members.mcc_port_flag = ports ? MCC_PORT_FLAG_PORT : MCC_PORT_FLAG_TRUNK;
+        members.bits[0] = set.word[0];
+        members.bits[1] = ports ? 0 : set.word[1];
+        const mcc_port_config none{};
+        mrt_info info{};
+        info.req = mcc_mrt_req{MCC_TYPE_L2MC, 1, mgid};
+        const i32 rc = dpl_reef_mcc_group_create(chip_id, &members, &none, &info);
+        _mark_set(chip_id, mgid, rc == 0 ? 1 : 0);
+        return rc;
+    }
+    // Members of this kind now, from the group's own keys.
+    port_bitmap now{};
+    auto kind = [&](u16 key) { return _mc_key_trunk(key) != ports; };
+    shr_avl_traverser tr;
+    for (void *i = shr_avl_t_first(&tr, g->mlib_entry); i != nullptr; i = shr_avl_t_next(&tr)) {
+        const u16 key = static_cast<const mlib_node *>(i)->port_config.oport_inf_causeid;
+        if (kind(key)) {
+            const u32 id = _mc_key_id(key);
+            now.word[id >> 6] |= u64{1} << (id & 63);
+        }
+    }
+    const u32 type = ports ? 0u : 1u;
+    const mcc_port_config none{};
+    for (u32 id = 0; id < room; id++) {
+        const bool want = ((set.word[id >> 6] >> (id & 63)) & 1) != 0;
+        const bool have = ((now.word[id >> 6] >> (id & 63)) & 1) != 0;
+        if (want == have) {
+            continue;
+        }
+        const mcc_member member = _mc_member(L2_MC_PORT(type, id));
+        const i32 rc = want ? dpl_reef_mcc_group_port_add(chip_id, mgid, &member, &none)
+                            : dpl_reef_mcc_group_port_del(chip_id, mgid, &member, &none);
+        if (rc != 0) {
+            return rc;
+        }
+    }
+    _mark_set(chip_id, mgid, 1);
+    return 0;
 }
 
 i32 dpl_reef_l2_multicast_port_add(u32 chip_id, u32 mgid, u64 port)
 {
-    const i32 rc = _mc_member_check(chip_id, mgid, port);
-    return rc != 0 ? rc : _no_replication(chip_id, mgid);
+    i32 rc = _mc_member_check(chip_id, mgid, port);
+    if (rc != 0) {
+        return rc;
+    }
+    L2_LOCK(chip_id);
+    rc = l2_lock_hold_.status();
+    rc = rc != 0 ? rc : _mc_group_ensure(chip_id, mgid);
+    if (rc != 0) {
+        return rc;
+    }
+    const mcc_member member = _mc_member(port);
+    const mcc_port_config none{};
+    rc = dpl_reef_mcc_group_port_add(chip_id, mgid, &member, &none);
+    if (rc == SHR_E_EXISTS) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "this port is exist\n");
+    }
+    return rc;
 }
 
 i32 dpl_reef_l2_multicast_port_del(u32 chip_id, u32 mgid, u64 port)
 {
-    return dpl_reef_l2_multicast_port_add(chip_id, mgid, port);
+    i32 rc = _mc_member_check(chip_id, mgid, port);
+    if (rc != 0) {
+        return rc;
+    }
+    L2_LOCK(chip_id);
+    if (l2_lock_hold_.status() != 0) {
+        return l2_lock_hold_.status();
+    }
+    if (dpl_reef_mcc_mrt_group_get(chip_id, mgid) == nullptr) {
+        return _mc_group_missing(chip_id, mgid);
+    }
+    const mcc_member member = _mc_member(port);
+    const mcc_port_config none{};
+    return dpl_reef_mcc_group_port_del(chip_id, mgid, &member, &none);
 }
 
 i32 dpl_reef_l2_multicast_port_attribute_set(u32 chip_id, u32 mgid, u64 port, l2_multicast_port_attr *attr)
@@ -1143,14 +1323,64 @@ i32 dpl_reef_l2_multicast_port_attribute_set(u32 chip_id, u32 mgid, u64 port, l2
             return SHR_E_PARAM;
         }
     }
-    return _no_replication(chip_id, mgid);
+    L2_LOCK(chip_id);
+    if (l2_lock_hold_.status() != 0) {
+        return l2_lock_hold_.status();
+    }
+    if (dpl_reef_mcc_mrt_group_get(chip_id, mgid) == nullptr) {
+        return _mc_group_missing(chip_id, mgid);
+    }
+    const mcc_member member = _mc_member(port);
+    const mcc_port_config edit = _mc_edit_of(*attr);
+    rc = dpl_reef_mcc_group_port_config(chip_id, mgid, &member, &edit);
+    if (rc == SHR_E_NOT_FOUND) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "The port is not in multicast group\n");
+    }
+    return rc;
 }
 
+// The member's edit as its copy's leaf in the chip holds it.
 i32 dpl_reef_l2_multicast_port_attribute_get(u32 chip_id, u32 mgid, u64 port, l2_multicast_port_attr *attr)
 {
-    (void)attr;
-    const i32 rc = _mc_member_check(chip_id, mgid, port);
-    return rc != 0 ? rc : _no_replication(chip_id, mgid);
+    i32 rc = _mc_member_check(chip_id, mgid, port);
+    if (rc != 0) {
+        return rc;
+    }
+    L2_LOCK(chip_id);
+    if (l2_lock_hold_.status() != 0) {
+        return l2_lock_hold_.status();
+    }
+    if (dpl_reef_mcc_mrt_group_get(chip_id, mgid) == nullptr) {
+        return _mc_group_missing(chip_id, mgid);
+    }
+    mcc_port_config probe{};
+    const mcc_member member = _mc_member(port);
+    rc = dpl_reef_mcc_port_config_refresh(chip_id, &member, &probe);
+    if (rc != 0) {
+        return rc;
+    }
+    struct Find {
+        u16 key;
+        bool found;
+        mcc_port_config edit;
+    } find{probe.oport_inf_causeid, false, {}};
+    auto leaf = [](u32, u32, const mcc_port_config *edit, void *user) -> i32 {
+        auto *f = static_cast<Find *>(user);
+        if ((edit->oport_inf_causeid & 0xFFF) == (f->key & 0xFFF)) {
+            f->found = true;
+            f->edit = *edit;
+        }
+        return 0;
+    };
+    rc = dpl_reef_mcc_mrt_hw_walk(chip_id, mgid, leaf, &find, nullptr);
+    if (rc == 0 && !find.found) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "The port is not in multicast group\n");
+        return SHR_E_NOT_FOUND;
+    }
+    if (rc == 0) {
+        *attr = _mc_attr_of(find.edit);
+    }
+    return rc;
 }
 
 // ---- controls ------------------------------------------------------------------------------
