@@ -13,6 +13,7 @@
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/init/dpl_reef_init.h"
+#include "dpl/reef/interrupt/dpl_reef_interrupt.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
 #include "shared/shr_property_int.h"
@@ -32,10 +33,12 @@ constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
+    {"interrupt", dpl_reef_interrupt_soft_init, nullptr},
 };
 
 // Software deinit, in order.
 constexpr dpl_step kSoftDeinit[] = {
+    {"interrupt", dpl_reef_interrupt_soft_deinit, nullptr},
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
@@ -49,12 +52,14 @@ constexpr dpl_step kHwInit[] = {
     {"base", dpl_reef_base_hw_init, nullptr},
     {"l2", dpl_reef_l2_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
+    {"interrupt", dpl_reef_interrupt_hw_init, nullptr},
 };
 
 // Hardware deinit, in order.
 constexpr dpl_step kHwDeinit[] = {
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
+    {"interrupt", dpl_reef_interrupt_hw_deinit, nullptr},
 };
 
 constexpr const char *kSoftInitOk = "[SOFT-INIT: %13s]............[OK]\r\n";
