@@ -5,6 +5,7 @@
 
 #include "sim/sim_int.h"
 #include "sim/sim_arl.h"
+#include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
 #include "sim/sim_tap.h"
@@ -49,6 +50,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     tcam = std::make_unique<TcamEngine>(*this);
     pkt = std::make_unique<Pipeline>(*this);
     tap = std::make_unique<TapPorts>(*this);
+    intr = std::make_unique<IntrTree>(*this);
     if (ok()) {
         reset_core();
     }
@@ -62,6 +64,7 @@ Chip::~Chip()
     // The I/O thread stops before the packet path it feeds goes.
     tap->close_all();
     tap.reset();
+    intr.reset();
     pkt.reset();
     tcam.reset();
     arl.reset();
@@ -79,7 +82,8 @@ bool Chip::ok() const
             return false;
         }
     }
-    return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (pkt == nullptr || pkt->ok());
+    return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (pkt == nullptr || pkt->ok()) &&
+           (intr == nullptr || intr->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -214,7 +218,16 @@ int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
 
 void Chip::on_write(uint32_t bar, uint32_t addr, WriteHandler handler)
 {
-    write_handlers_[_key(bar, addr)] = std::move(handler);
+    // A second handler of the same address runs after the first.
+    WriteHandler &slot = write_handlers_[_key(bar, addr)];
+    if (slot) {
+        slot = [first = std::move(slot), second = std::move(handler)](Chip &c, uint32_t b, uint32_t a, uint64_t v) {
+            first(c, b, a, v);
+            second(c, b, a, v);
+        };
+    } else {
+        slot = std::move(handler);
+    }
 }
 
 void Chip::log_get(tide_sim_write *out, uint32_t max, uint32_t *count)
@@ -250,6 +263,9 @@ void Chip::reset_core()
     if (tcam) {
         tcam->clear();
     }
+    if (intr) {
+        intr->update();
+    }
 }
 
 // ---- engines -----------------------------------------------------------------
@@ -258,6 +274,7 @@ void Chip::install_engines()
 {
     arl->install();
     tcam->install();
+    intr->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,
@@ -282,12 +299,42 @@ int Chip::irq_wait()
 {
     std::unique_lock<std::mutex> lock(irq_mutex_);
     const uint64_t generation = irq_exit_generation_;
-    irq_cv_.wait(lock, [&] { return irq_pending_ > 0 || irq_exit_generation_ != generation; });
+    irq_cv_.wait(lock, [&] {
+        return irq_pending_ > 0 || (irq_level_ && irq_enabled_) || irq_exit_generation_ != generation;
+    });
     if (irq_exit_generation_ != generation) {
         return -12;
     }
-    irq_pending_--;
+    if (irq_pending_ > 0) {
+        irq_pending_--;
+    } else {
+        irq_enabled_ = false;
+    }
     return 0;
+}
+
+void Chip::irq_enable(uint64_t mask)
+{
+    irq_mask = mask;
+    {
+        std::lock_guard<std::mutex> lock(irq_mutex_);
+        irq_enabled_ = true;
+    }
+    irq_cv_.notify_all();
+}
+
+void Chip::irq_line_set(bool level)
+{
+    {
+        std::lock_guard<std::mutex> lock(irq_mutex_);
+        if (irq_level_ == level) {
+            return;
+        }
+        irq_level_ = level;
+    }
+    if (level) {
+        irq_cv_.notify_all();
+    }
 }
 
 void Chip::irq_exit()
