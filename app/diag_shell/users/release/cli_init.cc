@@ -82,10 +82,12 @@ void cli_cmd_init_all(void)
     // of the commands that every mode has; the chip model's own commands
     // come after the chip's families.
     cli_cmd_init_l2();
+    cli_cmd_init_debug_interrupt();
     cli_cmd_init_port();
     cli_cmd_init_config();
     cli_cmd_init_common();
     cli_cmd_init_base();
+    cli_cmd_init_interrupt();
     cli_cmd_init_sim();
     cli_cmd_init_view();
 }

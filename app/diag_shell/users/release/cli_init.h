@@ -69,6 +69,10 @@ i32 cli_base_tcam_tab_clear(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 i32 cli_base_tcam_mgmt_display(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 i32 cli_base_plane_check(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 
+/* Mode `interrupt`, and the interrupt commands of mode `debug`. */
+void cli_cmd_init_interrupt(void);
+void cli_cmd_init_debug_interrupt(void);
+
 /* The commands of the chip model, in mode "sim". */
 void cli_cmd_init_sim(void);
 
