@@ -353,11 +353,14 @@ i32 dpl_reef_interrupt_action_get(u32 chip_id, intr_module module, intr_type typ
                     module.module_id, _name(module.module_id), module.subid);
         return SHR_E_NOT_FOUND;
     }
+    // All instances read as one: a bit set in any of them.
     u32 first = 0, last = 0;
     i32 rc = _instance_range(chip_id, module.module_id, reg_id, type.addr_idx, &first, &last);
     u32 v = 0;
-    if (rc == 0) {
-        rc = csl_reef_reg_get_u32(chip_id, CIB_ID(reg_id, first), &v);
+    for (u32 i = first; rc == 0 && i <= last; i++) {
+        u32 word = 0;
+        rc = csl_reef_reg_get_u32(chip_id, CIB_ID(reg_id, i), &word);
+        v |= word;
     }
     if (rc == 0) {
         *value = type.intr_id == INTR_ID_ALL ? v : (v & _bits(t)) >> t.bit_start;
@@ -587,7 +590,7 @@ i32 dpl_reef_interrupt_debug_info_get(u32 chip_id, intr_module module, intr_type
     const intr_type_info &t =
         dpl_reef_interrupt_module_info(chip_id)[module.module_id].subids[module.subid].types[type.intr_id];
     if (t.debug_reg_count == 0) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_INTR, "[INTR] The intr has not debug reg(module id:%u subid:%u intr id:%u)!\n",
+        SHR_LOG_DBG(chip_id, SHR_MOD_INTR, "[INTR] The intr has not debug reg(module id:%u subid:%u intr id:%u)!\n",
                     module.module_id, module.subid, type.intr_id);
         return SHR_E_NOT_FOUND;
     }
