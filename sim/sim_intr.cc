@@ -60,11 +60,17 @@ IntrTree::IntrTree(Chip &chip) : chip_(chip)
         const desc::Register *s = desc::find_register(t.status_reg);
         const desc::Register *m = t.mask_reg != nullptr ? desc::find_register(t.mask_reg) : nullptr;
         ok_ &= s != nullptr && (t.mask_reg == nullptr || m != nullptr);
-        nodes_.push_back(Node{_addr(s, n.instance), m != nullptr ? _addr(m, m->instances > 1 ? n.instance : 0) : 0,
-                              _bits(t.low, t.width), n.parent, n.kind, n.category});
+        const Node node{_addr(s, n.instance), m != nullptr ? _addr(m, m->instances > 1 ? n.instance : 0) : 0,
+                        _bits(t.low, t.width), n.parent, n.kind, n.category};
+        nodes_.push_back(node);
         node_of_[_node_key(n.type, n.instance)] = static_cast<uint32_t>(i);
+        by_addr_[node.status].push_back(static_cast<uint32_t>(i));
+        if (node.mask != 0 && node.mask != node.status) {
+            by_addr_[node.mask].push_back(static_cast<uint32_t>(i));
+        }
     }
-    child_set_.resize(nodes_.size());
+    active_.resize(nodes_.size());
+    active_children_.resize(nodes_.size());
     DescNeeds needs;
     a_top_ = needs.reg("lsw_hreg_int2cib_lsw_status");
     a_top_copy_ = needs.reg("lsw_hreg_lsw_int_status");
@@ -74,60 +80,78 @@ IntrTree::IntrTree(Chip &chip) : chip_(chip)
 
 void IntrTree::install()
 {
-    for (const Node &n : nodes_) {
-        watched_.push_back(n.status);
-        if (n.mask != 0) {
-            watched_.push_back(n.mask);
+    for (const auto &[addr, nodes] : by_addr_) {
+        (void)nodes;
+        chip_.on_write(4, addr, [this](Chip &, uint32_t, uint32_t a, uint64_t) { touched(a); });
+    }
+    chip_.on_write(4, a_ctrl_, [this](Chip &, uint32_t, uint32_t, uint64_t) { drive_top(); });
+}
+
+void IntrTree::refresh(uint32_t i)
+{
+    const Node &n = nodes_[i];
+    uint32_t word = chip_.core_word(n.status);
+    if (n.kind == desc::kIntrSecond && active_children_[i] != 0 && (word & n.bits) == 0) {
+        // Held until cleared, and set again while a child is set.
+        word |= n.bits;
+        chip_.set_core_word(n.status, word);
+    } else if (n.kind == desc::kIntrGroup) {
+        const uint32_t now = active_children_[i] != 0 ? word | n.bits : word & ~n.bits;
+        if (now != word) {
+            chip_.set_core_word(n.status, now);
+            word = now;
         }
     }
-    watched_.push_back(a_ctrl_);
-    std::sort(watched_.begin(), watched_.end());
-    watched_.erase(std::unique(watched_.begin(), watched_.end()), watched_.end());
-    for (uint32_t addr : watched_) {
-        chip_.on_write(4, addr, [this](Chip &, uint32_t, uint32_t, uint64_t) { update(); });
+    const bool active = (word & n.bits) != 0 && (n.mask == 0 || (chip_.core_word(n.mask) & n.bits) != 0);
+    if (active == (active_[i] != 0)) {
+        return;
     }
+    active_[i] = active ? 1 : 0;
+    if (n.kind == desc::kIntrGroup && n.category >= 0) {
+        active_groups_[n.category] += active ? 1u : ~0u;
+    }
+    if (n.parent >= 0) {
+        active_children_[n.parent] += active ? 1u : ~0u;
+        refresh(static_cast<uint32_t>(n.parent));
+    }
+}
+
+void IntrTree::touched(uint32_t addr)
+{
+    const auto it = by_addr_.find(addr);
+    if (it == by_addr_.end()) {
+        return;
+    }
+    for (uint32_t i : it->second) {
+        refresh(i);
+    }
+    drive_top();
 }
 
 void IntrTree::update()
 {
-    std::fill(child_set_.begin(), child_set_.end(), 0);
-    uint32_t top = 0;
-    for (size_t i = 0; i < nodes_.size(); i++) {
-        const Node &n = nodes_[i];
-        uint32_t word = chip_.core_word(n.status);
-        switch (n.kind) {
-        case desc::kIntrSecond:
-            // Held until cleared, and set again while a child is set.
-            if (child_set_[i] && (word & n.bits) == 0) {
-                word |= n.bits;
-                chip_.set_core_word(n.status, word);
-            }
-            break;
-        case desc::kIntrGroup: {
-            const uint32_t now = child_set_[i] ? word | n.bits : word & ~n.bits;
-            if (now != word) {
-                chip_.set_core_word(n.status, now);
-                word = now;
-            }
-            break;
-        }
-        default:
-            break;
-        }
-        const bool enabled = n.mask == 0 || (chip_.core_word(n.mask) & n.bits) != 0;
-        if ((word & n.bits) == 0 || !enabled) {
-            continue;
-        }
-        if (n.parent >= 0) {
-            child_set_[n.parent] = 1;
-        }
-        if (n.kind == desc::kIntrGroup && n.category >= 0) {
-            top |= 1u << kTopBit[n.category];
-        }
+    std::fill(active_.begin(), active_.end(), 0);
+    std::fill(active_children_.begin(), active_children_.end(), 0);
+    std::fill(std::begin(active_groups_), std::end(active_groups_), 0);
+    // Leaves come first, their parents after them: one pass in order.
+    for (uint32_t i = 0; i < nodes_.size(); i++) {
+        refresh(i);
     }
-    const uint32_t all = 1u << kTopBit[0] | 1u << kTopBit[1] | 1u << kTopBit[2] | 1u << kTopBit[3];
+    drive_top();
+}
+
+void IntrTree::drive_top()
+{
+    uint32_t top = 0, all = 0;
+    for (uint32_t c = 0; c < 4; c++) {
+        all |= 1u << kTopBit[c];
+        top |= active_groups_[c] != 0 ? 1u << kTopBit[c] : 0;
+    }
     for (uint32_t addr : {a_top_, a_top_copy_}) {
-        chip_.set_core_word(addr, (chip_.core_word(addr) & ~all) | top);
+        const uint32_t word = chip_.core_word(addr);
+        if ((word & all) != top) {
+            chip_.set_core_word(addr, (word & ~all) | top);
+        }
     }
     line_ = top != 0 && word_get(chip_.core_word(a_ctrl_), f_line_open_) != 0;
     chip_.irq_line_set(line_);
@@ -161,17 +185,14 @@ int IntrTree::raise_at(uint32_t type_index, uint32_t instance)
         return -4;
     }
     chip_.set_core_word(addr, chip_.core_word(addr) | _bits(t.low, t.width));
+    touched(addr);
     return 0;
 }
 
 int IntrTree::raise(uint32_t module, uint32_t subid, uint32_t type, uint32_t instance)
 {
     const int t = type_index(module, subid, type);
-    const int rc = t < 0 ? -4 : raise_at(static_cast<uint32_t>(t), instance);
-    if (rc == 0) {
-        update();
-    }
-    return rc;
+    return t < 0 ? -4 : raise_at(static_cast<uint32_t>(t), instance);
 }
 
 int IntrTree::ecc_details(const desc::IntrEcc &ecc, uint32_t ecc_type, uint32_t index)
@@ -250,7 +271,6 @@ int IntrTree::ecc_inject(const tide_sim_ecc_error &e)
     if (rc == 0) {
         rc = raise_at(static_cast<uint32_t>(t), e.addr_idx);
     }
-    update();
     return rc;
 }
 

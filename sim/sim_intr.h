@@ -39,9 +39,11 @@ public:
     bool ok() const { return ok_; }
     // Write handlers on every register of the tree.
     void install();
-    // The tree from the leaves up, and the line.  The caller holds the
-    // chip's mutex.
+    // The whole tree from the leaves up, and the line (power-on, reset).
+    // The caller holds the chip's mutex, as for every call below.
     void update();
+    // The nodes of one register after it changed, and what they feed.
+    void touched(uint32_t addr);
 
     // Sets a type's status bits at one instance.  -4 for a type or
     // instance the chip does not have, or a type the tree computes (the
@@ -73,15 +75,25 @@ private:
     Chip &chip_;
     bool ok_ = true;
     std::vector<Node> nodes_;
-    std::vector<uint8_t> child_set_; // scratch of update()
+    // The state the tree keeps between writes: whether a node is set and
+    // enabled, how many of its children are, and how many groups of each
+    // category are.
+    std::vector<uint8_t> active_;
+    std::vector<uint32_t> active_children_;
+    uint32_t active_groups_[4] = {};
+    // The nodes of each register, by status and by mask address.
+    std::unordered_map<uint32_t, std::vector<uint32_t>> by_addr_;
     // Type by (module, subid, type); node by (type index, instance).
     std::unordered_map<uint32_t, uint32_t> type_of_;
     std::unordered_map<uint64_t, uint32_t> node_of_;
-    std::vector<uint32_t> watched_; // addresses whose writes update the tree
     uint32_t a_top_ = 0, a_top_copy_ = 0, a_ctrl_ = 0;
     FieldRef f_line_open_;
     bool line_ = false;
 
+    // One node again from its registers and its children; a change goes
+    // up to its parent and to the top.
+    void refresh(uint32_t node);
+    void drive_top();
     int type_index(uint32_t module, uint32_t subid, uint32_t type) const;
     uint32_t status_addr(const desc::IntrType &t, uint32_t instance) const;
     int raise_at(uint32_t type_index, uint32_t instance);
