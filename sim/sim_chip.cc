@@ -299,9 +299,11 @@ int Chip::irq_wait()
 {
     std::unique_lock<std::mutex> lock(irq_mutex_);
     const uint64_t generation = irq_exit_generation_;
+    irq_waiters_++;
     irq_cv_.wait(lock, [&] {
         return irq_pending_ > 0 || (irq_level_ && irq_enabled_) || irq_exit_generation_ != generation;
     });
+    irq_waiters_--;
     if (irq_exit_generation_ != generation) {
         return -12;
     }
@@ -335,6 +337,12 @@ void Chip::irq_line_set(bool level)
     if (level) {
         irq_cv_.notify_all();
     }
+}
+
+uint64_t Chip::irq_waiters()
+{
+    std::lock_guard<std::mutex> lock(irq_mutex_);
+    return irq_waiters_;
 }
 
 void Chip::irq_exit()

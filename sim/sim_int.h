@@ -125,6 +125,9 @@ public:
     // served.
     int irq_wait();
     void irq_exit();
+    // Threads inside irq_wait, past the point from which an exit ends
+    // their wait.
+    uint64_t irq_waiters();
     void irq_raise();
     void irq_enable(uint64_t mask);
     void irq_line_set(bool level);
@@ -177,6 +180,7 @@ private:
     uint64_t irq_exit_generation_ = 0;
     bool irq_level_ = false;
     bool irq_enabled_ = true;
+    uint64_t irq_waiters_ = 0;
 
     void install_engines();
     // A CPU access of one 32-bit word of the switch core, as its register
