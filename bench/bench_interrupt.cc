@@ -2,8 +2,8 @@
 // from the raise in the chip to the callback, through the line, the
 // thread's wait and its walk of the tree; one at a time (each waits for the
 // thread to wake) and in bursts (many leaves pending in one walk).  Beside
-// them the model's own cost of a raise: the tree recomputed from the
-// leaves up.
+// them the model's own cost of a raise and its clear: the nodes of the
+// written register and the path above them recomputed.
 #include <benchmark/benchmark.h>
 #include <tide/interrupt.h>
 #include <tide/tide.h>
@@ -84,7 +84,7 @@ void BM_InterruptBurst(benchmark::State &state)
 BENCHMARK(BM_InterruptBurst)->Arg(0)->Arg(8)->Arg(28)->UseRealTime();
 
 // The model's share: a raise with the leaf masked, so that nothing is
-// served, and its clear: the tree recomputed twice.
+// served, and its clear.
 void BM_InterruptModelRaise(benchmark::State &state)
 {
     _setup();

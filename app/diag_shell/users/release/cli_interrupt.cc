@@ -145,6 +145,13 @@ i32 _check(u32 chip_id, intr_module sel, u32 intr_id)
     return SHR_E_NONE;
 }
 
+// The module, subid and intr-id words, checked against the chip.
+i32 _select_checked(u32 chip_id, i32 argc, char **argv, intr_module *sel, u32 *intr_id)
+{
+    const i32 rc = _select(argc, argv, sel, intr_id);
+    return rc != SHR_E_NONE ? rc : _check(chip_id, *sel, *intr_id);
+}
+
 void _type_name(u32 chip_id, u32 m, u32 s, u32 t, char *name, u32 size)
 {
     intr_debug debug = {name, size, 1};
@@ -217,8 +224,8 @@ i32 cli_intr_module_status_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     intr_module sel = {};
     u32 intr_id = 0;
-    i32 rc = _select(argc, argv, &sel, &intr_id);
-    if (rc != SHR_E_NONE || (rc = _check(chip_id, sel, intr_id)) != SHR_E_NONE) {
+    const i32 rc = _select_checked(chip_id, argc, argv, &sel, &intr_id);
+    if (rc != SHR_E_NONE) {
         return rc;
     }
     const bool non_zero = _has_word(argc, argv, 3, "non-zero");
@@ -329,8 +336,8 @@ i32 cli_intr_error_debug_info_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     intr_module sel = {};
     u32 intr_id = 0;
-    i32 rc = _select(argc, argv, &sel, &intr_id);
-    if (rc != SHR_E_NONE || (rc = _check(chip_id, sel, intr_id)) != SHR_E_NONE) {
+    const i32 rc = _select_checked(chip_id, argc, argv, &sel, &intr_id);
+    if (rc != SHR_E_NONE) {
         return rc;
     }
     const bool non_zero = _has_word(argc, argv, 3, "non-zero");

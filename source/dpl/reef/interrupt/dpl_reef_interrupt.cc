@@ -612,6 +612,21 @@ i32 dpl_reef_interrupt_debug_info_get(u32 chip_id, intr_module module, intr_type
     return 0;
 }
 
+// The callback of one type, under the interrupt lock, so that the thread
+// never sees a row half written.
+static i32 _callback_set(u32 chip_id, intr_module module, u32 intr_id, intr_callback callback)
+{
+    IntrLock lock(chip_id, __func__, __LINE__);
+    atolreef_intr_callback_info *row =
+        dpl_atolreef_interrupt_callback_row(chip_id, module.module_id, module.subid, intr_id);
+    if (row == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_INTR, "ERROR! chip_id(%u) does not init!\n", chip_id);
+        return SHR_E_INIT;
+    }
+    row->callback = callback;
+    return 0;
+}
+
 i32 dpl_reef_interrupt_callback_register(u32 chip_id, intr_module module, intr_type type, intr_callback callback)
 {
     i32 rc = 0;
@@ -630,32 +645,13 @@ i32 dpl_reef_interrupt_callback_register(u32 chip_id, intr_module module, intr_t
     if ((rc = _one(chip_id, module, {type.intr_id, 0}, "ERROR! Only support register one callback at a time!\n")) != 0) {
         return rc;
     }
-    IntrLock lock(chip_id, __func__, __LINE__);
-    atolreef_intr_callback_info *row =
-        dpl_atolreef_interrupt_callback_row(chip_id, module.module_id, module.subid, type.intr_id);
-    if (row == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_INTR, "ERROR! chip_id(%u) does not init!\n", chip_id);
-        return SHR_E_INIT;
-    }
-    row->callback = callback;
-    return 0;
+    return _callback_set(chip_id, module, type.intr_id, callback);
 }
 
 i32 dpl_reef_interrupt_callback_unregister(u32 chip_id, intr_module module, intr_type type)
 {
-    i32 rc = _one(chip_id, module, {type.intr_id, 0}, "ERROR! Only support unregister one callback at a time!\n");
-    if (rc != 0) {
-        return rc;
-    }
-    IntrLock lock(chip_id, __func__, __LINE__);
-    atolreef_intr_callback_info *row =
-        dpl_atolreef_interrupt_callback_row(chip_id, module.module_id, module.subid, type.intr_id);
-    if (row == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_INTR, "ERROR! chip_id(%u) does not init!\n", chip_id);
-        return SHR_E_INIT;
-    }
-    row->callback = nullptr;
-    return 0;
+    const i32 rc = _one(chip_id, module, {type.intr_id, 0}, "ERROR! Only support unregister one callback at a time!\n");
+    return rc != 0 ? rc : _callback_set(chip_id, module, type.intr_id, nullptr);
 }
 
 i32 dpl_reef_interrupt_stats_get(u32 chip_id, intr_module module, intr_type type, u32 *count)
