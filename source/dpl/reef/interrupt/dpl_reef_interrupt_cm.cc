@@ -108,12 +108,21 @@ i32 dpl_reef_interrupt_thread_destroy(u32 chip_id)
     __atomic_store_n(&t.run, 0u, __ATOMIC_RELEASE);
     // A wake that comes while the thread is between two waits ends nothing,
     // so each round of the wait wakes it again.
-    for (u32 round = 0; _thread_id(chip_id) != -1 && round < DPL_INTR_THREAD_STOP_ROUNDS; round++) {
+    u32 round = 0;
+    for (; _thread_id(chip_id) != -1 && round < DPL_INTR_THREAD_STOP_ROUNDS; round++) {
         csl_interrupt_irq_exit(chip_id);
         xsal_usleep(DPL_INTR_THREAD_STOP_ROUND_US);
     }
     if (_thread_id(chip_id) != -1) {
         SHR_LOG_ERR(chip_id, SHR_MOD_INTR, "[interrupt thread destroy]: the thread did not stop\n");
+    }
+    // Past its last touch of the engine the thread still ends itself in the
+    // OS layer, which frees its record there: the tear-down that follows
+    // (the memory layer's own) waits until the record is gone, within what
+    // is left of the same bound.
+    for (char name[32]; round < DPL_INTR_THREAD_STOP_ROUNDS && xsal_thread_name(&t.thread, name, sizeof(name)) != nullptr;
+         round++) {
+        xsal_usleep(DPL_INTR_THREAD_STOP_ROUND_US);
     }
     t.created = 0;
     return 0;
