@@ -14,6 +14,7 @@
 #include "sim/sim_em.h"
 #include "sim/sim_mcc.h"
 #include "sim/sim_int.h"
+#include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
@@ -650,6 +651,42 @@ int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)
     stats->dma_frees = m->dma_frees_get();
     stats->irq_mask = c->irq_mask.load();
     stats->irq_waiters = c->irq_waiters();
+    return 0;
+}
+
+// ---- the interrupt tree ----------------------------------------------------------
+
+int tide_sim_intr_raise(uint32_t chip, uint32_t module_id, uint32_t subid, uint32_t intr_id, uint32_t addr_idx)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return c->intr->raise(module_id, subid, intr_id, addr_idx);
+}
+
+int tide_sim_ecc_inject(uint32_t chip, const tide_sim_ecc_error *error)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || error == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return c->intr->ecc_inject(*error);
+}
+
+int tide_sim_intr_line_get(uint32_t chip, uint32_t *level)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || level == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    *level = c->intr->line() ? 1 : 0;
     return 0;
 }
 

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "sim/sim_int.h"
+#include "sim/sim_intr.h"
 
 namespace tide::sim {
 
@@ -610,6 +611,9 @@ ArlEngine::Result ArlEngine::learn(uint32_t vid, uint64_t mac, uint32_t port)
     const Result r = insert(image, 0);
     if (!r.fail) {
         publish_counts();
+        chip_.intr->event("arl_learn");
+    } else if (r.cause == kBarrelFull) {
+        chip_.intr->event("arl_full");
     }
     return r;
 }
@@ -626,6 +630,7 @@ ArlEngine::Result ArlEngine::move(ArlEntry *entry, uint32_t port)
     bits_set(moved.data(), ef_.age_cnt, kAgeFull);
     put(entry, moved);
     publish_counts();
+    chip_.intr->event("arl_move");
     return Result{};
 }
 
@@ -655,6 +660,7 @@ uint32_t ArlEngine::age_pass()
     }
     if (removed != 0) {
         publish_counts();
+        chip_.intr->event("arl_age");
     }
     return removed;
 }

@@ -7,6 +7,7 @@
 #include "sim/sim_arl.h"
 #include "sim/sim_em.h"
 #include "sim/sim_mcc.h"
+#include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
 #include "sim/sim_tap.h"
@@ -53,6 +54,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     mcc = std::make_unique<MccEngine>(*this);
     pkt = std::make_unique<Pipeline>(*this);
     tap = std::make_unique<TapPorts>(*this);
+    intr = std::make_unique<IntrTree>(*this);
     if (ok()) {
         reset_core();
     }
@@ -66,6 +68,7 @@ Chip::~Chip()
     // The I/O thread stops before the packet path it feeds goes.
     tap->close_all();
     tap.reset();
+    intr.reset();
     pkt.reset();
     tcam.reset();
     em.reset();
@@ -86,7 +89,7 @@ bool Chip::ok() const
         }
     }
     return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (em == nullptr || em->ok()) &&
-           (mcc == nullptr || mcc->ok()) && (pkt == nullptr || pkt->ok());
+           (mcc == nullptr || mcc->ok()) && (pkt == nullptr || pkt->ok()) && (intr == nullptr || intr->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -228,7 +231,16 @@ int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
 
 void Chip::on_write(uint32_t bar, uint32_t addr, WriteHandler handler)
 {
-    write_handlers_[_key(bar, addr)] = std::move(handler);
+    // A second handler of the same address runs after the first.
+    WriteHandler &slot = write_handlers_[_key(bar, addr)];
+    if (slot) {
+        slot = [first = std::move(slot), second = std::move(handler)](Chip &c, uint32_t b, uint32_t a, uint64_t v) {
+            first(c, b, a, v);
+            second(c, b, a, v);
+        };
+    } else {
+        slot = std::move(handler);
+    }
 }
 
 void Chip::log_get(tide_sim_write *out, uint32_t max, uint32_t *count)
@@ -267,6 +279,9 @@ void Chip::reset_core()
     if (em) {
         em->clear();
     }
+    if (intr) {
+        intr->update();
+    }
 }
 
 // ---- engines -----------------------------------------------------------------
@@ -276,6 +291,7 @@ void Chip::install_engines()
     arl->install();
     tcam->install();
     em->install();
+    intr->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,
@@ -301,13 +317,43 @@ int Chip::irq_wait()
     std::unique_lock<std::mutex> lock(irq_mutex_);
     const uint64_t generation = irq_exit_generation_;
     irq_waiters_++;
-    irq_cv_.wait(lock, [&] { return irq_pending_ > 0 || irq_exit_generation_ != generation; });
+    irq_cv_.wait(lock, [&] {
+        return irq_pending_ > 0 || (irq_level_ && irq_enabled_) || irq_exit_generation_ != generation;
+    });
     irq_waiters_--;
     if (irq_exit_generation_ != generation) {
         return -12;
     }
-    irq_pending_--;
+    if (irq_pending_ > 0) {
+        irq_pending_--;
+    } else {
+        irq_enabled_ = false;
+    }
     return 0;
+}
+
+void Chip::irq_enable(uint64_t mask)
+{
+    irq_mask = mask;
+    {
+        std::lock_guard<std::mutex> lock(irq_mutex_);
+        irq_enabled_ = true;
+    }
+    irq_cv_.notify_all();
+}
+
+void Chip::irq_line_set(bool level)
+{
+    {
+        std::lock_guard<std::mutex> lock(irq_mutex_);
+        if (irq_level_ == level) {
+            return;
+        }
+        irq_level_ = level;
+    }
+    if (level) {
+        irq_cv_.notify_all();
+    }
 }
 
 uint64_t Chip::irq_waiters()

@@ -236,7 +236,7 @@ int Model::ioctl_drv(unsigned long request, hal_devio *io)
         if (c == nullptr) {
             return kResultNoChip;
         }
-        c->irq_mask = static_cast<uint64_t>(io->arg1) << 32 | io->arg0;
+        c->irq_enable(static_cast<uint64_t>(io->arg1) << 32 | io->arg0);
         return kResultOk;
     }
     case HAL_CMD_IRQ_EXIT: {

@@ -57,6 +57,7 @@ class EmEngine;
 class MccEngine;
 class Pipeline;
 class TapPorts;
+class IntrTree;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 
 struct Region {
@@ -124,13 +125,19 @@ public:
     void log_get(tide_sim_write *out, uint32_t max, uint32_t *count);
     void log_clear();
 
-    // Interrupt line.
+    // Interrupt line.  A wait returns for a raise (held until a wait takes
+    // it) or while the level of the line is high and the line enabled; a
+    // wait that returns for the level disables the line until the next
+    // enable, as a driver masks a level-sensitive interrupt until it is
+    // served.
     int irq_wait();
     void irq_exit();
     // Threads inside irq_wait, past the point from which an exit ends
     // their wait.
     uint64_t irq_waiters();
     void irq_raise();
+    void irq_enable(uint64_t mask);
+    void irq_line_set(bool level);
     std::atomic<uint64_t> irq_mask{0};
 
     std::array<uint8_t, kPciConfigSize> pci_config{};
@@ -154,6 +161,8 @@ public:
     std::unique_ptr<Pipeline> pkt;
     // The front ports bound to TAP devices, and their I/O thread.
     std::unique_ptr<TapPorts> tap;
+    // The interrupt tree and the line.
+    std::unique_ptr<IntrTree> intr;
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
@@ -180,6 +189,8 @@ private:
     std::condition_variable irq_cv_;
     uint64_t irq_pending_ = 0;
     uint64_t irq_exit_generation_ = 0;
+    bool irq_level_ = false;
+    bool irq_enabled_ = true;
     uint64_t irq_waiters_ = 0;
 
     void install_engines();

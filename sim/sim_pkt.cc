@@ -9,6 +9,7 @@
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
 #include "sim/sim_tap.h"
+#include "sim/sim_tcam.h"
 
 namespace tide::sim {
 
@@ -446,6 +447,8 @@ void Pipeline::age_to(uint64_t now)
 void Pipeline::advance(uint32_t ms)
 {
     age_to(now_ms_ + ms);
+    // The TCAM's background scan runs while time passes.
+    chip_.tcam->scan();
 }
 
 // ---- capture file --------------------------------------------------------------

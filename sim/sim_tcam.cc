@@ -19,6 +19,7 @@
 #include <cstdio>
 
 #include "sim/sim_int.h"
+#include "sim/sim_intr.h"
 
 namespace tide::sim {
 
@@ -88,6 +89,7 @@ TcamEngine::TcamEngine(Chip &chip) : chip_(chip), rows_(kBlocksWide * kRowsMax)
     a_init_done_ = needs_.reg_field("acl_core_tcam_init_done", "tcam_init_done", &f_init_done_);
     a_search_en_ = needs_.reg_field("acl_core_test_search_en", "test_search_en", &f_search_en_);
     a_cfg0_ = needs_.reg_field("acl_core_tcam_glb_cfg0", "blockmode", &f_blockmode_);
+    a_scan_ = needs_.reg_field("acl_core_tcam_scan_enable", "tcam_scan_en", &f_scan_);
     // d0..d2 are the action registers, d3..d9 the rest of a TCAM row.
     char name[48];
     for (uint32_t i = 0; i < kDataRegs; i++) {
@@ -127,6 +129,7 @@ void TcamEngine::clear()
     for (Row &r : rows_) {
         r = Row{};
     }
+    faults_.clear();
 }
 
 uint32_t TcamEngine::blocks() const
@@ -175,6 +178,7 @@ bool TcamEngine::row_set(uint32_t block, uint32_t index, const Row &row)
 {
     Row *r = at(block, index);
     if (r != nullptr) {
+        faults_.emplace(block * kRowsMax + index, *r);
         *r = row;
     }
     return r != nullptr;
@@ -246,6 +250,7 @@ void TcamEngine::write(uint32_t cmd, uint32_t block, uint32_t index)
     if (row == nullptr) {
         return;
     }
+    faults_.erase(block * kRowsMax + index);
     const Plane d = data_regs();
     if (word_get(cmd, f_tcam_start_) != 0) {
         const uint32_t w = width(block);
@@ -344,6 +349,7 @@ void TcamEngine::on_reset(uint32_t bits)
             continue;
         }
         for (uint32_t i = 0; i < kRowsMax; i++) {
+            faults_.erase(b * kRowsMax + i);
             rows_[b * kRowsMax + i] = Row{};
             if (b + kBlocks < blocks()) {
                 rows_[(b + kBlocks) * kRowsMax + i] = Row{};
@@ -352,6 +358,53 @@ void TcamEngine::on_reset(uint32_t bits)
         done |= 1u << b;
     }
     set_reg(a_init_done_, word_set(reg(a_init_done_), f_init_done_, done));
+}
+
+bool TcamEngine::damage(uint32_t block, uint32_t index, uint32_t plane)
+{
+    Row *r = at(block, index);
+    if (r == nullptr || plane > 2) {
+        return false;
+    }
+    (plane == 0 ? r->data[0] : plane == 1 ? r->care[0] : r->action[0]) ^= 1u;
+    return true;
+}
+
+// The error type of a plane that differs from what the CPU wrote: notice,
+// with a single-bit or a multi-bit error.
+static uint32_t _ecc_type(const uint32_t *now, const uint32_t *good, uint32_t words)
+{
+    uint32_t flipped = 0;
+    for (uint32_t i = 0; i < words; i++) {
+        flipped += static_cast<uint32_t>(__builtin_popcount(now[i] ^ good[i]));
+    }
+    return flipped == 0 ? 0 : flipped == 1 ? 0x3u : 0x5u;
+}
+
+void TcamEngine::scan()
+{
+    const uint32_t enabled = word_get(reg(a_scan_), f_scan_);
+    for (auto it = faults_.begin(); it != faults_.end();) {
+        const uint32_t block = it->first / kRowsMax, index = it->first % kRowsMax;
+        if (block >= kBlocks || ((enabled >> block) & 1) == 0) {
+            ++it;
+            continue;
+        }
+        Row &row = rows_[it->first];
+        const Row &good = it->second;
+        const uint32_t types[3] = {_ecc_type(row.data.data(), good.data.data(), kPlaneWords),
+                                   _ecc_type(row.care.data(), good.care.data(), kPlaneWords),
+                                   _ecc_type(row.action.data(), good.action.data(), kActionWords)};
+        if (types[2] == 0x3u) {
+            row.action = good.action; // corrected by the memory
+        }
+        for (uint32_t plane = 0; plane < 3; plane++) {
+            if (types[plane] != 0) {
+                chip_.intr->tcam_error(plane, block, index, types[plane]);
+            }
+        }
+        it = faults_.erase(it);
+    }
 }
 
 } // namespace tide::sim

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <vector>
 
 #include "sim/sim_bits.h"
@@ -61,7 +62,17 @@ public:
     // A row by (block, index), whatever the block's mode; false beyond the
     // chip.
     bool row_get(uint32_t block, uint32_t index, Row *out) const;
+    // A fault of the memory: the row changes without a command, and the
+    // scan finds it.
     bool row_set(uint32_t block, uint32_t index, const Row &row);
+    // A memory error that is reported already: bit 0 of the row's plane
+    // (0 data, 1 care, 2 action) flips; false beyond the chip.
+    bool damage(uint32_t block, uint32_t index, uint32_t plane);
+    // The background scan of the blocks whose scan is enabled
+    // (acl_core_tcam_scan_enable): each row a fault changed is reported
+    // once to the interrupt tree, by plane; an action row with one bit
+    // wrong is corrected by the memory itself.
+    void scan();
 
     // The search of the chip: the first valid row that matches `key` (the
     // top bits of a 320-bit number, key[0] holding bits 31..0) in ascending
@@ -78,6 +89,10 @@ private:
     Chip &chip_;
     DescNeeds needs_;
     std::vector<Row> rows_;
+    // The rows as the CPU last wrote them, of the rows a fault changed.
+    std::map<uint32_t, Row> faults_;
+    uint32_t a_scan_ = 0;
+    FieldRef f_scan_;
 
     // Register addresses and fields, from the description.
     uint32_t a_cmd0_ = 0, a_cmd1_ = 0, a_rr0_ = 0, a_bbm_ = 0, a_init_done_ = 0, a_search_en_ = 0, a_cfg0_ = 0;

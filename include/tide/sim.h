@@ -311,6 +311,44 @@ typedef struct tide_sim_stats {
 } tide_sim_stats;
 TIDE_API int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats);
 
+/* ---- the interrupt tree -------------------------------------------------
+ * Every interrupt type of the chip (module, subid, type, instance: the
+ * numbers of interrupt_api_*) has a status bit and, most, a mask bit.  The
+ * model computes its tree from the leaves up: the second level of the MAG,
+ * SerDes and MACsec sources, the category registers, the top register and
+ * the line to the interrupt wait.  The line is level-sensitive: once the
+ * SDK enables it again after a wait, it rises again while a cause is
+ * pending.  The engines raise their own events (learning, aging, moves and
+ * full buckets of the MAC table; errors the TCAM scan finds). */
+
+/* Sets the status bits of a type at one instance, as the chip's logic
+ * would.  -4 for a type or instance the chip does not have, and for the
+ * types of the category registers and the top, which the tree computes. */
+TIDE_API int tide_sim_intr_raise(uint32_t chip, uint32_t module_id, uint32_t subid, uint32_t intr_id,
+                                 uint32_t addr_idx);
+
+/* An ECC error of a memory: the details go into the type's debug register
+ * (the error type and the entry), its counts grow by one, and the type is
+ * raised.  With `corrupt` 1 the stored entry is damaged too (a bit of a
+ * direct table entry, of a TCAM row's plane or action), so that a repair
+ * shows. */
+typedef struct tide_sim_ecc_error {
+    uint32_t module_id;
+    uint32_t subid;
+    uint32_t intr_id;
+    uint32_t addr_idx;
+    uint32_t ecc_type; /* bit 0 notice, bit 1 single-bit, bit 2 multi-bit error */
+    uint32_t index;    /* the damaged entry (the row of a TCAM block) */
+    uint32_t corrupt;
+} tide_sim_ecc_error;
+/* -4 for a type without ECC description or an entry beyond its memory,
+ * -20 for NULL. */
+TIDE_API int tide_sim_ecc_inject(uint32_t chip, const tide_sim_ecc_error *error);
+
+/* The level of the chip's interrupt line: 1 while a cause is pending and
+ * enabled and the line is open. */
+TIDE_API int tide_sim_intr_line_get(uint32_t chip, uint32_t *level);
+
 TIDE_END_DECLS
 
 #endif /* TIDE_SIM_H */

@@ -13,6 +13,7 @@
 #include <tide/acl.h>
 #include <tide/base.h>
 #include <tide/init.h>
+#include <tide/interrupt.h>
 #include <tide/l2.h>
 #include <tide/port.h>
 
@@ -242,5 +243,42 @@ API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
     OP(global_cfg_get, (u32 chip_id, u32 flag, acl_global_cfg *cfg), (chip_id, flag, cfg), PTRS)
 
 API_DECLARE_FAMILY(acl, TIDE_ACL_OPS)
+/* ---- interrupt: 24 slots ------------------------------------------------- */
+#define TIDE_INTERRUPT_OPS(OP)                                                                              \
+    OP(support_module_dump, (u32 chip_id), (chip_id))                                                      \
+    OP(module_status_dump, (u32 chip_id, intr_module module, intr_type type), (chip_id, module, type))      \
+    OP(clear_all, (u32 chip_id), (chip_id))                                                                \
+    OP(clear, (u32 chip_id, intr_module module, intr_type type), (chip_id, module, type))                   \
+    OP(enable_set, (u32 chip_id, intr_module module, intr_type type, u32 enable),                          \
+       (chip_id, module, type, enable))                                                                     \
+    OP(mask_get, (u32 chip_id, intr_module module, intr_type type, u32 *mask), (chip_id, module, type, mask)) \
+    OP(status_get, (u32 chip_id, intr_module module, intr_type type, u32 *status),                         \
+       (chip_id, module, type, status))                                                                     \
+    OP(subid_types_get, (u32 chip_id, u32 module_id, u32 *count), (chip_id, module_id, count))             \
+    OP(onesubid_types_get, (u32 chip_id, u32 module_id, u32 subid, u32 *count),                            \
+       (chip_id, module_id, subid, count))                                                                  \
+    OP(base_info_get, (u32 chip_id, u32 module_id), (chip_id, module_id))                                  \
+    OP(debug_get, (u32 chip_id, intr_module module, intr_type type, intr_debug *debug),                    \
+       (chip_id, module, type, debug))                                                                      \
+    OP(debug_info_get, (u32 chip_id, intr_module module, intr_type type, intr_debug_info *info),           \
+       (chip_id, module, type, info))                                                                       \
+    OP(callback_register, (u32 chip_id, intr_module module, intr_type type, intr_callback callback),       \
+       (chip_id, module, type, callback))                                                                   \
+    OP(callback_unregister, (u32 chip_id, intr_module module, intr_type type), (chip_id, module, type))     \
+    OP(stats_get, (u32 chip_id, intr_module module, intr_type type, u32 *count),                           \
+       (chip_id, module, type, count))                                                                      \
+    OP(stats_clear, (u32 chip_id, intr_module module, intr_type type), (chip_id, module, type))             \
+    OP(ecc_error_cnt_get, (u32 chip_id, intr_ecc_cnt_para para, u32 *cnt), (chip_id, para, cnt))           \
+    OP(ecc_module_ecc_types_get, (u32 chip_id, u32 module_id, u32 *count), (chip_id, module_id, count))    \
+    OP(ecc_info_get, (u32 chip_id, intr_module module, intr_type type, intr_ecc_info *info),               \
+       (chip_id, module, type, info))                                                                       \
+    OP(ecc_lpm_se_get, (u32 chip_id, u32 table_type, u32 *param, u32 *tbl_num),                            \
+       (chip_id, table_type, param, tbl_num))                                                               \
+    OP(default_action_set, (u32 chip_id, u32 action), (chip_id, action))                                   \
+    OP(default_action_get, (u32 chip_id, u32 *action), (chip_id, action))                                  \
+    OP(lport_to_reg_index, (u32 chip_id, u32 lport, u32 kind, u8 *index), (chip_id, lport, kind, index))   \
+    OP(reg_index_to_lport, (u32 chip_id, u8 index, u32 kind, u32 *lport), (chip_id, index, kind, lport))
+
+API_DECLARE_FAMILY(interrupt, TIDE_INTERRUPT_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

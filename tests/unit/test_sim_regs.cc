@@ -43,7 +43,7 @@ TEST_F(SimRegs, ReservedBitsReadZero)
 
 TEST_F(SimRegs, InterruptStatusClearsWhereOnesAreWritten)
 {
-    const u32 a = addr_of(cib_lsw_hreg_lsw_fatal_0);
+    const u32 a = addr_of(cib_arl_int_sta);
     // The chip raises bits 0, 3 and 19.
     ASSERT_EQ(tide_sim_reg_poke(0, 4, a, (1u << 19) | (1u << 3) | 1u), 0);
     ASSERT_EQ(hal_reg_write_32(0, 4, a, 1u << 3), 0);

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr u32 kModeDebug = 33;
+constexpr u32 kModeDebug = CLI_MODE_DEBUG;
 
 // The stages of the copy engine, as the commands name them, with their
 // debug counters.

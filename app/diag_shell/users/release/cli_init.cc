@@ -84,11 +84,13 @@ void cli_cmd_init_all(void)
     cli_cmd_init_l2();
     cli_cmd_init_base_hash();
     cli_cmd_init_acl();
+    cli_cmd_init_debug_interrupt();
     cli_cmd_init_port();
     cli_cmd_init_config();
     cli_cmd_init_common();
     cli_cmd_init_base();
     cli_cmd_init_debug_reef_mcc();
+    cli_cmd_init_interrupt();
     cli_cmd_init_sim();
     cli_cmd_init_view();
 }

@@ -74,6 +74,9 @@ i32 cli_base_plane_check(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 
 /* The replication engine's commands of mode `debug`. */
 void cli_cmd_init_debug_reef_mcc(void);
+/* Mode `interrupt`, and the interrupt commands of mode `debug`. */
+void cli_cmd_init_interrupt(void);
+void cli_cmd_init_debug_interrupt(void);
 
 /* The commands of the chip model, in mode "sim". */
 void cli_cmd_init_sim(void);

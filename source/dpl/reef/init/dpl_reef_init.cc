@@ -15,6 +15,7 @@
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/mcc/dpl_reef_mcc.h"
 #include "dpl/reef/init/dpl_reef_init.h"
+#include "dpl/reef/interrupt/dpl_reef_interrupt.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "hal/hal_op/hal.h"
 #include "shared/shr_property_int.h"
@@ -36,10 +37,12 @@ constexpr dpl_step kSoftInit[] = {
     {"mcc", dpl_reef_mcc_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
     {"acl", dpl_reef_acl_fp_soft_init, nullptr},
+    {"interrupt", dpl_reef_interrupt_soft_init, nullptr},
 };
 
 // Software deinit, in order.
 constexpr dpl_step kSoftDeinit[] = {
+    {"interrupt", dpl_reef_interrupt_soft_deinit, nullptr},
     {"acl", dpl_reef_acl_fp_soft_deinit, "[SOFT-DEINIT: %13s]init failed!!!!!!![ret=%d]\r\n"},
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"mcc", dpl_reef_mcc_soft_deinit, nullptr},
@@ -57,6 +60,7 @@ constexpr dpl_step kHwInit[] = {
     {"l2", dpl_reef_l2_hw_init, nullptr},
     {"mcc", dpl_reef_mcc_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
+    {"interrupt", dpl_reef_interrupt_hw_init, nullptr},
 };
 
 // Hardware deinit, in order.
@@ -64,6 +68,7 @@ constexpr dpl_step kHwDeinit[] = {
     {"mcc", dpl_reef_mcc_hw_deinit, nullptr},
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
+    {"interrupt", dpl_reef_interrupt_hw_deinit, nullptr},
 };
 
 constexpr const char *kSoftInitOk = "[SOFT-INIT: %13s]............[OK]\r\n";
