@@ -9,37 +9,16 @@
 #include "app/diag_shell/shell/cli/cli_core.h"
 #include "atolreef_cib.h"
 #include "csl/reef/service/tcam_mgmt/csl_reef_tcam_mgmt.h"
-#include "support/cli_lines.h"
 #include "support/fixture.h"
+#include "support/mode_cli.h"
 
 using tide::test::Capture;
-using tide::test::SimChips;
 
 namespace {
 
-class BaseCli : public SimChips, public tide::test::CliLines {
+class BaseCli : public tide::test::ModeCli {
 protected:
-    BaseCli() : SimChips(1, 1) {}
-    void SetUp() override
-    {
-        SimChips::SetUp();
-        ASSERT_EQ(run("base"), 0);
-    }
-    void TearDown() override
-    {
-        cli_ctree_free();
-        SimChips::TearDown();
-    }
-
-    // A line; `out_` gets what the handler printed and what the library
-    // printed on its output.
-    i32 run(const std::string &line)
-    {
-        Capture::clear();
-        const i32 r = CliLines::run(line);
-        out_ += Capture::output();
-        return r;
-    }
+    BaseCli() : ModeCli("base", true) {}
     bool has(const char *text) const { return said(text); }
 };
 

@@ -8,37 +8,17 @@
 #include <string>
 
 #include "app/diag_shell/shell/cli/cli_core.h"
-#include "support/cli_lines.h"
 #include "support/fixture.h"
+#include "support/mode_cli.h"
 #include "support/wait.h"
 
 using tide::test::Capture;
-using tide::test::SimChips;
 
 namespace {
 
-class IntrCli : public SimChips, public tide::test::CliLines {
+class IntrCli : public tide::test::ModeCli {
 protected:
-    IntrCli() : SimChips(1, 1) {}
-    void SetUp() override
-    {
-        SimChips::SetUp();
-        ASSERT_EQ(run("interrupt"), 0);
-    }
-    void TearDown() override
-    {
-        cli_ctree_free();
-        SimChips::TearDown();
-    }
-    // A line; `out_` gets what the handler printed and what the library
-    // printed on its output.
-    i32 run(const std::string &line)
-    {
-        Capture::clear();
-        const i32 r = CliLines::run(line);
-        out_ += Capture::output();
-        return r;
-    }
+    IntrCli() : ModeCli("interrupt", true) {}
     u32 served(u32 module, u32 subid, u32 type)
     {
         u32 n = 0;

@@ -7,26 +7,15 @@
 #include "app/diag_shell/shell/cli/cli_core.h"
 #include "atolreef_cib.h"
 #include "dpl/reef/mcc/dpl_reef_mcc.h"
-#include "support/cli_lines.h"
 #include "support/fixture.h"
+#include "support/mode_cli.h"
 
-using tide::test::SimChips;
 
 namespace {
 
-class MccCli : public SimChips, public tide::test::CliLines {
+class MccCli : public tide::test::ModeCli {
 protected:
-    MccCli() : SimChips(1, 1) {}
-    void SetUp() override
-    {
-        SimChips::SetUp();
-        ASSERT_EQ(run("debug"), 0);
-    }
-    void TearDown() override
-    {
-        cli_ctree_free();
-        SimChips::TearDown();
-    }
+    MccCli() : ModeCli("debug") {}
     static u32 field(u32 reg, const char *name)
     {
         u32 v = 0;
