@@ -55,7 +55,12 @@ class ArlEngine;
 class TcamEngine;
 class Pipeline;
 class TapPorts;
+class SerdesEngine;
+class SerdesFabric;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
+// Runs before a CPU read of the address: the chip's logic brings the word
+// up to date.
+using ReadHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr)>;
 
 struct Region {
     uint8_t *mem = nullptr;
@@ -65,7 +70,7 @@ struct Region {
 
 class Chip {
 public:
-    Chip(uint32_t id, uint32_t bus_number);
+    Chip(uint32_t id, uint32_t bus_number, SerdesFabric *fabric = nullptr);
     ~Chip();
     Chip(const Chip &) = delete;
     Chip &operator=(const Chip &) = delete;
@@ -112,6 +117,11 @@ public:
     int bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value);
 
     void on_write(uint32_t bar, uint32_t addr, WriteHandler handler);
+    // A handler of every 32-bit word in [first, end) that has none of its
+    // own.
+    void on_write_range(uint32_t bar, uint32_t first, uint32_t end, WriteHandler handler);
+    void on_read(uint32_t bar, uint32_t addr, ReadHandler handler);
+    void on_read_range(uint32_t bar, uint32_t first, uint32_t end, ReadHandler handler);
 
     // Write log.
     void log_get(tide_sim_write *out, uint32_t max, uint32_t *count);
@@ -140,6 +150,11 @@ public:
     std::unique_ptr<Pipeline> pkt;
     // The front ports bound to TAP devices, and their I/O thread.
     std::unique_ptr<TapPorts> tap;
+    // The SerDes lanes.
+    std::unique_ptr<SerdesEngine> serdes;
+
+    // Microseconds the SDK waited for the chip to settle.
+    std::atomic<uint64_t> waited_us{0};
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
@@ -158,6 +173,15 @@ private:
     uint32_t bus_number_;
     std::array<Region, kApCount> regions_{};
     std::unordered_map<uint64_t, WriteHandler> write_handlers_;
+    std::unordered_map<uint64_t, ReadHandler> read_handlers_;
+    template <typename H>
+    struct RangeHandler {
+        uint32_t bar, first, end;
+        H handler;
+    };
+    std::vector<RangeHandler<WriteHandler>> write_ranges_;
+    std::vector<RangeHandler<ReadHandler>> read_ranges_;
+    void run_read_handler(uint32_t bar, uint32_t addr);
     std::vector<tide_sim_write> log_;
     size_t log_next_ = 0;
     size_t log_count_ = 0;
@@ -213,6 +237,10 @@ private:
 
     int dma_alloc(hal_devio *io);
     int dma_free(hal_devio *io);
+
+public:
+    // The cables between the chips' SerDes lanes; it outlives the chips.
+    std::unique_ptr<SerdesFabric> serdes_fabric;
 };
 
 } // namespace tide::sim

@@ -14,6 +14,7 @@
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/port/dpl_reef_port.h"
+#include "dpl/reef/serdes/dpl_reef_serdes.h"
 #include "hal/hal_op/hal.h"
 #include "shared/shr_property_int.h"
 #include "sal/linux_um/xsal_int.h"
@@ -30,6 +31,7 @@ struct dpl_step {
 // Software init, in order.
 constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
+    {"serdes", dpl_reef_serdes_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
 };
@@ -38,6 +40,7 @@ constexpr dpl_step kSoftInit[] = {
 constexpr dpl_step kSoftDeinit[] = {
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
+    {"serdes", dpl_reef_serdes_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
 };
 
@@ -45,6 +48,7 @@ constexpr dpl_step kSoftDeinit[] = {
 // phases around the feature modules: their MACs open only when the core
 // can take packets.
 constexpr dpl_step kHwInit[] = {
+    {"serdes", dpl_reef_serdes_hw_init, nullptr},
     {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
     {"l2", dpl_reef_l2_hw_init, nullptr},
@@ -55,6 +59,7 @@ constexpr dpl_step kHwInit[] = {
 constexpr dpl_step kHwDeinit[] = {
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
+    {"serdes", dpl_reef_serdes_hw_deinit, nullptr},
 };
 
 constexpr const char *kSoftInitOk = "[SOFT-INIT: %13s]............[OK]\r\n";
