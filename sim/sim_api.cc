@@ -586,6 +586,7 @@ int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats)
     }
     stats->dma_frees = m->dma_frees_get();
     stats->irq_mask = c->irq_mask.load();
+    stats->irq_waiters = c->irq_waiters();
     return 0;
 }
 

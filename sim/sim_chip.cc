@@ -331,12 +331,20 @@ int Chip::irq_wait()
 {
     std::unique_lock<std::mutex> lock(irq_mutex_);
     const uint64_t generation = irq_exit_generation_;
+    irq_waiters_++;
     irq_cv_.wait(lock, [&] { return irq_pending_ > 0 || irq_exit_generation_ != generation; });
+    irq_waiters_--;
     if (irq_exit_generation_ != generation) {
         return -12;
     }
     irq_pending_--;
     return 0;
+}
+
+uint64_t Chip::irq_waiters()
+{
+    std::lock_guard<std::mutex> lock(irq_mutex_);
+    return irq_waiters_;
 }
 
 void Chip::irq_exit()

@@ -130,6 +130,9 @@ public:
     // Interrupt line.
     int irq_wait();
     void irq_exit();
+    // Threads inside irq_wait, past the point from which an exit ends
+    // their wait.
+    uint64_t irq_waiters();
     void irq_raise();
     std::atomic<uint64_t> irq_mask{0};
 
@@ -190,6 +193,7 @@ private:
     std::condition_variable irq_cv_;
     uint64_t irq_pending_ = 0;
     uint64_t irq_exit_generation_ = 0;
+    uint64_t irq_waiters_ = 0;
 
     void install_engines();
     // A CPU access of one 32-bit word of the switch core, as its register

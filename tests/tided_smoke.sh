@@ -5,9 +5,23 @@
 #   tided_smoke.sh <tided>
 set -eu
 tided=$1
-out=$(mktemp)
-cfg=$(mktemp)
-trap 'rm -f "$out" "$cfg"' EXIT
+# Everything of this run in a directory of its own, the shell's socket too:
+# runs of other build trees may go on at the same time, and a tided of the
+# default socket would take another one's place.
+dir=$(mktemp -d "${TMPDIR:-/tmp}/tided-smoke.XXXXXX")
+out=$dir/out
+cfg=$dir/chip_config.txt
+sock=$dir/shell.sock
+pid=
+cleanup() {
+    if [ -n "$pid" ]; then
+        kill "$pid" 2>/dev/null || true
+        wait "$pid" 2>/dev/null || true
+    fi
+    rm -rf "$dir"
+}
+trap cleanup EXIT
+trap 'exit 1' INT TERM
 
 run() { # run <signal> <args...>
     sig=$1
@@ -26,12 +40,12 @@ run() { # run <signal> <args...>
     kill -s "$sig" $pid
     rc=0
     wait $pid || rc=$?
+    pid=
     if [ $rc -ne 0 ]; then
         echo "tided exited with $rc after SIG$sig:"; cat "$out"; exit 1
     fi
 }
 
-sock=$(mktemp -u "${TMPDIR:-/tmp}/tided-smoke.XXXXXX")
 run INT --socket "$sock"
 grep -q "chip 0 (atolreef) is up" "$out"
 grep -q "shell server on unix:$sock" "$out"
@@ -45,7 +59,7 @@ grep -q "SIGTERM, shutting down" "$out"
 
 # The configuration file: a setting for chip 1 only.
 printf 'debug_level_init=3\nchip_hw_init.chip1=0\n' >"$cfg"
-run INT --chips 2 --config "$cfg"
+run INT --chips 2 --config "$cfg" --socket "$sock"
 [ "$(grep -c 'no hw init' "$out")" -eq 1 ] || { echo "chip_hw_init.chip1 not applied:"; cat "$out"; exit 1; }
 grep -q "SOFT-INIT:          base" "$out"
 rc=0

@@ -315,6 +315,7 @@ typedef struct tide_sim_stats {
     uint64_t irq_mask;     /* last mask given by IRQ_ENABLE */
     uint64_t hook_reads;   /* register reads through the hooks */
     uint64_t hook_writes;  /* register writes through the hooks */
+    uint64_t irq_waiters;  /* threads blocked in IRQ_WAIT, which IRQ_EXIT ends */
 } tide_sim_stats;
 TIDE_API int tide_sim_stats_get(uint32_t chip, tide_sim_stats *stats);
 

@@ -6,7 +6,7 @@
 #   run.sh [build dir [seconds per fuzzer [fuzzer...]]]
 # The fuzzers are named without their "fuzz_" prefix: cli_parse cli_grammar
 # cli_msg property l2_msg hal_cmd (all of them by default).  Each prints its
-# random seed; TIDE_FUZZ_SEED=<seed> runs with that one again.
+# random seed; TIDE_FUZZ_SEED=<seed> (or TIDE_TEST_SEED) runs with that one again.
 set -eu
 src=$(cd "$(dirname "$0")" && pwd)
 dir=${1:-$src/../../build/fuzz}
@@ -40,11 +40,14 @@ for entry in $table; do
     mkdir -p "$corpus"
     echo "== fuzz_$name: ${secs} s"
     log="$dir/fuzz_$name.log"
+    seed=${TIDE_FUZZ_SEED:-${TIDE_TEST_SEED:-}}
     if ! "$dir/fuzz_$name" -max_total_time="$secs" -max_len="$max_len" -timeout=10 -rss_limit_mb=2048 \
-        ${TIDE_FUZZ_SEED:+-seed="$TIDE_FUZZ_SEED"} -artifact_prefix="$dir/fuzz_$name-" -print_final_stats=1 \
+        ${seed:+-seed="$seed"} -artifact_prefix="$dir/fuzz_$name-" -print_final_stats=1 \
         "$corpus" "$src/seeds/$seeds" >"$log" 2>&1; then
-        grep -m1 '^INFO: Seed:' "$log" || true
         tail -n 60 "$log"
+        used=$(sed -n 's/^INFO: Seed: \([0-9]*\).*/\1/p' "$log" | head -n 1)
+        echo "fuzz_$name failed with seed $used: TIDE_FUZZ_SEED=$used draws the same inputs from the same"
+        echo "corpus ($corpus); the failing input is kept in $dir/"
         exit 1
     fi
     grep -m1 '^INFO: Seed:' "$log" || true

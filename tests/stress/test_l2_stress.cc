@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "support/fixture.h"
+#include "support/wait.h"
 #include "tide_int.h"
 
 using tide::test::SimChips;
@@ -40,9 +41,9 @@ struct Worker {
     u64 ops = 0;
     u32 errors = 0;
 
-    void run(const std::atomic<bool> &stop)
+    void run(const std::atomic<bool> &stop, uint64_t seed)
     {
-        std::mt19937 rng(id + 1);
+        std::mt19937 rng(static_cast<std::mt19937::result_type>(seed + id));
         while (!stop.load(std::memory_order_relaxed)) {
             const u32 n = rng() % kPool;
             l2_addr a = addr_of(id, n);
@@ -80,12 +81,15 @@ TEST_F(L2Stress, FourThreadsOnDisjointAddressesLeaveExactCounts)
 {
     const char *env = std::getenv("TIDE_STRESS_SECONDS");
     const int seconds = env != nullptr ? std::atoi(env) : 10;
+    // Thread t draws from seed + t; the threads' interleaving is the
+    // scheduler's, so a seed gives each thread's sequence back, not the run.
+    TIDE_TEST_SEED(seed, 1);
     std::atomic<bool> stop{false};
     std::vector<Worker> workers(kThreads);
     std::vector<std::thread> threads;
     for (u32 t = 0; t < kThreads; t++) {
         workers[t].id = t;
-        threads.emplace_back([&, t] { workers[t].run(stop); });
+        threads.emplace_back([&, t] { workers[t].run(stop, seed); });
     }
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     stop = true;

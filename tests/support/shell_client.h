@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/diag_shell/shell/server/user/cli_msg.h"
+#include "tests/support/wait.h"
 
 namespace tide::test {
 
@@ -58,6 +59,9 @@ inline std::vector<u8> exec_body(const std::string &cmd, i32 chip, i32 mode, con
 
 class WireClient {
 public:
+    // How long a reply that must come may take on a loaded machine.
+    static constexpr i32 k_patience_s = static_cast<i32>(tide_test::kPatience.count());
+
     explicit WireClient(const std::string &path) : fd_(cli_msg_connect_unix(path.c_str())) {}
     explicit WireClient(u16 port) : fd_(cli_msg_connect_tcp(port)) {}
     ~WireClient()
@@ -81,7 +85,7 @@ public:
 
     // The next message, or nothing at the end of the stream or after
     // `timeout_s` seconds.
-    std::optional<WireMsg> recv(i32 timeout_s = 10)
+    std::optional<WireMsg> recv(i32 timeout_s = k_patience_s)
     {
         const i32 n = cli_msg_recv(fd_, &buf_, &size_, timeout_s, 0);
         if (n < 0) {
@@ -97,7 +101,7 @@ public:
 
     // True when the server ended the connection (an end of file, or a
     // reset when it left data unread).
-    bool closed(i32 timeout_s = 10)
+    bool closed(i32 timeout_s = k_patience_s)
     {
         u8 byte = 0;
         return block_read(fd_, &byte, 1, timeout_s) <= 0 && errno != ETIMEDOUT;

@@ -10,6 +10,7 @@
 #include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_param.h"
 #include "tests/support/fixture.h"
+#include "tests/support/temp_dir.h"
 
 using namespace tide::test;
 
@@ -123,7 +124,8 @@ TEST(CliParam, AddressesAndHexData)
                   .find("You should give data via hex, start with '0x'"),
               std::string::npos);
     EXPECT_EQ(cli_hex_string_to_u8_array("0x0102030405", data, sizeof(data), &n), -1);
-    const std::string path = "/tmp/tide-hex-" + std::to_string(getpid());
+    tide_test::TempDir dir;
+    const std::string path = dir.file("hex");
     FILE *f = std::fopen(path.c_str(), "w");
     std::fputs("0x0102\r\nignored\n", f);
     std::fclose(f);

@@ -18,6 +18,7 @@
 #include "support/port_fake.h"
 #include "tests/support/cli_catalogue.h"
 #include "tests/support/shell_client.h"
+#include "tests/support/temp_dir.h"
 
 using namespace tide::test::port_fake;
 
@@ -283,7 +284,8 @@ TEST_F(CliPort, WithoutADriverTheServicesOwnAnswersShow)
 
 TEST_F(CliPort, TheRecordsAsAClientDownloadsThemAndOneRunThroughTheServer)
 {
-    const std::string path = ::testing::TempDir() + "/tide_cli_port_" + std::to_string(getpid()) + ".sock";
+    tide_test::TempDir dir;
+    const std::string path = dir.file("shell.sock");
     ASSERT_EQ(cli_server_socket_path_set(path.c_str()), 0);
     ASSERT_EQ(cli_server_main(0), 0);
     {

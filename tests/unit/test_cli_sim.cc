@@ -12,6 +12,7 @@
 #include "support/cli_lines.h"
 #include "support/fixture.h"
 #include "support/netns.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -74,7 +75,8 @@ TEST_F(CliSim, ClockAndCaptureFile)
 {
     EXPECT_EQ(run("time advance 1500"), 0);
     EXPECT_NE(out_.find("model time 1500 ms"), std::string::npos) << out_;
-    const std::string path = ::testing::TempDir() + "/tide_cli_sim_" + std::to_string(getpid()) + ".pcapng";
+    tide_test::TempDir dir;
+    const std::string path = dir.file("capture.pcapng");
     EXPECT_EQ(run("pcap open " + path), 0);
     EXPECT_EQ(run("inject port 1 " + kFrame), 0);
     EXPECT_EQ(run("pcap close"), 0);

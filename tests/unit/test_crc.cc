@@ -9,6 +9,7 @@
 #include "csl/reef/reg_tbl/csl_reef_crc.h"
 #include "shared/shr_int.h"
 #include "support/fixture.h"
+#include "support/wait.h"
 
 namespace {
 
@@ -75,7 +76,8 @@ TEST(Crc, Crc32RoundsAndTheirInverse)
     for (u32 b = 0; b < 256; b++) {
         EXPECT_EQ(g_shr_crc32_bytetable[g_shr_crc32_bytetable_reverse_index[b]] & 0xFF, b);
     }
-    std::mt19937 rng(0xC3C);
+    TIDE_TEST_SEED(seed, 0xC3C);
+    std::mt19937 rng(static_cast<std::mt19937::result_type>(seed));
     for (int i = 0; i < 100000; i++) {
         const u32 x = static_cast<u32>(rng());
         const u32 c = shr_crc32(x);
@@ -87,7 +89,8 @@ TEST(Crc, Crc32RoundsAndTheirInverse)
 
 TEST(Crc, D64MatchesTheBitByBitRegister)
 {
-    std::mt19937_64 rng(0xD64);
+    TIDE_TEST_SEED(seed, 0xD64);
+    std::mt19937_64 rng(seed);
     for (int i = 0; i < 20000; i++) {
         const Bits64 bits = bits_of(rng());
         for (u32 t = 0; t < 4; t++) {

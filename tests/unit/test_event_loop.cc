@@ -1,23 +1,21 @@
 // The shell's event loop: timer order and cancel, the loop clock across a
 // step of the wall clock, descriptors, events, stop, and the heap itself.
 #include <gtest/gtest.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <chrono>
-#include <cstdlib>
 #include <random>
 #include <set>
 #include <thread>
 #include <vector>
 
 #include "app/diag_shell/shell/vty/thread.h"
+#include "support/wait.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 // What the callbacks of a test saw, in order.
 struct Seen {
@@ -61,7 +59,8 @@ protected:
 
 TEST_F(EventLoop, ThousandTimersFireInOrderWithoutTheCancelledOnes)
 {
-    std::mt19937 rng(7);
+    TIDE_TEST_SEED(seed, 7);
+    std::mt19937 rng(static_cast<std::mt19937::result_type>(seed));
     std::vector<vthread *> timers;
     for (int i = 0; i < 1000; i++) {
         timers.push_back(thread_add_timer_msec(m_, _record, id(i), static_cast<long>(rng() % 40)));
@@ -91,53 +90,74 @@ TEST_F(EventLoop, ThousandTimersFireInOrderWithoutTheCancelledOnes)
     EXPECT_EQ(m_->unuse.count, 1000u);
 }
 
-// A wall clock that the test moves: the system's clock plus an offset.
-std::atomic<long> g_wall_offset_sec;
+// A wall clock that the test moves: it starts at the system's clock and
+// goes on by 50 ms at every reading, plus what the test adds.  The loop's
+// times then follow from its readings alone, whatever the machine's speed.
+std::atomic<long long> g_wall_usec;
 
-int _shifted_wallclock(struct timeval *tv)
+int _stepping_wallclock(struct timeval *tv)
 {
-    struct timespec ts;
-    clock_gettime(CLOCK_REALTIME, &ts);
-    tv->tv_sec = ts.tv_sec + g_wall_offset_sec.load();
-    tv->tv_usec = ts.tv_nsec / 1000;
+    const long long now = g_wall_usec.fetch_add(50000);
+    tv->tv_sec = static_cast<time_t>(now / 1000000);
+    tv->tv_usec = static_cast<suseconds_t>(now % 1000000);
     return 0;
 }
 
+constexpr long long k_hour_usec = 3600LL * 1000000;
+
 int _step_back_an_hour(vthread *)
 {
-    g_wall_offset_sec -= 3600;
+    g_wall_usec -= k_hour_usec;
     return 0;
+}
+
+// What the loop's clock said when the callbacks ran.
+std::vector<struct timeval> g_ran_at;
+
+int _record_time(vthread *t)
+{
+    g_ran_at.push_back(recent_relative_time());
+    return _record(t);
 }
 
 TEST_F(EventLoop, WallClockStepBackwardsDoesNotStallTimers)
 {
-    g_wall_offset_sec = 0;
-    vthread_wallclock_set(_shifted_wallclock);
-    const struct timeval before = recent_relative_time();
+    struct timespec ts;
+    clock_gettime(CLOCK_REALTIME, &ts);
+    g_wall_usec = static_cast<long long>(ts.tv_sec) * 1000000 + ts.tv_nsec / 1000;
+    g_ran_at.clear();
+    vthread_wallclock_set(_stepping_wallclock);
     // A timer that is due in 300 ms, and the clock stepping back an hour
     // before it is.
-    ASSERT_NE(thread_add_timer_msec(m_, _record, id(1), 300), nullptr);
+    vthread *first = thread_add_timer_msec(m_, _record_time, id(1), 300);
+    ASSERT_NE(first, nullptr);
+    const struct timeval due = first->u.sands;
+    const struct timeval before = recent_relative_time();
     ASSERT_NE(thread_add_event(m_, _step_back_an_hour, nullptr, 0), nullptr);
     g_seen.stop_after = 1;
-    const auto start = Clock::now();
     thread_main(m_);
     ASSERT_EQ(g_seen.ids, std::vector<int>{1});
-    // The step counted as one second of the loop's clock.
-    EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(1000));
+    // The step counted as one second of the loop's clock, and the timer
+    // ran once its delay had passed on that clock, not an hour later.
     EXPECT_GE(recent_relative_time().tv_sec, before.tv_sec + 1);
+    ASSERT_EQ(g_ran_at.size(), 1u);
+    EXPECT_GE(timeval_elapsed(g_ran_at[0], due), 0);
+    EXPECT_LT(timeval_elapsed(g_ran_at[0], due), 1000000);
     // A timer added after the step waits for its delay, not for an hour.
-    ASSERT_NE(thread_add_timer_msec(m_, _record, id(2), 100), nullptr);
+    vthread *second = thread_add_timer_msec(m_, _record_time, id(2), 100);
+    ASSERT_NE(second, nullptr);
+    const struct timeval added = recent_relative_time();
     g_seen.stop_after = 2;
-    const auto second = Clock::now();
     thread_main(m_);
     ASSERT_EQ(g_seen.ids, (std::vector<int>{1, 2}));
-    EXPECT_GE(Clock::now() - second, std::chrono::milliseconds(90));
-    EXPECT_LT(Clock::now() - second, std::chrono::milliseconds(2000));
+    ASSERT_EQ(g_ran_at.size(), 2u);
+    EXPECT_GE(timeval_elapsed(g_ran_at[1], added), 100000);
+    EXPECT_LT(timeval_elapsed(g_ran_at[1], added), 1000000);
     vthread *t = thread_add_timer(m_, _record, id(3), 5);
     ASSERT_NE(t, nullptr);
-    g_wall_offset_sec -= 3600;
+    g_wall_usec -= k_hour_usec;
     EXPECT_LE(vthread_timer_remain_second(t), 4u);
-    g_wall_offset_sec += 7200; // forward: the rest is never negative
+    g_wall_usec += 2 * k_hour_usec; // forward: the rest is never negative
     EXPECT_EQ(thread_timer_remain(t).tv_sec, 0);
     EXPECT_EQ(thread_timer_remain(t).tv_usec, 0);
 }
@@ -163,6 +183,15 @@ struct Pipe {
     }
 };
 
+// The system's wall clock, counting its readings.
+std::atomic<int> g_clock_reads;
+
+int _counting_wallclock(struct timeval *tv)
+{
+    g_clock_reads++;
+    return gettimeofday(tv, nullptr);
+}
+
 int _drain_and_stop(vthread *t)
 {
     char c = 0;
@@ -183,14 +212,21 @@ TEST_F(EventLoop, ReadInterestIsOneShotAndSleepsUntilTheDescriptorIsReady)
     EXPECT_EQ(m_->read[p.fd[0]], first);
     EXPECT_EQ(thread_add_write(m_, _record, nullptr, THREAD_FD_LIMIT), nullptr);
     EXPECT_EQ(thread_add_read(m_, _record, nullptr, -1), nullptr);
-    // Nothing else is registered: the loop waits without limit.
-    std::thread writer([&p] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    // Nothing else is registered: the loop waits without limit.  The
+    // writer waits until the loop has read its clock for the wait and
+    // sleeps; the loop reads the clock once more when select returns, and
+    // only then, as the wait had no end of its own.
+    g_clock_reads = 0;
+    vthread_wallclock_set(_counting_wallclock);
+    const pid_t loop = tide_test::thread_id();
+    std::thread writer([&p, loop] {
+        tide_test::eventually([loop] { return g_clock_reads.load() >= 1 && tide_test::thread_sleeps(loop); });
         EXPECT_EQ(write(p.fd[1], "a", 1), 1);
     });
     thread_main(m_);
     writer.join();
     EXPECT_EQ(g_seen.ids, std::vector<int>{'a'});
+    EXPECT_EQ(g_clock_reads.load(), 2);
     // The interest was cleared before the call.
     EXPECT_EQ(m_->read[p.fd[0]], nullptr);
     EXPECT_FALSE(FD_ISSET(p.fd[0], &m_->readfd));
@@ -283,10 +319,15 @@ void _check_clocks()
     errno = 0;
     EXPECT_EQ(vthread_gettime(3, &tv), -1);
     EXPECT_EQ(errno, EINVAL);
+    // Without a step of the wall clock the loop's clock is the wall clock
+    // as it last read it: between the readings before and after.
     struct timeval wall;
+    struct timeval after;
     ASSERT_EQ(vthread_gettime(0, &wall), 0);
     ASSERT_EQ(vthread_gettime(2, &tv), 0);
-    EXPECT_LE(std::labs(timeval_elapsed(tv, wall)), 1000000);
+    ASSERT_EQ(vthread_gettime(0, &after), 0);
+    EXPECT_GE(timeval_elapsed(tv, wall), 0);
+    EXPECT_LE(timeval_elapsed(tv, after), 0);
     ASSERT_EQ(vthread_gettime(1, &tv), 0);
     EXPECT_EQ(timeval_elapsed({5, 100}, {3, 900}), 1999200);
     EXPECT_EQ(timeval_elapsed({3, 900}, {5, 100}), -1999200);
@@ -323,7 +364,8 @@ TEST(EventQueue, HeapKeepsOrderAndPlacesThroughRemovals)
     ASSERT_NE(q, nullptr);
     q->cmp = _item_cmp;
     q->update = _item_update;
-    std::mt19937 rng(11);
+    TIDE_TEST_SEED(seed, 11);
+    std::mt19937 rng(static_cast<std::mt19937::result_type>(seed));
     std::vector<Item> items(2000);
     std::multiset<int> ref;
     std::vector<Item *> in;

@@ -5,13 +5,13 @@
 #include <sys/mman.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstring>
 #include <thread>
 
 #include "hal/hal_op/hal.h"
 #include "hal/linux/linux_haui_um/hal_ui.h"
 #include "support/fixture.h"
+#include "support/wait.h"
 
 using tide::test::Capture;
 using tide::test::SimChips;
@@ -148,23 +148,39 @@ TEST_F(HalOnModel, OpeningTwiceOpensOnce)
     EXPECT_EQ(g_hal_ui_devfd_for_ioctl, fd);
 }
 
+// Threads of chip 0 blocked in the driver's interrupt wait.
+uint64_t _irq_waiters()
+{
+    tide_sim_stats stats{};
+    EXPECT_EQ(tide_sim_stats_get(0, &stats), 0);
+    return stats.irq_waiters;
+}
+
 TEST_F(HalOnModel, InterruptWaitEndsOnExitOrInterrupt)
 {
+    // An exit ends a wait in progress: it is given once the waiter is in.
     std::atomic<int> result{1};
     std::thread waiter([&] { result = hal_irq_wait(0); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    if (!tide_test::eventually([] { return _irq_waiters() == 1; })) {
+        ADD_FAILURE() << "the waiter never blocked in the driver";
+        tide_sim_irq_raise(0);
+        waiter.join();
+        return;
+    }
     EXPECT_EQ(result.load(), 1); // still blocked
     EXPECT_EQ(hal_irq_exit(0), 0);
     waiter.join();
     EXPECT_EQ(result.load(), -12);
+    EXPECT_EQ(_irq_waiters(), 0u);
 
     // An interrupt raised before the wait is held for it.
     ASSERT_EQ(tide_sim_irq_raise(0), 0);
     EXPECT_EQ(hal_irq_wait(0), 0);
-    // An exit with nobody waiting does not end the next wait.
+    // An exit with nobody waiting does not end the next wait, which the
+    // interrupt raised while it waits ends.
     EXPECT_EQ(hal_irq_exit(0), 0);
     std::thread raiser([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        tide_test::eventually([] { return _irq_waiters() == 1; });
         tide_sim_irq_raise(0);
     });
     EXPECT_EQ(hal_irq_wait(0), 0);

@@ -13,6 +13,7 @@
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "support/fixture.h"
 #include "support/sim_arl.h"
+#include "support/wait.h"
 
 using tide::test::ArlImage;
 using tide::test::Capture;
@@ -198,7 +199,8 @@ TEST_F(L2, RecordsAreCheckedBeforeTheTableIsAsked)
 
 TEST_F(L2, FillingTheTableUntilItRefusesKeepsEveryCountRight)
 {
-    std::mt19937_64 rng(7);
+    TIDE_TEST_SEED(seed, 7);
+    std::mt19937_64 rng(seed);
     std::set<u64> added;
     u32 refused_full = 0;
     while (refused_full == 0) {

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <map>
@@ -24,6 +23,7 @@
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "support/fixture.h"
 #include "support/port_fake.h"
+#include "support/wait.h"
 
 using tide::port::pbmp_range;
 using tide::port::pbmp_test;
@@ -379,7 +379,7 @@ void _gate(const char *, u32 lport)
     g_overlap = g_overlap || g_inside_now.size() > 1;
     g_gate_cv.notify_all();
     // Wait for a release, or for a call on another port to be inside too.
-    g_gate_cv.wait_for(hold, std::chrono::seconds(10), [] { return g_release || g_overlap; });
+    g_gate_cv.wait_for(hold, tide_test::kPatience, [] { return g_release || g_overlap; });
     g_inside_now[lport]--;
     g_total_inside--;
     if (g_inside_now[lport] == 0) {
@@ -402,7 +402,7 @@ void _gate_reset()
 void _wait_entered(int n)
 {
     std::unique_lock<std::mutex> hold(g_gate_mu);
-    ASSERT_TRUE(g_gate_cv.wait_for(hold, std::chrono::seconds(10), [n] { return g_entered >= n; }));
+    ASSERT_TRUE(g_gate_cv.wait_for(hold, tide_test::kPatience, [n] { return g_entered >= n; }));
 }
 
 void _release()
@@ -443,11 +443,17 @@ TEST_F(Port, OnePortSerializesAndHoldsOnlyItsLock)
     EXPECT_EQ(xsal_mutex_trylock(g_dpl_reef_port_chip_lock[0]), 0);
     xsal_mutex_unlock(g_dpl_reef_port_chip_lock[0]);
     u32 v = 0;
-    std::thread second([&] { EXPECT_EQ(port_api_enable_get(0, 3, &v), 0); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::atomic<pid_t> second_tid{0};
+    std::thread second([&] {
+        second_tid = tide_test::thread_id();
+        EXPECT_EQ(port_api_enable_get(0, 3, &v), 0);
+    });
+    // Once the second call sleeps, it waits at the port's lock: it has not
+    // reached the driver.
+    tide_test::eventually([&] { return second_tid.load() != 0 && tide_test::thread_sleeps(second_tid.load()); });
     {
         std::lock_guard<std::mutex> hold(g_gate_mu);
-        EXPECT_EQ(g_entered, 1); // the second waits at the port's lock
+        EXPECT_EQ(g_entered, 1);
     }
     _release();
     first.join();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "shared/shr_avl.h"
+#include "support/wait.h"
 #include "unit/counting_alloc.h"
 
 namespace {
@@ -97,7 +98,8 @@ TEST(ShrAvl, RandomInsertsAndDeletesKeepItBalancedOrderedAndCounted)
 {
     tide_test::CountingAlloc alloc;
     shr_avl_table *t = shr_avl_create(_cmp, nullptr, nullptr);
-    std::mt19937 rng(12345);
+    TIDE_TEST_SEED(seed, 12345);
+    std::mt19937 rng(static_cast<std::mt19937::result_type>(seed));
     std::uniform_int_distribution<int> key(1, 4000);
     std::set<intptr_t> model;
     constexpr int kSteps = 100000;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "sal/linux_um/xsal_int.h"
+#include "support/wait.h"
 #include "unit/counting_alloc.h"
 
 namespace {
@@ -115,8 +116,11 @@ TEST(XsalMemPool, RandomPatternsFromSeveralThreadsLeaveNothingBehind)
     tide_test::CountingAlloc alloc;
     ASSERT_EQ(xsal_mem_pool_create(), 0);
     const long after_create = alloc.live();
-    auto worker = [](unsigned seed) {
-        std::mt19937 rng(seed);
+    // Each thread draws from a seed of its own: the test's and the next.
+    TIDE_TEST_SEED(seed, 1);
+    auto worker = [seed](uint64_t offset) {
+        SCOPED_TRACE(tide_test::seed_note(seed));
+        std::mt19937 rng(static_cast<std::mt19937::result_type>(seed + offset));
         std::vector<std::pair<unsigned char *, u32>> held;
         for (int i = 0; i < 4000; i++) {
             if (held.empty() || rng() % 3 != 0) {
@@ -140,8 +144,8 @@ TEST(XsalMemPool, RandomPatternsFromSeveralThreadsLeaveNothingBehind)
             xsal_free_to_mem_pool(p);
         }
     };
-    std::thread a(worker, 1u);
-    std::thread b(worker, 2u);
+    std::thread a(worker, 0);
+    std::thread b(worker, 1);
     a.join();
     b.join();
     EXPECT_EQ(alloc.live(), after_create);

@@ -11,6 +11,7 @@
 #include "hal/hal_op/hal.h"
 #include "support/fixture.h"
 #include "support/sim_arl.h"
+#include "support/wait.h"
 
 using tide::test::SimChips;
 
@@ -100,7 +101,8 @@ TEST_F(SimArl, InsertSearchDeleteAndReplaceRules)
 
 TEST_F(SimArl, FillUntilRefusedThenBatchedCommands)
 {
-    std::mt19937_64 rng(7);
+    TIDE_TEST_SEED(seed, 7);
+    std::mt19937_64 rng(seed);
     std::set<uint64_t> added;
     std::vector<uint32_t> per_port(4, 0);
     uint64_t refused = 0;

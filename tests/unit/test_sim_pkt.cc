@@ -20,6 +20,8 @@
 #include "app/tided/bootstrap_vlan.h"
 #include "atolreef_cib.h"
 #include "support/fixture.h"
+#include "support/temp_dir.h"
+#include "support/wait.h"
 
 using tide::test::SimChips;
 
@@ -451,7 +453,8 @@ TEST_F(SimPkt, RuntOversizeAndBadInputNeverCrash)
     EXPECT_EQ(tide_sim_port_stats_get(0, 1, nullptr), -20);
 
     // Garbage of every length on every port.
-    std::mt19937 rng(7);
+    TIDE_TEST_SEED(seed, 7);
+    std::mt19937 rng(static_cast<std::mt19937::result_type>(seed));
     Frame junk(2000);
     for (int i = 0; i < 2000; i++) {
         for (uint8_t &b : junk) {
@@ -604,7 +607,8 @@ bool read_pcapng(const std::string &path, std::vector<std::string> *ifaces, std:
 
 TEST_F(SimPkt, CaptureFileShowsEveryFrameWithItsPortAndDirection)
 {
-    const std::string path = ::testing::TempDir() + "/tide_sim_" + std::to_string(getpid()) + ".pcapng";
+    tide_test::TempDir dir;
+    const std::string path = dir.file("capture.pcapng");
     EXPECT_EQ(tide_sim_pcap_close(0), -7);
     EXPECT_EQ(tide_sim_pcap_open(0, nullptr), -20);
     EXPECT_EQ(tide_sim_pcap_open(0, "/nonexistent/dir/x.pcapng"), -11);

@@ -19,6 +19,8 @@
 #include <gtest/gtest.h>
 
 #include "app/diag_shell/shell/server/user/cli_server.h"
+#include "support/temp_dir.h"
+#include "support/wait.h"
 
 extern char **environ;
 
@@ -68,15 +70,11 @@ protected:
             cli_cmd_items_link(g_items, 2);
             linked = true;
         }
-        path_ = "/tmp/tidesh-test-" + std::to_string(getpid()) + ".sock";
+        path_ = dir_.file("shell.sock");
         ASSERT_EQ(cli_server_socket_path_set(path_.c_str()), 0);
         ASSERT_EQ(cli_server_main(0), 0);
     }
-    void TearDown() override
-    {
-        cli_server_wait(0);
-        unlink((path_ + ".script").c_str());
-    }
+    void TearDown() override { cli_server_wait(0); }
 
     // Runs tidesh with these arguments and standard input.
     Outcome run(std::vector<std::string> args, const std::string &input = "", bool socket = true)
@@ -120,7 +118,7 @@ protected:
 
     std::string file(const std::string &text)
     {
-        const std::string name = path_ + ".script";
+        const std::string name = dir_.file("script");
         std::ofstream(name) << text;
         return name;
     }
@@ -134,6 +132,7 @@ protected:
         return n;
     }
 
+    tide_test::TempDir dir_;
     std::string path_;
 };
 
@@ -197,12 +196,30 @@ class Terminal {
 public:
     explicit Terminal(const std::string &socket, const std::string &history)
     {
+        // Arguments and environment are made before the fork: the child of
+        // a process with threads (the server's) may only exec, as another
+        // thread may have held the allocator's lock at the fork.
+        std::vector<std::string> env = {"TERM=xterm"};
+        for (char **e = environ; *e != nullptr; e++) {
+            if (std::string(*e).rfind("TERM=", 0) != 0) {
+                env.emplace_back(*e);
+            }
+        }
+        std::vector<char *> envp;
+        for (std::string &e : env) {
+            envp.push_back(e.data());
+        }
+        envp.push_back(nullptr);
+        std::string args[] = {TIDE_TIDESH, "--socket", socket, "--history", history};
+        std::vector<char *> argv;
+        for (std::string &a : args) {
+            argv.push_back(a.data());
+        }
+        argv.push_back(nullptr);
         winsize ws = {40, 100, 0, 0};
         pid_ = forkpty(&fd_, nullptr, nullptr, &ws);
         if (pid_ == 0) {
-            setenv("TERM", "xterm", 1);
-            execl(TIDE_TIDESH, TIDE_TIDESH, "--socket", socket.c_str(), "--history", history.c_str(),
-                  static_cast<char *>(nullptr));
+            execve(TIDE_TIDESH, argv.data(), envp.data());
             _exit(127);
         }
     }
@@ -220,9 +237,9 @@ public:
     // Reads until `what` appears after the last mark, in the text written
     // to the terminal without its control sequences (cursor moves and the
     // like); what was read from the mark on.
-    std::string expect(const std::string &what, int seconds = 10)
+    std::string expect(const std::string &what)
     {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+        const auto end = std::chrono::steady_clock::now() + tide_test::kPatience;
         while (screen_.find(what, mark_) == std::string::npos && std::chrono::steady_clock::now() < end) {
             pollfd p = {fd_, POLLIN, 0};
             if (poll(&p, 1, 100) > 0) {
@@ -241,18 +258,15 @@ public:
         mark_ = at == std::string::npos ? screen_.size() : at + what.size();
         return seen;
     }
-    // The exit code, or -1 if it does not end within 10 seconds.
+    // The exit code, or -1 if it does not end.
     int wait_exit()
     {
         int status = 0;
-        for (int i = 0; i < 500; i++) {
-            if (waitpid(pid_, &status, WNOHANG) == pid_) {
-                pid_ = -1;
-                return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        if (!tide_test::eventually([&] { return waitpid(pid_, &status, WNOHANG) == pid_; })) {
+            return -1;
         }
-        return -1;
+        pid_ = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
 private:
@@ -286,8 +300,7 @@ private:
 
 TEST_F(Tidesh, AnInteractiveSessionCompletesHelpsRecallsAndShowsMonitorOutput)
 {
-    const std::string history = path_ + ".history";
-    unlink(history.c_str());
+    const std::string history = dir_.file("history");
     Terminal t(path_, history);
     t.expect("Chip-0 Diag-Shell(config)# ");
     // Tab completes a unique beginning, with a blank behind it.
@@ -323,10 +336,10 @@ TEST_F(Tidesh, AnInteractiveSessionCompletesHelpsRecallsAndShowsMonitorOutput)
     t.expect("return OK");
     t.expect("Chip-0 Diag-Shell(config)# ");
     // Output of the monitor while a line is being typed: above the prompt,
-    // and the line is drawn again.
+    // and the line is drawn again.  Once "l2" is on the screen, tidesh
+    // waits for the next key, and the server's message with it.
     t.type("l2");
     t.expect("l2");
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
     output_show_console("async hello\n");
     t.expect("async hello");
     t.expect("Chip-0 Diag-Shell(config)# l2");
@@ -339,7 +352,6 @@ TEST_F(Tidesh, AnInteractiveSessionCompletesHelpsRecallsAndShowsMonitorOutput)
     std::ifstream saved(history);
     std::string all((std::istreambuf_iterator<char>(saved)), std::istreambuf_iterator<char>());
     EXPECT_NE(all.find("terminal\\040monitor\\040enable"), std::string::npos) << all;
-    unlink(history.c_str());
 }
 
 } // namespace

@@ -1,25 +1,35 @@
 // Threads, semaphores and events of the OS layer.
+#include <dirent.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/prctl.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <thread>
 
 #include "sal/linux_um/xsal_int.h"
+#include "support/wait.h"
 #include "unit/counting_alloc.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double _seconds_since(Clock::time_point start)
+// True while a thread of this process has the kernel name `name`.
+bool _task_named(const std::string &name)
 {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+    bool found = false;
+    if (DIR *d = opendir("/proc/self/task")) {
+        while (const dirent *e = readdir(d)) {
+            std::ifstream comm(std::string("/proc/self/task/") + e->d_name + "/comm");
+            std::string line;
+            found = found || (std::getline(comm, line) && line == name);
+        }
+        closedir(d);
+    }
+    return found;
 }
 
 // What a worker thread saw of itself, then it waits to be released or
@@ -78,9 +88,7 @@ TEST(XsalThread, CreatedThreadIsListedNamedAndBlocksSigint)
     EXPECT_STREQ(xsal_thread_name(&t, shortbuf, sizeof(shortbuf)), "tdl");
 
     xsal_sem_give(w.release);
-    for (int i = 0; i < 2000 && xsal_thread_name(&t, name, sizeof(name)) != nullptr; i++) {
-        xsal_usleep(1000);
-    }
+    ASSERT_TRUE(tide_test::eventually([&] { return xsal_thread_name(&t, name, sizeof(name)) == nullptr; }));
     EXPECT_TRUE(w.sigint_blocked);
     EXPECT_STREQ(w.kernel_name, "tdl_worker7");
     // The thread ended by itself: its record is gone, destroy has nothing
@@ -105,7 +113,9 @@ TEST(XsalThread, DestroyOfRunningThreadCancelsItAndFreesItsRecord)
     EXPECT_FALSE(_on_list(t));
     char name[8];
     EXPECT_EQ(xsal_thread_name(&t, name, sizeof(name)), nullptr);
-    xsal_usleep(50000);
+    // The cancel takes effect in the thread itself: once it has ended, it
+    // never got past its wait.
+    EXPECT_TRUE(tide_test::eventually([] { return !_task_named("blocked"); }));
     EXPECT_FALSE(w.done);
     // The record and the boot semaphore are gone; only ours is left.
     EXPECT_EQ(alloc.live(), 1);
@@ -121,9 +131,16 @@ TEST(XsalThread, ManyThreadsComeAndGoConcurrently)
     for (int i = 0; i < kThreads; i++) {
         ASSERT_EQ(xsal_thread_create(&handles[i], "short", 0, _worker, &workers[i]), 0);
     }
-    for (int i = 0; i < 2000 && g_list_thread_head != nullptr; i++) {
-        xsal_usleep(1000);
-    }
+    // Each leaves the list as its last act; destroy then has nothing to do.
+    ASSERT_TRUE(tide_test::eventually([&handles] {
+        char name[8];
+        for (auto &h : handles) {
+            if (xsal_thread_name(&h, name, sizeof(name)) != nullptr) {
+                return false;
+            }
+        }
+        return true;
+    }));
     for (auto &h : handles) {
         EXPECT_EQ(xsal_thread_destroy(&h), 0);
     }
@@ -137,20 +154,21 @@ TEST(XsalSem, TimeoutCarriesIntoSecondsAndForeverWaits)
     ASSERT_NE(sem, nullptr);
     EXPECT_EQ(xsal_sem_trytake(sem), -1);
 
-    auto start = Clock::now();
+    // The deadline is the wall clock plus the time: read on that clock
+    // around the call, the wait lasts at least that long, which a lost
+    // carry into the seconds would cut short.
+    const u64 before = xsal_time_usecs();
     EXPECT_EQ(xsal_sem_take_timeout(sem, 1500000), -1);
-    const double waited = _seconds_since(start);
-    EXPECT_GE(waited, 1.45);
-    EXPECT_LT(waited, 2.5);
+    EXPECT_GE(xsal_time_usecs() - before, 1500000u);
 
-    // 0xFFFFFFFF is no time-out of 71 minutes: it waits until the give.
-    std::thread giver([sem] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    // 0xFFFFFFFF is no time-out of 71 minutes: it waits until the give,
+    // which comes once the take sleeps.
+    const pid_t taker = tide_test::thread_id();
+    std::thread giver([sem, taker] {
+        tide_test::eventually([taker] { return tide_test::thread_sleeps(taker); });
         xsal_sem_give(sem);
     });
-    start = Clock::now();
     EXPECT_EQ(xsal_sem_take_timeout(sem, XSAL_SEM_FOREVER), 0);
-    EXPECT_GE(_seconds_since(start), 0.09);
     giver.join();
 
     EXPECT_EQ(xsal_sem_give(sem), 0);
@@ -177,9 +195,11 @@ TEST(XsalEvent, AutoResetIsConsumedByOneWaitManualResetStays)
     xsal_event_reset(manual);
     EXPECT_EQ(xsal_event_wait(manual, 0), 0);
 
-    const auto start = Clock::now();
+    // The end of the time is the wall clock plus `ms`, as the layer reads
+    // it.
+    const u64 before = xsal_time_usecs();
     EXPECT_EQ(xsal_event_wait(autoev, 120), 0);
-    EXPECT_GE(_seconds_since(start), 0.11);
+    EXPECT_GE(xsal_time_usecs() - before, 120000u);
 
     xsal_event_destroy(autoev);
     xsal_event_destroy(manual);
@@ -190,11 +210,23 @@ TEST(XsalEvent, SetWakesEveryWaiterOfAManualEvent)
     xsal_event_t ev = nullptr;
     ASSERT_EQ(xsal_event_create(&ev, 0), 0);
     std::atomic<int> woken{0};
+    std::atomic<pid_t> tids[3] = {};
     std::thread waiters[3];
-    for (auto &w : waiters) {
-        w = std::thread([&] { woken += xsal_event_wait(ev, -1); });
+    for (int i = 0; i < 3; i++) {
+        waiters[i] = std::thread([&, i] {
+            tids[i] = tide_test::thread_id();
+            woken += xsal_event_wait(ev, -1);
+        });
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    // The set comes once all three sleep in their wait.
+    tide_test::eventually([&] {
+        for (const auto &tid : tids) {
+            if (tid.load() == 0 || !tide_test::thread_sleeps(tid.load())) {
+                return false;
+            }
+        }
+        return true;
+    });
     EXPECT_EQ(woken, 0);
     xsal_event_set(ev);
     for (auto &w : waiters) {
