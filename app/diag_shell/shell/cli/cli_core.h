@@ -218,6 +218,7 @@ typedef struct cli_legacy_cmd {
 #define CLI_MODE_L2 3u
 #define CLI_MODE_BASE 5u
 #define CLI_MODE_PORT 8u
+#define CLI_MODE_SERDES 22u
 /* Our own mode, after the chip's: the chip model's commands. */
 #define CLI_MODE_SIM 43u
 

@@ -83,6 +83,7 @@ void cli_cmd_init_all(void)
     // come after the chip's families.
     cli_cmd_init_l2();
     cli_cmd_init_port();
+    cli_cmd_init_serdes();
     cli_cmd_init_config();
     cli_cmd_init_common();
     cli_cmd_init_base();

@@ -39,6 +39,7 @@ void cli_cmd_descs_link(cli_cmd_desc *descs, cli_cmd_item *items, u32 count, u32
 /* The command families, in the order of the init list. */
 void cli_cmd_init_l2(void);
 void cli_cmd_init_port(void);
+void cli_cmd_init_serdes(void);
 void cli_cmd_init_config(void);
 void cli_cmd_init_common(void);
 void cli_cmd_init_base(void);
