@@ -502,3 +502,82 @@ TEST_F(Serdes, SiblingsAnswerNotSupported)
 }
 
 } // namespace
+
+namespace {
+
+tide_sim_serdes_lane _lane(u32 chip, u32 serdes_id)
+{
+    tide_sim_serdes_lane l{};
+    EXPECT_EQ(tide_sim_serdes_lane_get(chip, serdes_id, &l), 0);
+    return l;
+}
+
+// A PLL powered down walks its divider below its floor, 10 at a time with
+// 10 ms between steps, and the lanes on it go dark; powered up it walks
+// back to its rate and the link locks again.
+TEST_F(Serdes, PllPowerRampsItsDividerAndTheLanesFollow)
+{
+    up_both();
+    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
+    ASSERT_EQ(prbs(0, SERDES_DIR_TX, SERDES_PRBS31), 0);
+    ASSERT_EQ(prbs(1, SERDES_DIR_RX, SERDES_PRBS31), 0);
+    u32 count = 0;
+    ASSERT_EQ(errors(1, &count), 0);
+
+    // 10.3125G is PLL 1 at divider 206: eleven steps down to 96.
+    u64 before = _waited(0);
+    serdes_power pll1{SERDES_POWER_PLL1, SERDES_POWER_DOWN};
+    ASSERT_EQ(serdes_api_power_set(0, kLane, &pll1), 0);
+    EXPECT_EQ(_waited(0) - before, 11u * 10000u);
+    EXPECT_EQ(_lane(0, kLane).tx_on, 0u);
+    serdes_power read{SERDES_POWER_PLL1, 0};
+    ASSERT_EQ(serdes_api_power_get(0, kLane, &read), 0);
+    EXPECT_EQ(read.value, static_cast<u32>(SERDES_POWER_DOWN));
+    EXPECT_EQ(errors(1, &count), SHR_E_FAIL);
+
+    before = _waited(0);
+    pll1.value = SERDES_POWER_UP;
+    ASSERT_EQ(serdes_api_power_set(0, kLane, &pll1), 0);
+    EXPECT_EQ(_waited(0) - before, 11u * 10000u);
+    EXPECT_EQ(_lane(0, kLane).rate_bps, 10312500000ull);
+    ASSERT_EQ(errors(1, &count), 0);
+    EXPECT_EQ(count, 0u);
+}
+
+// A lane the properties switch off gets no PLL and stays dark; two lanes
+// on one PLL share its rate, so a rate change of one moves the other.
+TEST_F(Serdes, BringUpFollowsTheLanePropertiesAndLanesShareTheirPll)
+{
+    prop(0, "mag_interface_type_2", PORT_INTERFACE_SGMII_8P); // 10G on PLL 0
+    prop(0, "mag_interface_type_3", PORT_INTERFACE_SGMII_8P);
+    prop(0, "mag_interface_type_4", PORT_INTERFACE_1000BASE_X);
+    prop(0, "serdes_enable_4", 0);
+    up_chip(0);
+    EXPECT_EQ(_lane(0, 2).rate_bps, 10000000000ull);
+    EXPECT_EQ(_lane(0, 3).rate_bps, 10000000000ull);
+    EXPECT_EQ(_lane(0, 2).tx_on, 1u);
+    const tide_sim_serdes_lane off = _lane(0, 4);
+    EXPECT_EQ(off.tx_on, 0u);
+    EXPECT_EQ(off.rx_on, 0u);
+    serdes_power both{SERDES_POWER_TXRX, 0};
+    ASSERT_EQ(serdes_api_power_get(0, 4, &both), 0);
+    EXPECT_EQ(both.value, static_cast<u32>(SERDES_POWER_DOWN));
+
+    serdes_freq f{SERDES_SPEED_10P3125G_PLL0, 20};
+    ASSERT_EQ(serdes_api_freq_set(0, 2, &f), 0);
+    EXPECT_EQ(_lane(0, 2).rate_bps, 10312500000ull);
+    EXPECT_EQ(_lane(0, 3).rate_bps, 10312500000ull) << "lane 3 shares PLL 0";
+
+    // Receive adaptation on and off, as the lane reports it.
+    serdes_rx_adapt dfe{SERDES_RX_ADAPT_DFE, 1};
+    ASSERT_EQ(serdes_api_rx_adapt_set(0, 2, &dfe), 0);
+    serdes_rx_adapt got{SERDES_RX_ADAPT_DFE, 0};
+    ASSERT_EQ(serdes_api_rx_adapt_get(0, 2, &got), 0);
+    EXPECT_EQ(got.enable, 1u);
+    dfe.enable = 0;
+    ASSERT_EQ(serdes_api_rx_adapt_set(0, 2, &dfe), 0);
+    ASSERT_EQ(serdes_api_rx_adapt_get(0, 2, &got), 0);
+    EXPECT_EQ(got.enable, 0u);
+}
+
+} // namespace
