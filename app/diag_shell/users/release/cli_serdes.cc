@@ -186,6 +186,48 @@ bool _on(const char *word)
     return std::strcmp(word, "enable") == 0;
 }
 
+// The two fields of the records that "serdes WORD <word> <value word>" sets.
+template <typename Rec>
+struct _pair_fields;
+template <>
+struct _pair_fields<serdes_pn> {
+    static constexpr u32 serdes_pn::*first = &serdes_pn::dir, serdes_pn::*second = &serdes_pn::mode;
+};
+template <>
+struct _pair_fields<serdes_loopback> {
+    static constexpr u32 serdes_loopback::*first = &serdes_loopback::type,
+                         serdes_loopback::*second = &serdes_loopback::enable;
+};
+template <>
+struct _pair_fields<serdes_power> {
+    static constexpr u32 serdes_power::*first = &serdes_power::dir, serdes_power::*second = &serdes_power::value;
+};
+template <>
+struct _pair_fields<serdes_rx_adapt> {
+    static constexpr u32 serdes_rx_adapt::*first = &serdes_rx_adapt::type,
+                         serdes_rx_adapt::*second = &serdes_rx_adapt::enable;
+};
+
+// "serdes WORD <word> <value word>": the record's first field named by
+// `words` from argv[1], its second `value`, set on each lane.
+template <typename Rec, size_t N>
+i32 _pair_set(u32 chip_id, i32 argc, char **argv, const _cli_serdes_word (&words)[N], u32 value, const char *api,
+              i32 (*fn)(u32, u32, Rec *))
+{
+    Rec rec{};
+    if (argc != 3) {
+        return _bad_argc();
+    }
+    if (!_cli_serdes_id_get(words, argv[1], &(rec.*_pair_fields<Rec>::first))) {
+        return _bad_word(argv[1]);
+    }
+    rec.*_pair_fields<Rec>::second = value;
+    return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
+        Rec each = rec;
+        return _call(sid, api, fn(chip_id, sid, &each));
+    });
+}
+
 } // namespace
 
 extern "C" {
@@ -246,18 +288,9 @@ i32 cli_serdes_pll_freq_set(u32 chip_id, u32, i32 argc, char **argv)
 // serdes WORD pn (tx | rx | all) (enable | disable)
 i32 cli_serdes_lane_pn_set(u32 chip_id, u32, i32 argc, char **argv)
 {
-    serdes_pn pn{};
-    if (argc != 3) {
-        return _bad_argc();
-    }
-    if (!_cli_serdes_id_get(k_dir_words, argv[1], &pn.dir)) {
-        return _bad_word(argv[1]);
-    }
-    pn.mode = _on(argv[2]) ? 1 : 0;
-    return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
-        serdes_pn each = pn;
-        return _call(sid, CLI_SERDES_API(serdes_api_pn_set)(chip_id, sid, &each));
-    });
+    return argc != 3 ? _bad_argc()
+                     : _pair_set(chip_id, argc, argv, k_dir_words, _on(argv[2]) ? 1 : 0,
+                                 CLI_SERDES_API(serdes_api_pn_set));
 }
 
 // show serdes WORD pn
@@ -456,18 +489,9 @@ i32 cli_serdes_err_counter_clear(u32 chip_id, u32, i32 argc, char **argv)
 // serdes WORD prbs invert prbs-dir (tx | rx | all) (enable | disable)
 i32 cli_serdes_prbs_invert_enable_set(u32 chip_id, u32, i32 argc, char **argv)
 {
-    serdes_pn pn{};
-    if (argc != 3) {
-        return _bad_argc();
-    }
-    if (!_cli_serdes_id_get(k_dir_words, argv[1], &pn.dir)) {
-        return _bad_word(argv[1]);
-    }
-    pn.mode = _on(argv[2]) ? 1 : 0;
-    return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
-        serdes_pn each = pn;
-        return _call(sid, CLI_SERDES_API(serdes_api_prbs_invert_enable_set)(chip_id, sid, &each));
-    });
+    return argc != 3 ? _bad_argc()
+                     : _pair_set(chip_id, argc, argv, k_dir_words, _on(argv[2]) ? 1 : 0,
+                                 CLI_SERDES_API(serdes_api_prbs_invert_enable_set));
 }
 
 // serdes WORD reset (tx | rx | phy)
@@ -488,18 +512,9 @@ i32 cli_serdes_reset_set(u32 chip_id, u32, i32 argc, char **argv)
 // serdes WORD loopback (serpre-tx2rx | serpre-rx2tx | paral-tx2rx | paral-rx2tx) (enable | disable)
 i32 cli_serdes_lane_loopback_set(u32 chip_id, u32, i32 argc, char **argv)
 {
-    serdes_loopback loop{};
-    if (argc != 3) {
-        return _bad_argc();
-    }
-    if (!_cli_serdes_id_get(k_loop_words, argv[1], &loop.type)) {
-        return _bad_word(argv[1]);
-    }
-    loop.enable = _on(argv[2]) ? 1 : 0;
-    return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
-        serdes_loopback each = loop;
-        return _call(sid, CLI_SERDES_API(serdes_api_loopback_set)(chip_id, sid, &each));
-    });
+    return argc != 3 ? _bad_argc()
+                     : _pair_set(chip_id, argc, argv, k_loop_words, _on(argv[2]) ? 1 : 0,
+                                 CLI_SERDES_API(serdes_api_loopback_set));
 }
 
 // show serdes WORD loopback-status
@@ -524,18 +539,10 @@ i32 cli_serdes_lane_loopback_get(u32 chip_id, u32, i32 argc, char **argv)
 // serdes WORD power (tx | rx | txrx | pll0 | pll1) (up | down)
 i32 cli_serdes_lane_power_set(u32 chip_id, u32, i32 argc, char **argv)
 {
-    serdes_power power{};
-    if (argc != 3) {
-        return _bad_argc();
-    }
-    if (!_cli_serdes_id_get(k_power_words, argv[1], &power.dir)) {
-        return _bad_word(argv[1]);
-    }
-    power.value = std::strcmp(argv[2], "down") == 0 ? SERDES_POWER_DOWN : SERDES_POWER_UP;
-    return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
-        serdes_power each = power;
-        return _call(sid, CLI_SERDES_API(serdes_api_power_set)(chip_id, sid, &each));
-    });
+    return argc != 3 ? _bad_argc()
+                     : _pair_set(chip_id, argc, argv, k_power_words,
+                                 std::strcmp(argv[2], "down") == 0 ? SERDES_POWER_DOWN : SERDES_POWER_UP,
+                                 CLI_SERDES_API(serdes_api_power_set));
 }
 
 // show serdes WORD power-status
@@ -572,18 +579,9 @@ i32 cli_serdes_los_threshold_get(u32 chip_id, u32, i32 argc, char **argv)
 // serdes WORD rxadapt (ctle | dfe) (enable | disable)
 i32 cli_serdes_lane_rxadapt_set(u32 chip_id, u32, i32 argc, char **argv)
 {
-    serdes_rx_adapt adapt{};
-    if (argc != 3) {
-        return _bad_argc();
-    }
-    if (!_cli_serdes_id_get(k_adapt_words, argv[1], &adapt.type)) {
-        return _bad_word(argv[1]);
-    }
-    adapt.enable = _on(argv[2]) ? 1 : 0;
-    return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
-        serdes_rx_adapt each = adapt;
-        return _call(sid, CLI_SERDES_API(serdes_api_rx_adapt_set)(chip_id, sid, &each));
-    });
+    return argc != 3 ? _bad_argc()
+                     : _pair_set(chip_id, argc, argv, k_adapt_words, _on(argv[2]) ? 1 : 0,
+                                 CLI_SERDES_API(serdes_api_rx_adapt_set));
 }
 
 // show serdes WORD rxadapt-status (ctle | dfe)
