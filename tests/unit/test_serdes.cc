@@ -581,3 +581,83 @@ TEST_F(Serdes, BringUpFollowsTheLanePropertiesAndLanesShareTheirPll)
 }
 
 } // namespace
+
+namespace {
+
+u32 _gray(u32 v)
+{
+    return v ^ (v >> 1);
+}
+
+void _poke(u32 chip, u32 serdes_id, u32 offset, u32 value)
+{
+    ASSERT_EQ(tide_sim_reg_poke(chip, kSerdesBar, _lane_addr(serdes_id, offset), value), 0);
+}
+
+// Each receive parameter turns its bypass on and lands in its value field,
+// Gray coded where the equaliser counts in Gray code, split where the value
+// spans two registers.
+TEST_F(Serdes, ReceiveParametersReachTheirBypassFields)
+{
+    up_both();
+    constexpr u32 kEq1 = 0x304, kEq2 = 0x308, kEq3 = 0x30c, kEq8 = 0x320, kEq9 = 0x324, kEq10 = 0x328,
+                  kEq11 = 0x32c;
+    struct Case {
+        u32 para, value;
+        u32 ctrl_reg, ctrl_bit;
+        u32 val_reg, hi, lo, expect;
+    } cases[] = {
+        {1, 9, kEq1, 0, kEq3, 3, 0, 9},
+        {2, 11, kEq1, 1, kEq3, 7, 4, 11},
+        {3, 5, kEq1, 2, kEq3, 11, 8, 5},
+        {4, 6, kEq1, 3, kEq3, 14, 12, 6},
+        {5, 13, kEq1, 4, kEq3, 19, 16, 13},
+        {6, 10, kEq1, 5, kEq3, 23, 20, 10},
+        {7, 0x1d, kEq1, 6, kEq2, 2, 0, 0x1d >> 2},
+        {8, 5, kEq1, 7, kEq2, 6, 4, 5},
+        {9, 2, kEq1, 8, kEq2, 9, 8, 2},
+        {10, 6, kEq1, 9, kEq2, 14, 12, 6},
+        {11, 21, kEq1, 10, kEq2, 20, 16, 21},
+        {12, 9, kEq8, 0, kEq9, 3, 0, _gray(9)},
+        {13, 5, kEq8, 1, kEq9, 6, 4, _gray(5)},
+        {14, 0x4b, kEq10, 0, kEq11, 6, 0, 0x40 | _gray(0x0b)},
+        {15, 0x05, kEq10, 1, kEq11, 14, 8, _gray(5)},
+    };
+    for (const Case &c : cases) {
+        // vga_stage12 also clears the stage control (bit 11).
+        _poke(0, kLane, c.ctrl_reg, c.para == 11 ? 1u << 11 : 0);
+        serdes_rx_para p{1, 0, c.para, c.value};
+        ASSERT_EQ(serdes_api_rx_para_set(0, kLane, &p), 0) << c.para;
+        EXPECT_EQ(_bits(_peek(0, kLane, c.ctrl_reg), c.ctrl_bit, c.ctrl_bit), 1u) << "bypass of " << c.para;
+        EXPECT_EQ(_bits(_peek(0, kLane, c.val_reg), c.hi, c.lo), c.expect) << "value of " << c.para;
+        if (c.para == 7) {
+            EXPECT_EQ(_bits(_peek(0, kLane, kEq3), 25, 24), 0x1du & 3) << "low bits of 7";
+        }
+        if (c.para == 11) {
+            EXPECT_EQ(_bits(_peek(0, kLane, kEq1), 11, 11), 0u) << "stage control of 11";
+        }
+    }
+}
+
+// The user pattern is split over three registers; raw bits reach the
+// lane's word by address.
+TEST_F(Serdes, UserPatternAndRawBitsReachTheirRegisters)
+{
+    up_both();
+    u64 pattern = 0x0123456789abcdefull;
+    serdes_prbs user{1, SERDES_DIR_TX, SERDES_PAT_USER, &pattern};
+    ASSERT_EQ(serdes_api_prbs_set(0, kLane, &user), 0);
+    EXPECT_EQ(_bits(_peek(0, kLane, 0x5a0), 15, 0), 0xcdefu);
+    EXPECT_EQ(_peek(0, kLane, 0x5a4), 0x456789abu);
+    EXPECT_EQ(_bits(_peek(0, kLane, 0x5a8), 15, 0), 0x0123u);
+
+    serdes_raw_bits bits{kFfeCfg0, 0x2a, 8, 13};
+    serdes_control raw{SERDES_CONTROL_RAW_BITS, &bits};
+    ASSERT_EQ(serdes_api_control_set(0, 5, &raw), 0);
+    EXPECT_EQ(_bits(_peek(0, 5, kFfeCfg0), 13, 8), 0x2au);
+    bits.data = 0;
+    ASSERT_EQ(serdes_api_control_get(0, 5, &raw), 0);
+    EXPECT_EQ(bits.data, 0x2au);
+}
+
+} // namespace
