@@ -876,73 +876,171 @@ i32 cli_serdes_offset_calibrate(u32 chip_id, u32, i32 argc, char **argv)
 
 namespace {
 
-const char *const k_help_show[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges", nullptr};
-const char *const k_help_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", nullptr};
-const char *const k_help_mode[] = {"SerDes", "Work mode of the SerDes", "Ethernet", "PCIe", nullptr};
+// One help line for each word of a command.
+const char *const k_help_support_freq_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                               "Line rate", nullptr};
+const char *const k_help_pll_freq_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Line rate",
+                                           "1P25G-MPLLA", "1P25G-MPLLB", "3P125G", "5G", "10G", "10P3125G", "12P5G",
+                                           "7P8125G", "25P78125G", "26P5625G", "53P125G", "1P250G-pll0",
+                                           "3P1250G-pll1", "5G-pll0", "10G-pll0", "10P3125G-pll1", "1P250G-pll1",
+                                           "3P1250G-pll0", "5G-pll1", "10G-pll1", "10P3125G-pll0",
+                                           "Data width (only logged)", "8BIT", "10BIT", "16BIT", "20BIT", "32BIT",
+                                           "40BIT", "64BIT", nullptr};
+const char *const k_help_lane_pn_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Polarity",
+                                          "Transmit", "Receive", "Both directions", "Enable", "Disable", nullptr};
+const char *const k_help_pn_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges", "Polarity",
+                                     nullptr};
+const char *const k_help_pre_emphasis_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges",
+                                               "Transmit emphasis", "Main tap", "Value: main tap", "Pre-cursor tap",
+                                               "Value: pre-cursor tap", "Post-cursor tap", "Value: post-cursor tap",
+                                               "Swing legs", "Value: swing legs", "Tap 0", "Value: tap 0", "Tap 1",
+                                               "Value: tap 1", "Tap 2", "Value: tap 2", "Tap 3", "Value: tap 3",
+                                               "Amplitude", "Value: amplitude", "Polarity", "Value: polarity",
+                                               nullptr};
+const char *const k_help_pre_emphasis_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                               "Transmit emphasis", nullptr};
+const char *const k_help_lane_enable_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Enable",
+                                              "Disable", "Transmit", "Receive", "Both directions", nullptr};
+const char *const k_help_enable_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                         "Enable state", nullptr};
+const char *const k_help_prbs_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "PRBS direction",
+                                       "Transmit", "Receive", "Both directions", "PRBS pattern", "Off", "prbs7",
+                                       "prbs9", "prbs11", "prbs15", "prbs16", "prbs23", "prbs231", "prbs31",
+                                       "pat0x0", "pat1x1", "pat2x2", "pat5x5", "pat8x16", "pat10x10", "pat20x20",
+                                       "pat1x1-61bit", "User pattern", "Value: user pattern", nullptr};
+const char *const k_help_prbs_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges", "PRBS state",
+                                       nullptr};
+const char *const k_help_prbs_error_pkt_insert[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "PRBS",
+                                                    "Inject errors", "Number of errors", "Value: number of errors",
+                                                    nullptr};
+const char *const k_help_prbs_check[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges", "PRBS",
+                                         "Error count", "Lock and error count", nullptr};
+const char *const k_help_err_counter_clear[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "PRBS",
+                                                "Restart the checker", nullptr};
+const char *const k_help_prbs_invert_enable_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "PRBS",
+                                                     "Inversion", "PRBS direction", "Transmit", "Receive",
+                                                     "Both directions", "Enable", "Disable", nullptr};
+const char *const k_help_reset_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Reset", "Transmit",
+                                        "Receive", "The whole macro", nullptr};
+const char *const k_help_lane_loopback_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Loopback",
+                                                "serpre-tx2rx", "serpre-rx2tx", "paral-tx2rx", "paral-rx2tx",
+                                                "Enable", "Disable", nullptr};
+const char *const k_help_lane_loopback_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                                "Loopback state", nullptr};
+const char *const k_help_lane_power_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Power",
+                                             "Transmit", "Receive", "Transmit and receive", "PLL 0 of the macro",
+                                             "PLL 1 of the macro", "Power up", "Power down", nullptr};
+const char *const k_help_power_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges", "Power state",
+                                        nullptr};
+const char *const k_help_los_threshold_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges",
+                                                "Loss-of-signal threshold", "Value: loss-of-signal threshold",
+                                                nullptr};
+const char *const k_help_los_threshold_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                                "Loss-of-signal threshold", nullptr};
+const char *const k_help_lane_rxadapt_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges",
+                                               "Receive adaptation", "CTLE", "DFE", "Enable", "Disable", nullptr};
+const char *const k_help_rxadapt_sta_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                              "Receive adaptation state", "CTLE", "DFE", nullptr};
+const char *const k_help_rxadapt_para_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges",
+                                               "Receive parameters", nullptr};
+const char *const k_help_rxadapt_para_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                               "Receive parameters", nullptr};
+const char *const k_help_eye_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                      "Eye measurement", "Four-point eye", "Full eye", nullptr};
+const char *const k_help_reg_dump[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Dump", "Register",
+                                       "With the fields", nullptr};
+const char *const k_help_reg_write[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Register", "Write",
+                                        "By offset in the macro", "Value: by offset in the macro", "First bit",
+                                        "Value: first bit", "Last bit", "Value: last bit", "By register name",
+                                        "Value: by register name", "One field", "Value: one field", "Value",
+                                        "Value: value", nullptr};
+const char *const k_help_reg_read[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "Register", "Read",
+                                       "By offset in the macro", "Value: by offset in the macro", "First bit",
+                                       "Value: first bit", "Last bit", "Value: last bit", "By register name",
+                                       "Value: by register name", "One field", "Value: one field", nullptr};
+const char *const k_help_debug_info_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                             "Diagnostic report", nullptr};
+const char *const k_help_work_mode_set[] = {"SerDes lane", "Work mode of the SerDes", "Ethernet", "PCIe", nullptr};
+const char *const k_help_sram_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                       "SRAM of the macro", nullptr};
+const char *const k_help_los_status_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                             "Loss of signal", nullptr};
+const char *const k_help_lock_status_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                              "Clock recovery lock", nullptr};
+const char *const k_help_8k_clk_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges", "8 kHz clock",
+                                         "Value: 8 khz clock", nullptr};
+const char *const k_help_8k_clk_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                         "8 kHz clock", "Value: 8 khz clock", nullptr};
+const char *const k_help_emphasis_preset_set[] = {"SerDes lane", "Lanes: a list of numbers and ranges",
+                                                  "Transmit preset", "Value: transmit preset", nullptr};
+const char *const k_help_emphasis_preset_get[] = {"Show", "SerDes lane", "Lanes: a list of numbers and ranges",
+                                                  "Transmit preset", nullptr};
+const char *const k_help_offset_calibrate[] = {"SerDes lane", "Lanes: a list of numbers and ranges",
+                                               "Calibrate the offsets", nullptr};
 
 #define CLI_DESC(handler, cmd, help) {cmd, -1, handler, help, 0}
 
 cli_cmd_desc g_cli_serdes_desc[] = {
-    CLI_DESC(cli_serdes_support_freq_get, "show serdes WORD speed", k_help_show),
+    CLI_DESC(cli_serdes_support_freq_get, "show serdes WORD speed", k_help_support_freq_get),
     CLI_DESC(cli_serdes_pll_freq_set,
              "serdes WORD speed (1P25G-MPLLA | 1P25G-MPLLB | 3P125G | 5G | 10G | 10P3125G | 12P5G | 7P8125G | "
              "25P78125G | 26P5625G | 53P125G | 1P250G-pll0 | 3P1250G-pll1 | 5G-pll0 | 10G-pll0 | 10P3125G-pll1 | "
              "1P250G-pll1 | 3P1250G-pll0 | 5G-pll1 | 10G-pll1 | 10P3125G-pll0) width (8BIT | 10BIT | 16BIT | 20BIT "
              "| 32BIT | 40BIT | 64BIT)",
-             k_help_set),
-    CLI_DESC(cli_serdes_lane_pn_set, "serdes WORD pn (tx | rx | all) (enable | disable)", k_help_set),
-    CLI_DESC(cli_serdes_pn_get, "show serdes WORD pn", k_help_show),
+             k_help_pll_freq_set),
+    CLI_DESC(cli_serdes_lane_pn_set, "serdes WORD pn (tx | rx | all) (enable | disable)", k_help_lane_pn_set),
+    CLI_DESC(cli_serdes_pn_get, "show serdes WORD pn", k_help_pn_get),
     CLI_DESC(cli_serdes_pre_emphasis_set,
              "serdes WORD emphasis ((main WORD pre WORD post WORD (swing_leg WORD | )) | (tap0 WORD tap1 WORD tap2 "
              "WORD tap3 WORD amp WORD polarity WORD))",
-             k_help_set),
-    CLI_DESC(cli_serdes_pre_emphasis_get, "show serdes WORD emphasis", k_help_show),
-    CLI_DESC(cli_serdes_lane_enable_set, "serdes WORD (enable | disable) (tx | rx | all)", k_help_set),
-    CLI_DESC(cli_serdes_enable_get, "show serdes WORD enable-status", k_help_show),
+             k_help_pre_emphasis_set),
+    CLI_DESC(cli_serdes_pre_emphasis_get, "show serdes WORD emphasis", k_help_pre_emphasis_get),
+    CLI_DESC(cli_serdes_lane_enable_set, "serdes WORD (enable | disable) (tx | rx | all)", k_help_lane_enable_set),
+    CLI_DESC(cli_serdes_enable_get, "show serdes WORD enable-status", k_help_enable_get),
     CLI_DESC(cli_serdes_prbs_set,
              "serdes WORD prbs-dir (tx | rx | all) prbs-mode (0 | prbs7 | prbs9 | prbs11 | prbs15 | prbs16 | prbs23 "
              "| prbs231 | prbs31 | pat0x0 | pat1x1 | pat2x2 | pat5x5 | pat8x16 | pat10x10 | pat20x20 | pat1x1-61bit "
              "| (pat-udp WORD))",
-             k_help_set),
-    CLI_DESC(cli_serdes_prbs_get, "show serdes WORD prbs-status", k_help_show),
-    CLI_DESC(cli_serdes_prbs_error_pkt_insert, "serdes WORD prbs insert-err num WORD", k_help_set),
-    CLI_DESC(cli_serdes_prbs_check, "show serdes WORD prbs (err-cnt | status)", k_help_show),
-    CLI_DESC(cli_serdes_err_counter_clear, "serdes WORD prbs clear-err-cnt", k_help_set),
+             k_help_prbs_set),
+    CLI_DESC(cli_serdes_prbs_get, "show serdes WORD prbs-status", k_help_prbs_get),
+    CLI_DESC(cli_serdes_prbs_error_pkt_insert, "serdes WORD prbs insert-err num WORD", k_help_prbs_error_pkt_insert),
+    CLI_DESC(cli_serdes_prbs_check, "show serdes WORD prbs (err-cnt | status)", k_help_prbs_check),
+    CLI_DESC(cli_serdes_err_counter_clear, "serdes WORD prbs clear-err-cnt", k_help_err_counter_clear),
     CLI_DESC(cli_serdes_prbs_invert_enable_set,
-             "serdes WORD prbs invert prbs-dir (tx | rx | all) (enable | disable)", k_help_set),
-    CLI_DESC(cli_serdes_reset_set, "serdes WORD reset (tx | rx | phy)", k_help_set),
+             "serdes WORD prbs invert prbs-dir (tx | rx | all) (enable | disable)", k_help_prbs_invert_enable_set),
+    CLI_DESC(cli_serdes_reset_set, "serdes WORD reset (tx | rx | phy)", k_help_reset_set),
     CLI_DESC(cli_serdes_lane_loopback_set,
              "serdes WORD loopback (serpre-tx2rx | serpre-rx2tx | paral-tx2rx | paral-rx2tx) (enable | disable)",
-             k_help_set),
-    CLI_DESC(cli_serdes_lane_loopback_get, "show serdes WORD loopback-status", k_help_show),
-    CLI_DESC(cli_serdes_lane_power_set, "serdes WORD power (tx | rx | txrx | pll0 | pll1) (up | down)", k_help_set),
-    CLI_DESC(cli_serdes_power_get, "show serdes WORD power-status", k_help_show),
-    CLI_DESC(cli_serdes_los_threshold_set, "serdes WORD los-threshold WORD", k_help_set),
-    CLI_DESC(cli_serdes_los_threshold_get, "show serdes WORD los-threshold", k_help_show),
-    CLI_DESC(cli_serdes_lane_rxadapt_set, "serdes WORD rxadapt (ctle | dfe) (enable | disable)", k_help_set),
-    CLI_DESC(cli_serdes_rxadapt_sta_get, "show serdes WORD rxadapt-status (ctle | dfe)", k_help_show),
-    CLI_DESC(cli_serdes_rxadapt_para_set, "serdes WORD rx-adapt-para", k_help_set),
-    CLI_DESC(cli_serdes_rxadapt_para_get, "show serdes WORD rx-adapt-para", k_help_show),
-    CLI_DESC(cli_serdes_eye_get, "show serdes WORD eye (four-point | full)", k_help_show),
-    CLI_DESC(cli_serdes_reg_dump, "serdes WORD dump register (detail |)", k_help_set),
+             k_help_lane_loopback_set),
+    CLI_DESC(cli_serdes_lane_loopback_get, "show serdes WORD loopback-status", k_help_lane_loopback_get),
+    CLI_DESC(cli_serdes_lane_power_set, "serdes WORD power (tx | rx | txrx | pll0 | pll1) (up | down)", k_help_lane_power_set),
+    CLI_DESC(cli_serdes_power_get, "show serdes WORD power-status", k_help_power_get),
+    CLI_DESC(cli_serdes_los_threshold_set, "serdes WORD los-threshold WORD", k_help_los_threshold_set),
+    CLI_DESC(cli_serdes_los_threshold_get, "show serdes WORD los-threshold", k_help_los_threshold_get),
+    CLI_DESC(cli_serdes_lane_rxadapt_set, "serdes WORD rxadapt (ctle | dfe) (enable | disable)", k_help_lane_rxadapt_set),
+    CLI_DESC(cli_serdes_rxadapt_sta_get, "show serdes WORD rxadapt-status (ctle | dfe)", k_help_rxadapt_sta_get),
+    CLI_DESC(cli_serdes_rxadapt_para_set, "serdes WORD rx-adapt-para", k_help_rxadapt_para_set),
+    CLI_DESC(cli_serdes_rxadapt_para_get, "show serdes WORD rx-adapt-para", k_help_rxadapt_para_get),
+    CLI_DESC(cli_serdes_eye_get, "show serdes WORD eye (four-point | full)", k_help_eye_get),
+    CLI_DESC(cli_serdes_reg_dump, "serdes WORD dump register (detail |)", k_help_reg_dump),
     CLI_DESC(cli_serdes_reg_write,
              "serdes WORD register write ((addr WORD ((start_bit WORD end_bit WORD) | )) | (reg-name WORD "
              "((field-name WORD) | ))) data WORD",
-             k_help_set),
+             k_help_reg_write),
     CLI_DESC(cli_serdes_reg_read,
              "serdes WORD register read ((addr WORD ((start_bit WORD end_bit WORD) | )) | (reg-name WORD "
              "((field-name WORD) | )))",
-             k_help_set),
-    CLI_DESC(cli_serdes_debug_info_get, "show serdes WORD debug-info", k_help_show),
-    CLI_DESC(cli_serdes_work_mode_set, "serdes work-mode (eth | pcie)", k_help_mode),
-    CLI_DESC(cli_serdes_sram_get, "show serdes WORD sram-data", k_help_show),
-    CLI_DESC(cli_serdes_los_status_get, "show serdes WORD los-status", k_help_show),
-    CLI_DESC(cli_serdes_lock_status_get, "show serdes WORD lock-status", k_help_show),
-    CLI_DESC(cli_serdes_8k_clk_set, "serdes WORD 8k_clk_id WORD", k_help_set),
-    CLI_DESC(cli_serdes_8k_clk_get, "show serdes WORD 8k_clk_id WORD", k_help_show),
-    CLI_DESC(cli_serdes_emphasis_preset_set, "serdes WORD preset WORD", k_help_set),
-    CLI_DESC(cli_serdes_emphasis_preset_get, "show serdes WORD preset", k_help_show),
-    CLI_DESC(cli_serdes_offset_calibrate, "serdes WORD offset_calibrate", k_help_set),
+             k_help_reg_read),
+    CLI_DESC(cli_serdes_debug_info_get, "show serdes WORD debug-info", k_help_debug_info_get),
+    CLI_DESC(cli_serdes_work_mode_set, "serdes work-mode (eth | pcie)", k_help_work_mode_set),
+    CLI_DESC(cli_serdes_sram_get, "show serdes WORD sram-data", k_help_sram_get),
+    CLI_DESC(cli_serdes_los_status_get, "show serdes WORD los-status", k_help_los_status_get),
+    CLI_DESC(cli_serdes_lock_status_get, "show serdes WORD lock-status", k_help_lock_status_get),
+    CLI_DESC(cli_serdes_8k_clk_set, "serdes WORD 8k_clk_id WORD", k_help_8k_clk_set),
+    CLI_DESC(cli_serdes_8k_clk_get, "show serdes WORD 8k_clk_id WORD", k_help_8k_clk_get),
+    CLI_DESC(cli_serdes_emphasis_preset_set, "serdes WORD preset WORD", k_help_emphasis_preset_set),
+    CLI_DESC(cli_serdes_emphasis_preset_get, "show serdes WORD preset", k_help_emphasis_preset_get),
+    CLI_DESC(cli_serdes_offset_calibrate, "serdes WORD offset_calibrate", k_help_offset_calibrate),
 };
 
 #undef CLI_DESC
