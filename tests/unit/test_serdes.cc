@@ -78,6 +78,14 @@ protected:
         serdes_prbs p{enable, dir, type, nullptr};
         return serdes_api_prbs_set(chip, kLane, &p);
     }
+    // Lane 2 of chip 0 cabled to lane 2 of chip 1, chip 0 sending `type`,
+    // chip 1 checking it.
+    static void cabled_prbs(u32 type)
+    {
+        ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
+        ASSERT_EQ(prbs(0, SERDES_DIR_TX, type), 0);
+        ASSERT_EQ(prbs(1, SERDES_DIR_RX, type), 0);
+    }
     static i32 errors(u32 chip, u32 *count)
     {
         *count = 0xdead;
@@ -95,9 +103,7 @@ TEST_F(Serdes, CabledLanesCarryPrbsAndCountInjectedErrorsExactly)
     TIDE_TEST_SEED(seed, 20);
     std::mt19937 rng(static_cast<u32>(seed));
     up_both();
-    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
-    ASSERT_EQ(prbs(0, SERDES_DIR_TX, SERDES_PRBS31), 0);
-    ASSERT_EQ(prbs(1, SERDES_DIR_RX, SERDES_PRBS31), 0);
+    ASSERT_NO_FATAL_FAILURE(cabled_prbs(SERDES_PRBS31));
 
     u32 count = 0;
     ASSERT_EQ(errors(1, &count), 0);
@@ -136,9 +142,7 @@ TEST_F(Serdes, CabledLanesCarryPrbsAndCountInjectedErrorsExactly)
 TEST_F(Serdes, PolarityMismatchKeepsTheCheckerUnlockedUntilOneSideInverts)
 {
     up_both();
-    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
-    ASSERT_EQ(prbs(0, SERDES_DIR_TX, SERDES_PRBS7), 0);
-    ASSERT_EQ(prbs(1, SERDES_DIR_RX, SERDES_PRBS7), 0);
+    ASSERT_NO_FATAL_FAILURE(cabled_prbs(SERDES_PRBS7));
     u32 count = 0;
     ASSERT_EQ(invert(0, SERDES_DIR_TX, 1), 0);
     EXPECT_EQ(errors(1, &count), SHR_E_FAIL);
@@ -216,9 +220,7 @@ TEST_F(Serdes, EyeOfAGoodLinkIsOpenAndCentred)
 TEST_F(Serdes, WaitsOnALaneThatNeverAnswersEndWithTheirStatus)
 {
     up_both();
-    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
-    ASSERT_EQ(prbs(0, SERDES_DIR_TX, SERDES_PRBS31), 0);
-    ASSERT_EQ(prbs(1, SERDES_DIR_RX, SERDES_PRBS31), 0);
+    ASSERT_NO_FATAL_FAILURE(cabled_prbs(SERDES_PRBS31));
     ASSERT_EQ(tide_sim_serdes_fault_set(1, kLane, TIDE_SIM_SERDES_NEVER_LOCK), 0);
 
     // PRBS lock: 100 polls, 1000 us apart.
@@ -518,9 +520,7 @@ tide_sim_serdes_lane _lane(u32 chip, u32 serdes_id)
 TEST_F(Serdes, PllPowerRampsItsDividerAndTheLanesFollow)
 {
     up_both();
-    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
-    ASSERT_EQ(prbs(0, SERDES_DIR_TX, SERDES_PRBS31), 0);
-    ASSERT_EQ(prbs(1, SERDES_DIR_RX, SERDES_PRBS31), 0);
+    ASSERT_NO_FATAL_FAILURE(cabled_prbs(SERDES_PRBS31));
     u32 count = 0;
     ASSERT_EQ(errors(1, &count), 0);
 
