@@ -11,6 +11,7 @@
 
 #include <tide/property.h>
 
+#include "csl/reef/driver/serdes/csl_atolreef_serdes.h"
 #include "support/fixture.h"
 #include "tide_int.h"
 #include "support/wait.h"
@@ -658,6 +659,40 @@ TEST_F(Serdes, UserPatternAndRawBitsReachTheirRegisters)
     bits.data = 0;
     ASSERT_EQ(serdes_api_control_get(0, 5, &raw), 0);
     EXPECT_EQ(bits.data, 0x2au);
+}
+
+} // namespace
+
+namespace {
+
+// The resets bring a lane back as it was; a receive reset restarts the
+// checker, so errors from before it are not counted; the two halves of a
+// reset hold the lane until released.
+TEST_F(Serdes, ResetsBringTheLaneBack)
+{
+    up_both();
+    ASSERT_NO_FATAL_FAILURE(cabled_prbs(SERDES_PRBS31));
+    u32 count = 0;
+    ASSERT_EQ(serdes_api_prbs_insert_err_pkt(0, kLane, 4), 0);
+    ASSERT_EQ(serdes_api_serdes_reset(1, kLane, SERDES_RESET_RX), 0);
+    ASSERT_EQ(errors(1, &count), 0);
+    EXPECT_EQ(count, 0u) << "the checker restarted";
+
+    for (u32 mode : {SERDES_RESET_TX, SERDES_RESET_PHY}) {
+        ASSERT_EQ(serdes_api_serdes_reset(0, kLane, mode), 0) << mode;
+        EXPECT_EQ(_lane(0, kLane).tx_on, 1u) << mode;
+        ASSERT_EQ(serdes_api_prbs_insert_err_pkt(0, kLane, 2), 0);
+        ASSERT_EQ(errors(1, &count), 0) << mode;
+        EXPECT_EQ(count, 2u) << mode;
+    }
+
+    ASSERT_EQ(csl_atolreef_serdes_keep_reset(0, kLane, SERDES_RESET_TX), 0);
+    EXPECT_EQ(_lane(0, kLane).tx_on, 0u);
+    EXPECT_EQ(errors(1, &count), SHR_E_FAIL);
+    ASSERT_EQ(csl_atolreef_serdes_unreset(0, kLane, SERDES_RESET_TX), 0);
+    EXPECT_EQ(_lane(0, kLane).tx_on, 1u);
+    ASSERT_EQ(errors(1, &count), 0);
+    EXPECT_EQ(count, 0u);
 }
 
 } // namespace
