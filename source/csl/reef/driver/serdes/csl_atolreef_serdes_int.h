@@ -156,6 +156,10 @@ constexpr step S(u32 usec)
 // Runs the steps in order on the lane; the first failure is logged and
 // returned, the steps before it stay done.
 i32 run(u32 chip_id, u32 serdes_id, std::span<const step> steps);
+// The same, with adjacent steps on disjoint bits of one register merged
+// into one read-modify-write of the register: for groups of settings
+// where only the values that land count, not the writes between them.
+i32 run_records(u32 chip_id, u32 serdes_id, std::span<const step> steps);
 // The same on every lane of a macro.
 i32 run_macro_lanes(u32 chip_id, u32 macro, std::span<const step> steps);
 // One field; 0 when the read fails (after logging it).

@@ -119,6 +119,74 @@ const csl_serdes_field_t *_field_of(u32 reg_name_id, u32 bit_name_id)
     return &g_atolreef_serdes_reg[reg_name_id].fields[bit_name_id];
 }
 
+// Where the bits a step sets lie.
+struct bit_place {
+    u32 addr;
+    u32 start_bit;
+    u32 end_bit;
+};
+
+// A named field's place, checked: an unknown field -29 (PARAM), a value too
+// wide -24; each with its log line.
+i32 _field_place(u32 chip_id, u32 serdes_id, lane_place p, u32 reg_name_id, u32 bit_name_id, u32 data,
+                 bit_place *out)
+{
+    const csl_serdes_field_t *f = _field_of(reg_name_id, bit_name_id);
+    if (f == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u] no field reg_name_id:%u bit_name_id:%u\n", serdes_id,
+                    reg_name_id, bit_name_id);
+        return SHR_E_PARAM;
+    }
+    if (!_fits(data, f->start_bit, f->end_bit)) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES,
+                    "serdes_id[%u]  field set val %#x  not support, reg_name_id:%u bit_name_id:%u max val %#x\n",
+                    serdes_id, data, reg_name_id, bit_name_id, _mask(f->start_bit, f->end_bit) >> f->start_bit);
+        return SHR_E_NOT_SUPPORT;
+    }
+    const csl_serdes_reg_t &r = g_atolreef_serdes_reg[reg_name_id];
+    *out = {_addr_of(p, r.offset, r.per_lane != 0), f->start_bit, f->end_bit};
+    return 0;
+}
+
+// Bits of a register by its offset in the lane's macro, checked: bad bit
+// numbers -29 (INVALID_DATA), a bad offset PARAM, a value too wide -24.
+i32 _bits_place(u32 chip_id, u32 serdes_id, lane_place p, u32 addr, u32 start_bit, u32 end_bit, u32 data,
+                bit_place *out)
+{
+    if (start_bit > end_bit || end_bit > 31) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u] addr:%#x bits %u:%u error\n", serdes_id, addr, end_bit,
+                    start_bit);
+        return SHR_E_INVALID_DATA;
+    }
+    if (addr % 4 != 0 || addr >= k_lane_space) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u] addr:%#x out of range\n", serdes_id, addr);
+        return SHR_E_PARAM;
+    }
+    if (!_fits(data, start_bit, end_bit)) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u]  bits set val %#x  not support, addr:%#x max val %#x\n",
+                    serdes_id, data, addr, _mask(start_bit, end_bit) >> start_bit);
+        return SHR_E_NOT_SUPPORT;
+    }
+    *out = {_addr_of(p, addr, !_macro_offset(addr)), start_bit, end_bit};
+    return 0;
+}
+
+// The bits a field, bits or rbits step sets.
+i32 _step_bits(u32 chip_id, u32 serdes_id, lane_place p, const step &s, bit_place *out)
+{
+    switch (s.kind) {
+    case op::field:
+        return _field_place(chip_id, serdes_id, p, s.a, s.b, s.value, out);
+    case op::bits:
+        return _bits_place(chip_id, serdes_id, p, s.a, s.c, s.b, s.value, out);
+    default: {
+        const csl_serdes_reg_t &r = g_atolreef_serdes_reg[s.a];
+        *out = {_addr_of(p, r.offset, r.per_lane != 0), s.c, s.b};
+        return 0;
+    }
+    }
+}
+
 // ---- bring-up pieces ------------------------------------------------------------------
 
 // A PLL takes the dividers of `speed` for the chip's reference clock; with
@@ -179,7 +247,7 @@ i32 _csl_atolreef_serdes_lane_set(u32 chip_id, u32 serdes_id, u32 speed)
         B1(0x728, 12, fx),                  B(0xaa4, 25, 24, fx ? 3 : 0),
         B1(0x2444, 11, ten),                B1(0x2450, 0, ten),
     };
-    const i32 rc = run(chip_id, serdes_id, steps);
+    const i32 rc = run_records(chip_id, serdes_id, steps);
     if (rc == 0) {
         db(chip_id)->serdes_rate_val[serdes_id] = div;
         info(chip_id, serdes_id).pll_sel = sf.pll;
@@ -205,27 +273,26 @@ i32 _csl_atolreef_serdes_afe_set(u32 chip_id, u32 serdes_id, u32 speed)
     const rate_class rate = rate_of(speed);
     const afe_row &r = k_afe_table[rate];
     const u32 ten = rate == kRate10 || rate == kRate10p3125;
+    // One record per register, in the order the registers are first
+    // named: the bypass controls before the values they let through.
     const step steps[] = {
         SDS(afe_cfg_n_1, rx_lf_en_bypass, 1), SDS(afe_cfg_n_1, vga_cap_en_bypass, 1),
-        SDS(afe_cfg_n_1, rx_ctle_deq_enb_bypass, 1), SDS(eq_cfg1, rx_vga_deq_enb, 1),
-        SDS(afe_cfg_n_1, rx_lf_en_val, r.lf_en_val), SDS(afe_cfg_n_1, vga_cap_en_val, r.vga_cap_en_val),
-        SDS(afe_cfg_n_1, rx_ctle_deq_enb_val, r.ctle_deq_val), SDS(eq_cfg3, rx_vga_deq_enb, r.vga_deq_lo),
-        SDS(eq_cfg2, rx_vga_deq_enb_h, r.vga_deq_hi),
-        SDS(eq_cfg1, vga_gain_cfg_byp_ctrl, 1), SDS(eq_cfg2, vga_gain_cfg_byp_val, 15),
-        SDS(eq_cfg1, ctle_cap_cfg_byp_ctrl, 1), SDS(eq_cfg3, ctle_cap_cfg_byp_val_high, 15),
-        SDS(eq_cfg1, ctle_res_cfg_byp_ctrl, 1), SDS(eq_cfg3, ctle_res_cfg_byp_val, 8),
-        SDS(eq_cfg1, vga_res_cfg_byp_ctrl, 1), SDS(eq_cfg3, vga_res_cfg_byp_val, 15),
-        SDS(eq_cfg1, rx_lpf_res_sel, 1), SDS(eq_cfg2, rx_lpf_res_sel, 4),
-        SDS(eq_cfg1, rx_ctle_lpf_capsel, 1), SDS(eq_cfg2, rx_ctle_lpf_capsel, 0),
-        SDS(eq_cfg1, ctle_leg_cfg_byp_ctrl, 1), SDS(eq_cfg2, ctle_leg_cfg_byp_val, 0),
-        SDS(eq_cfg1, rx_lz_ctle_en, 1), SDS(eq_cfg2, rx_lz_ctle_en_val, 0),
-        SDS(afe_cfg_n_2, rx_en_cmllp_bypass, 1), SDS(afe_cfg_n_2, rx_en_cmllp_val, 1),
+        SDS(afe_cfg_n_1, rx_ctle_deq_enb_bypass, 1), SDS(afe_cfg_n_1, rx_lf_en_val, r.lf_en_val),
+        SDS(afe_cfg_n_1, vga_cap_en_val, r.vga_cap_en_val), SDS(afe_cfg_n_1, rx_ctle_deq_enb_val, r.ctle_deq_val),
+        SDS(eq_cfg1, rx_vga_deq_enb, 1), SDS(eq_cfg1, vga_gain_cfg_byp_ctrl, 1), SDS(eq_cfg1, ctle_cap_cfg_byp_ctrl, 1),
+        SDS(eq_cfg1, ctle_res_cfg_byp_ctrl, 1), SDS(eq_cfg1, vga_res_cfg_byp_ctrl, 1), SDS(eq_cfg1, rx_lpf_res_sel, 1),
+        SDS(eq_cfg1, rx_ctle_lpf_capsel, 1), SDS(eq_cfg1, ctle_leg_cfg_byp_ctrl, 1), SDS(eq_cfg1, rx_lz_ctle_en, 1),
+        SDS(eq_cfg3, rx_vga_deq_enb, r.vga_deq_lo), SDS(eq_cfg3, ctle_cap_cfg_byp_val_high, 15),
+        SDS(eq_cfg3, ctle_res_cfg_byp_val, 8), SDS(eq_cfg3, vga_res_cfg_byp_val, 15),
+        SDS(eq_cfg2, rx_vga_deq_enb_h, r.vga_deq_hi), SDS(eq_cfg2, vga_gain_cfg_byp_val, 15),
+        SDS(eq_cfg2, rx_lpf_res_sel, 4), SDS(eq_cfg2, rx_ctle_lpf_capsel, 0), SDS(eq_cfg2, ctle_leg_cfg_byp_val, 0),
+        SDS(eq_cfg2, rx_lz_ctle_en_val, 0),
+        // The common-mode buffer: on below 10G.
+        SDS(afe_cfg_n_2, rx_en_cmllp_bypass, 1), SDS(afe_cfg_n_2, rx_en_cmllp_val, ten ? 0u : 1u),
         // The phase interpolator.
-        SDS(pi_cfg3, pi_bypass, r.pi_bypass), SDS(pi_cfg3, rx_lf_en, r.rx_lf_en),
+        SDS(pi_cfg3, pi_bypass, r.pi_bypass), SDS(pi_cfg3, rx_lf_en, r.rx_lf_en), SDS(pi_cfg3, lf_en_res, r.lf_en_res),
         SDS(pi_cfg4, rx_pi_buf_rescal, r.pi_buf_rescal), SDS(pi_cfg4, rx_pibuf_sr, r.pibuf_sr),
         SDS(pi_cfg4, rx_pibuf_bwctrl, r.pibuf_bwctrl), SDS(pi_cfg4, rx_pi_rescal, r.pi_rescal),
-        SDS(pi_cfg3, lf_en_res, r.lf_en_res),
-        SDS(afe_cfg_n_2, rx_en_cmllp_val, ten ? 0u : 1u),
         // The bias block.
         SDS(rx_ptat_cfg_n_0, ctatbias_ss, 0), SDS(rx_ptat_cfg_n_0, ctatbias_ff, 0),
         SDS(rx_ptat_cfg_n_0, ctatbias_tt, 0), SDS(rx_ptat_cfg_n_0, ptatbias_ff, 31),
@@ -236,7 +303,7 @@ i32 _csl_atolreef_serdes_afe_set(u32 chip_id, u32 serdes_id, u32 speed)
         SDS(afe_cfg_n_0, sum_i_sel, 1), SDS(afe_cfg_n_0, sum_res_vref_cal, 1), SDS(afe_cfg_n_0, ofsbias_sel, 1),
         SDS(tx_cfg_n_0, exswing_en, 1), SDS(tx_cfg_n_0, exswing_isel, 7),
     };
-    return run(chip_id, serdes_id, steps);
+    return run_records(chip_id, serdes_id, steps);
 }
 
 i32 _csl_atolreef_serdes_bg_set(u32 chip_id, u32 serdes_id)
@@ -269,7 +336,7 @@ i32 _csl_atolreef_serdes_eq_set(u32 chip_id, u32 serdes_id, u32 speed)
         SDS(pi_cfg0, reg_phase_accum_adj_div_fin_gain1, 26), SDS(pi_cfg0, reg_phase_accum_adj_frq_fin_gain1, 26),
         SDS(pi_cfg0, reg_phase_accum_adj_phs_fin_gain1, 26),
     };
-    i32 rc = run(chip_id, serdes_id, head);
+    i32 rc = run_records(chip_id, serdes_id, head);
     if (rc != 0) {
         return rc;
     }
@@ -277,11 +344,11 @@ i32 _csl_atolreef_serdes_eq_set(u32 chip_id, u32 serdes_id, u32 speed)
         const step slow[] = {SDS(pi_cfg0, reg_phase_accum_adj_div_fin_gain1, 3),
                              SDS(pi_cfg0, reg_phase_accum_adj_frq_fin_gain1, 3),
                              SDS(pi_cfg0, reg_phase_accum_adj_phs_fin_gain1, 3), SDS(pi_cfg1, reg_cdr_ferf_add, 0)};
-        rc = run(chip_id, serdes_id, slow);
+        rc = run_records(chip_id, serdes_id, slow);
     } else {
         const i32 add = shr_property_port_get(chip_id, static_cast<int>(serdes_id), "serdes_cdr_freq_add_para", 0);
         const step ferf[] = {SDS(pi_cfg1, reg_cdr_ferf_add, static_cast<u32>(add))};
-        rc = run(chip_id, serdes_id, ferf);
+        rc = run_records(chip_id, serdes_id, ferf);
     }
     if (rc != 0) {
         return rc;
@@ -295,7 +362,7 @@ i32 _csl_atolreef_serdes_eq_set(u32 chip_id, u32 serdes_id, u32 speed)
         B(0x424, 27, 12, cdr),
         B(0x10, 19, 18, 2), B1(0x10, 3, 0),
     };
-    return run(chip_id, serdes_id, tail);
+    return run_records(chip_id, serdes_id, tail);
 }
 
 // ---- power ----------------------------------------------------------------------------
@@ -1002,6 +1069,48 @@ i32 run(u32 chip_id, u32 serdes_id, std::span<const step> steps)
     return 0;
 }
 
+i32 run_records(u32 chip_id, u32 serdes_id, std::span<const step> steps)
+{
+    const lane_place p = place_of(serdes_id);
+    auto mergeable = [](const step &s) { return s.kind != op::word && s.kind != op::sleep; };
+    size_t i = 0;
+    while (i < steps.size()) {
+        if (!mergeable(steps[i])) {
+            const i32 rc = run(chip_id, serdes_id, steps.subspan(i, 1));
+            if (rc != 0) {
+                return rc;
+            }
+            i++;
+            continue;
+        }
+        // The longest run of steps from i on one register, no bit twice.
+        u32 addr = 0, mask = 0, bits = 0;
+        size_t j = i;
+        for (; j < steps.size() && mergeable(steps[j]); j++) {
+            bit_place b{};
+            const i32 rc = _step_bits(chip_id, serdes_id, p, steps[j], &b);
+            if (rc != 0) {
+                return rc;
+            }
+            const u32 m = _mask(b.start_bit, b.end_bit);
+            if (j > i && (b.addr != addr || (mask & m) != 0)) {
+                break;
+            }
+            addr = b.addr;
+            mask |= m;
+            bits = (bits & ~m) | ((steps[j].value << b.start_bit) & m);
+        }
+        u32 v = 0;
+        i32 rc = _read(chip_id, addr, &v);
+        rc = rc == 0 ? _write(chip_id, addr, (v & ~mask) | bits) : rc;
+        if (rc != 0) {
+            return rc;
+        }
+        i = j;
+    }
+    return 0;
+}
+
 i32 run_macro_lanes(u32 chip_id, u32 macro, std::span<const step> steps)
 {
     i32 rc = 0;
@@ -1087,73 +1196,30 @@ u32 csl_atolreef_grey_decoding(u32 value)
 
 i32 _csl_atolreef_serdes_field_set(u32 chip_id, u32 serdes_id, u32 reg_name_id, u32 bit_name_id, u32 data)
 {
-    const csl_serdes_field_t *f = _field_of(reg_name_id, bit_name_id);
-    if (f == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u] no field reg_name_id:%u bit_name_id:%u\n", serdes_id,
-                    reg_name_id, bit_name_id);
-        return SHR_E_PARAM;
-    }
-    if (!_fits(data, f->start_bit, f->end_bit)) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES,
-                    "serdes_id[%u]  field set val %#x  not support, reg_name_id:%u bit_name_id:%u max val %#x\n",
-                    serdes_id, data, reg_name_id, bit_name_id, _mask(f->start_bit, f->end_bit) >> f->start_bit);
-        return SHR_E_NOT_SUPPORT;
-    }
-    const csl_serdes_reg_t &r = g_atolreef_serdes_reg[reg_name_id];
-    return _addr_bits_set(chip_id, _addr_of(place_of(serdes_id), r.offset, r.per_lane != 0), f->start_bit,
-                          f->end_bit, data);
+    bit_place b{};
+    const i32 rc = _field_place(chip_id, serdes_id, place_of(serdes_id), reg_name_id, bit_name_id, data, &b);
+    return rc != 0 ? rc : _addr_bits_set(chip_id, b.addr, b.start_bit, b.end_bit, data);
 }
 
 i32 _csl_atolreef_serdes_field_get(u32 chip_id, u32 serdes_id, u32 reg_name_id, u32 bit_name_id, u32 *data)
 {
-    const csl_serdes_field_t *f = _field_of(reg_name_id, bit_name_id);
-    if (f == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u] no field reg_name_id:%u bit_name_id:%u\n", serdes_id,
-                    reg_name_id, bit_name_id);
-        return SHR_E_PARAM;
-    }
-    const csl_serdes_reg_t &r = g_atolreef_serdes_reg[reg_name_id];
-    return _addr_bits_get(chip_id, _addr_of(place_of(serdes_id), r.offset, r.per_lane != 0), f->start_bit,
-                          f->end_bit, data);
-}
-
-// The bits of a register known by its offset: checked, then the place of
-// the register in the lane's macro.
-static i32 _csl_atolreef_serdes_bits_check(u32 chip_id, u32 serdes_id, u32 addr, u32 start_bit, u32 end_bit)
-{
-    if (start_bit > end_bit || end_bit > 31) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u] addr:%#x bits %u:%u error\n", serdes_id, addr, end_bit,
-                    start_bit);
-        return SHR_E_INVALID_DATA;
-    }
-    if (addr % 4 != 0 || addr >= k_lane_space) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u] addr:%#x out of range\n", serdes_id, addr);
-        return SHR_E_PARAM;
-    }
-    return 0;
+    bit_place b{};
+    const i32 rc = _field_place(chip_id, serdes_id, place_of(serdes_id), reg_name_id, bit_name_id, 0, &b);
+    return rc != 0 ? rc : _addr_bits_get(chip_id, b.addr, b.start_bit, b.end_bit, data);
 }
 
 i32 _csl_atolreef_serdes_bits_set(u32 chip_id, u32 serdes_id, u32 addr, u32 start_bit, u32 end_bit, u32 data)
 {
-    const i32 rc = _csl_atolreef_serdes_bits_check(chip_id, serdes_id, addr, start_bit, end_bit);
-    if (rc != 0) {
-        return rc;
-    }
-    if (!_fits(data, start_bit, end_bit)) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_SERDES, "serdes_id[%u]  bits set val %#x  not support, addr:%#x max val %#x\n",
-                    serdes_id, data, addr, _mask(start_bit, end_bit) >> start_bit);
-        return SHR_E_NOT_SUPPORT;
-    }
-    return _addr_bits_set(chip_id, _addr_of(place_of(serdes_id), addr, !_macro_offset(addr)), start_bit, end_bit,
-                          data);
+    bit_place b{};
+    const i32 rc = _bits_place(chip_id, serdes_id, place_of(serdes_id), addr, start_bit, end_bit, data, &b);
+    return rc != 0 ? rc : _addr_bits_set(chip_id, b.addr, b.start_bit, b.end_bit, data);
 }
 
 i32 _csl_atolreef_serdes_bits_get(u32 chip_id, u32 serdes_id, u32 addr, u32 start_bit, u32 end_bit, u32 *data)
 {
-    const i32 rc = _csl_atolreef_serdes_bits_check(chip_id, serdes_id, addr, start_bit, end_bit);
-    return rc != 0 ? rc
-                   : _addr_bits_get(chip_id, _addr_of(place_of(serdes_id), addr, !_macro_offset(addr)), start_bit,
-                                    end_bit, data);
+    bit_place b{};
+    const i32 rc = _bits_place(chip_id, serdes_id, place_of(serdes_id), addr, start_bit, end_bit, 0, &b);
+    return rc != 0 ? rc : _addr_bits_get(chip_id, b.addr, b.start_bit, b.end_bit, data);
 }
 
 i32 _csl_atolreef_serdes_power_set(u32 chip_id, u32 serdes_id, serdes_power *power)

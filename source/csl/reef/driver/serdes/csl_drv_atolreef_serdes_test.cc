@@ -900,15 +900,11 @@ i32 csl_atolreef_serdes_rx_adapt_para_set(u32 chip_id, u32 serdes_id, serdes_rx_
 
 // ---- offset calibration ---------------------------------------------------------------
 
-i32 _csl_atolreef_serdes_offset_calibrate(u32 chip_id, u32 serdes_id, char *report, u32 len)
+// One lane's calibration in the tables `t`.
+static i32 _offset_calibrate(u32 chip_id, u32 serdes_id, cal_tables &t, char *report, u32 len)
 {
-    cal_tables t;
-    i32 rc = _cal_tables_alloc(chip_id, &t);
-    if (rc != 0) {
-        return rc;
-    }
     u32 sum_i_sel = 0;
-    rc = _csl_atolreef_serdes_bits_get(chip_id, serdes_id, 0x40, 5, 5, &sum_i_sel);
+    i32 rc = _csl_atolreef_serdes_bits_get(chip_id, serdes_id, 0x40, 5, 5, &sum_i_sel);
     const step head[] = {B(0x168, 3, 0, 0), B1(0x40, 5, 1), SDS(offset_cal_cfg0, rx_ofs_sel_byp, 0)};
     rc = rc == 0 ? run(chip_id, serdes_id, head) : rc;
     u32 ofs = 0, los_ossel = 0;
@@ -931,12 +927,22 @@ i32 _csl_atolreef_serdes_offset_calibrate(u32 chip_id, u32 serdes_id, char *repo
     return rc;
 }
 
+i32 _csl_atolreef_serdes_offset_calibrate(u32 chip_id, u32 serdes_id, char *report, u32 len)
+{
+    cal_tables t;
+    const i32 rc = _cal_tables_alloc(chip_id, &t);
+    return rc != 0 ? rc : _offset_calibrate(chip_id, serdes_id, t, report, len);
+}
+
+// All lanes share one set of tables: each lane's rounds overwrite the
+// last lane's.
 i32 _csl_atolreef_serdes_all_offset_calibrate(u32 chip_id)
 {
-    i32 rc = 0;
+    cal_tables t;
+    i32 rc = _cal_tables_alloc(chip_id, &t);
     for (u32 sid = 0; rc == 0 && sid < ATOLREEF_SDS_LANES; sid++) {
         if (info(chip_id, sid).interface_type != PORT_INTERFACE_100BASE_FX) {
-            rc = _csl_atolreef_serdes_offset_calibrate(chip_id, sid, nullptr, 0);
+            rc = _offset_calibrate(chip_id, sid, t, nullptr, 0);
         }
     }
     return rc;
