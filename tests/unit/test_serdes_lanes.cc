@@ -1,0 +1,288 @@
+// The SerDes lane settings against the model's view of the lane: every
+// speed id reaches the lane's clock and takes the transmit emphasis of its
+// rate, cabled lanes lock only at one rate, and the transmit reset and the
+// offset calibration write their sequences in order, as the write log
+// shows them.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <tide/property.h>
+
+#include "support/fixture.h"
+#include "tide_int.h"
+
+namespace {
+
+constexpr u32 kLane = 2; // free of the speed limit of lanes 0, 1, 6 and 7
+constexpr u32 kSerdesBar = 4;
+
+u32 _lane_addr(u32 serdes_id, u32 offset)
+{
+    constexpr u32 kPlace[] = {0, 1, 2, 3, 7, 6, 5, 4};
+    constexpr u32 kBase[] = {0x850000, 0x870000};
+    const u32 v = kPlace[serdes_id];
+    return kBase[v >> 2] + (offset | (v & 3) << 14);
+}
+
+u32 _peek(u32 chip, u32 serdes_id, u32 offset)
+{
+    u32 v = 0;
+    EXPECT_EQ(tide_sim_reg_peek(chip, kSerdesBar, _lane_addr(serdes_id, offset), &v), 0);
+    return v;
+}
+
+u32 _bits(u64 word, u32 hi, u32 lo)
+{
+    return static_cast<u32>((word >> lo) & ((1ull << (hi - lo + 1)) - 1));
+}
+
+tide_sim_serdes_lane _lane(u32 chip, u32 serdes_id)
+{
+    tide_sim_serdes_lane l{};
+    EXPECT_EQ(tide_sim_serdes_lane_get(chip, serdes_id, &l), 0);
+    return l;
+}
+
+u64 _waited(u32 chip)
+{
+    u64 us = 0;
+    EXPECT_EQ(tide_sim_wait_get(chip, &us), 0);
+    return us;
+}
+
+// The values written to one lane register, oldest first.
+std::vector<u32> _writes_to(u32 chip, u32 serdes_id, u32 offset)
+{
+    std::vector<u32> out;
+    for (const tide_sim_write &w : tide::test::sim_writes(chip)) {
+        if (w.addr == _lane_addr(serdes_id, offset)) {
+            out.push_back(static_cast<u32>(w.value));
+        }
+    }
+    return out;
+}
+
+// Registers the tests follow.
+constexpr u32 kFfeCfg0 = 0x0a0;   // ffe_byp_ctrl 31, swing 27:24, post 21:16, pre 13:8, main 6:0
+constexpr u32 kBistCfg3 = 0x58c;  // tx_soft_rstn_byp_val 1, ctrl 0
+constexpr u32 kEqCfg1 = 0x304;    // eq_cal_mode 13:12
+constexpr u32 kCalKickA = 0xaa4;  // 30:23 the calibration's enables
+constexpr u32 kCalKickB = 0xaa0;  // 26:25 its start, 1 the hold
+constexpr u32 kOfsWords = 0x148;  // four channel words from here
+constexpr u32 kOfsBypass = 0x168; // 3:0
+
+// A 6-bit slicer offset: bit 5 the sign, bits 4:0 Gray code.
+i32 _slicer(u32 v6)
+{
+    u32 mag = v6 & 0x1F;
+    for (u32 shift = mag >> 1; shift != 0; shift >>= 1) {
+        mag ^= shift;
+    }
+    return (v6 & 0x20) != 0 ? -static_cast<i32>(mag) : static_cast<i32>(mag);
+}
+
+struct RateCase {
+    u32 speed;
+    const char *attr; // the pre-emphasis record's speed
+    u64 bps;
+};
+constexpr RateCase kRates[] = {
+    {SERDES_SPEED_1P25G_PLL0, "1.25Gbps", 1250000000ull},   {SERDES_SPEED_3P125G_PLL1, "3.125Gbps", 3125000000ull},
+    {SERDES_SPEED_5G_PLL0, "5Gbps", 5000000000ull},         {SERDES_SPEED_10G_PLL0, "10Gbps", 10000000000ull},
+    {SERDES_SPEED_10P3125G_PLL1, "10.3125Gbps", 10312500000ull},
+    {SERDES_SPEED_1P25G_PLL1, "1.25Gbps", 1250000000ull},   {SERDES_SPEED_3P125G_PLL0, "3.125Gbps", 3125000000ull},
+    {SERDES_SPEED_5G_PLL1, "5Gbps", 5000000000ull},         {SERDES_SPEED_10G_PLL1, "10Gbps", 10000000000ull},
+    {SERDES_SPEED_10P3125G_PLL0, "10.3125Gbps", 10312500000ull},
+};
+
+class SerdesLanes : public tide::test::SimChips {
+protected:
+    SerdesLanes() : SimChips(2, 0) {}
+    static void prop(u32 chip, const std::string &key, i32 value)
+    {
+        ASSERT_EQ(shr_property_set(chip, key.c_str(), std::to_string(value).c_str()), 0);
+    }
+    void up_both()
+    {
+        for (u32 chip = 0; chip < 2; chip++) {
+            prop(chip, "mag_interface_type_2", PORT_INTERFACE_10GBASE_R);
+            up_chip(chip);
+        }
+    }
+    static i32 speed(u32 chip, u32 s)
+    {
+        serdes_freq f{s, 20};
+        return serdes_api_freq_set(chip, kLane, &f);
+    }
+    static i32 prbs_errors(u32 chip, u32 *count)
+    {
+        return serdes_api_prbs_counter_get(chip, kLane, count);
+    }
+};
+
+// Each speed id, set at run time: the model's lane runs at its line rate on
+// the PLL the id names, the driver reads the id back, and the lane's
+// transmit emphasis is the property record of that rate.
+TEST_F(SerdesLanes, EverySpeedReachesTheLaneWithTheEmphasisOfItsRate)
+{
+    prop(0, "mag_interface_type_2", PORT_INTERFACE_10GBASE_R);
+    prop(0, "serdes_lane_pe_dist_speed", 1);
+    // A record per rate, each with values of its own.
+    for (u32 i = 0; i < 5; i++) {
+        shr_property_pre_emphasis_t pe{};
+        pe.type = SHR_PROPERTY_PE_TYPE_MPP;
+        pe.u.mpp = {static_cast<u8>(40 + 5 * i), static_cast<u8>(1 + i), static_cast<u8>(10 + i)};
+        ASSERT_EQ(shr_property_sds_alone_lane_pre_emphasis_set_with_attr(0, kLane, kRates[i].attr, &pe), 0);
+    }
+    up_chip(0);
+
+    for (const RateCase &c : kRates) {
+        ASSERT_EQ(speed(0, c.speed), 0) << c.speed;
+        serdes_freq read{};
+        ASSERT_EQ(serdes_api_freq_get(0, kLane, &read), 0);
+        EXPECT_EQ(read.speed, c.speed);
+        EXPECT_EQ(_lane(0, kLane).rate_bps, c.bps) << c.speed;
+
+        u32 i = 0;
+        while (std::string(kRates[i].attr) != c.attr) {
+            i++;
+        }
+        const u32 w = _peek(0, kLane, kFfeCfg0);
+        EXPECT_EQ(_bits(w, 6, 0), 40 + 5 * i) << c.attr;
+        EXPECT_EQ(_bits(w, 13, 8), 1 + i) << c.attr;
+        EXPECT_EQ(_bits(w, 21, 16), 10 + i) << c.attr;
+        EXPECT_EQ(_bits(w, 31, 31), 1u) << c.attr;
+    }
+}
+
+// A cable joins two lanes, but the far checker locks only when both ends
+// run at one rate; the PLL a rate comes from does not matter.
+TEST_F(SerdesLanes, CabledLanesLockOnlyAtOneRate)
+{
+    up_both();
+    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
+    serdes_prbs tx{1, SERDES_DIR_TX, SERDES_PRBS31, nullptr};
+    serdes_prbs rx{1, SERDES_DIR_RX, SERDES_PRBS31, nullptr};
+    ASSERT_EQ(serdes_api_prbs_set(0, kLane, &tx), 0);
+    ASSERT_EQ(serdes_api_prbs_set(1, kLane, &rx), 0);
+    u32 count = 0;
+    ASSERT_EQ(prbs_errors(1, &count), 0);
+    EXPECT_EQ(count, 0u);
+
+    ASSERT_EQ(speed(0, SERDES_SPEED_5G_PLL0), 0);
+    EXPECT_EQ(prbs_errors(1, &count), SHR_E_FAIL);
+    EXPECT_EQ(_lane(1, kLane).cdr_locked, 0u);
+    ASSERT_EQ(speed(1, SERDES_SPEED_5G_PLL1), 0);
+    ASSERT_EQ(serdes_api_prbs_set(1, kLane, &rx), 0);
+    ASSERT_EQ(prbs_errors(1, &count), 0);
+    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(_lane(1, kLane).cdr_locked, 1u);
+}
+
+// The transmit reset holds the lane's soft reset through its bypass: the
+// control first, then the value low, high again, and the control last,
+// with a settling wait after the low and at the end.
+TEST_F(SerdesLanes, TransmitResetPulsesItsBypassInOrder)
+{
+    up_both();
+    ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+    const u64 before = _waited(0);
+    ASSERT_EQ(serdes_api_serdes_reset(0, kLane, SERDES_RESET_TX), 0);
+    EXPECT_EQ(_waited(0) - before, 2000u);
+
+    const std::vector<u32> w = _writes_to(0, kLane, kBistCfg3);
+    ASSERT_EQ(w.size(), 4u);
+    // (control, value) of each write.
+    EXPECT_EQ(_bits(w[0], 0, 0), 1u);
+    EXPECT_EQ(_bits(w[1], 1, 0), 1u);  // value 0, control 1
+    EXPECT_EQ(_bits(w[2], 1, 0), 3u);
+    EXPECT_EQ(_bits(w[3], 1, 0), 2u);  // value 1, control back to 0
+    EXPECT_EQ(_lane(0, kLane).tx_on, 1u);
+}
+
+// Offset calibration of one lane: five rounds of the CTLE offset, each with
+// the calibration mode and the engine's start and stop, then five rounds of
+// the slicers; the mean of each channel's rounds goes to the channel words
+// the report shows, and the bypass of the words is taken last.
+TEST_F(SerdesLanes, OffsetCalibrationRunsItsRoundsAndWritesTheReportedWords)
+{
+    up_both();
+    // The bring-up calibrated every lane, one after the other with one set
+    // of tables.  The model reads a lane's own offset (-3 to 3 by lane,
+    // channel and value), one more on odd rounds and nine more every fifth
+    // round: the mean without the extremes lies within one of it.
+    for (u32 sid = 0; sid < 8; sid++) {
+        for (u32 ch = 0; ch < 4; ch++) {
+            const u32 w = _peek(0, sid, kOfsWords + 4 * ch);
+            for (u32 k = 0; k < 5; k++) {
+                const i32 own = static_cast<i32>((sid * 5 + ch * 3 + k) % 7) - 3;
+                const i32 got = _slicer(w >> (6 * k) & 0x3F);
+                EXPECT_GE(got, own - 1) << "lane " << sid << " channel " << ch << " value " << k;
+                EXPECT_LE(got, own + 1) << "lane " << sid << " channel " << ch << " value " << k;
+            }
+        }
+    }
+    for (u32 sid : {0u, 3u, kLane, 5u}) {
+        ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+        const u64 before = _waited(0);
+        std::string report(SERDES_CTLE_OFFSET_CALIBRATE_BUFF_LEN, '\0');
+        ASSERT_EQ(serdes_api_ctle_offset_calibrate_result(0, sid, report.data(), report.size()), 0);
+        u32 id = 0, words[4] = {};
+        ASSERT_EQ(sscanf(report.c_str(), "serdes%u:\nCHA = 0x%x\nCHB = 0x%x\nCHC = 0x%x\nCHD = 0x%x", &id, &words[0],
+                         &words[1], &words[2], &words[3]),
+                  5)
+            << report;
+        EXPECT_EQ(id, sid);
+        for (u32 ch = 0; ch < 4; ch++) {
+            EXPECT_EQ(_peek(0, sid, kOfsWords + 4 * ch), words[ch]) << "lane " << sid << " channel " << ch;
+            const std::vector<u32> ww = _writes_to(0, sid, kOfsWords + 4 * ch);
+            ASSERT_EQ(ww.size(), 1u);
+        }
+        // Ten rounds of 5000 and 10000 us.
+        EXPECT_EQ(_waited(0) - before, 10u * 15000u) << "lane " << sid;
+
+        u32 starts = 0, stops = 0;
+        for (u32 v : _writes_to(0, sid, kCalKickA)) {
+            starts += _bits(v, 30, 23) == 255;
+            stops += _bits(v, 30, 23) == 0;
+        }
+        EXPECT_EQ(starts, 10u);
+        EXPECT_EQ(stops, 10u);
+        u32 kicks = 0;
+        for (u32 v : _writes_to(0, sid, kCalKickB)) {
+            kicks += _bits(v, 26, 25) == 2;
+        }
+        EXPECT_EQ(kicks, 10u);
+        u32 modes = 0;
+        for (u32 v : _writes_to(0, sid, kEqCfg1)) {
+            modes += _bits(v, 13, 12) == 2;
+        }
+        EXPECT_EQ(modes, 5u) << "the calibration mode before each CTLE round";
+        const std::vector<u32> byp = _writes_to(0, sid, kOfsBypass);
+        ASSERT_EQ(byp.size(), 2u);
+        EXPECT_EQ(_bits(byp[0], 3, 0), 0u);
+        EXPECT_EQ(_bits(byp[1], 3, 0), 15u);
+        EXPECT_EQ(_bits(_peek(0, sid, kCalKickB), 1, 1), 0u) << "the hold is released";
+    }
+}
+
+// A lane that never finishes calibrating still ends its rounds: the engine
+// reads nothing, every offset is 0, and the words say so.
+TEST_F(SerdesLanes, CalibrationOfALaneThatNeverFinishesGivesZeroOffsets)
+{
+    up_both();
+    ASSERT_EQ(tide_sim_serdes_fault_set(0, kLane, TIDE_SIM_SERDES_NEVER_CALIBRATE), 0);
+    std::string report(SERDES_CTLE_OFFSET_CALIBRATE_BUFF_LEN, '\0');
+    ASSERT_EQ(serdes_api_ctle_offset_calibrate_result(0, kLane, report.data(), report.size()), 0);
+    EXPECT_NE(report.find("CHA = 0x0\nCHB = 0x0\nCHC = 0x0\nCHD = 0x0\n"), std::string::npos) << report;
+    // A buffer too short is refused before anything is written.
+    ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+    std::string shorter(SERDES_CTLE_OFFSET_CALIBRATE_BUFF_LEN - 1, '\0');
+    EXPECT_NE(serdes_api_ctle_offset_calibrate_result(0, kLane, shorter.data(), shorter.size()), 0);
+    EXPECT_TRUE(tide::test::sim_writes(0).empty());
+}
+
+} // namespace
