@@ -158,6 +158,57 @@ TEST_F(SerdesLanes, EverySpeedReachesTheLaneWithTheEmphasisOfItsRate)
     }
 }
 
+// The receiver's analog defaults of each rate class, as the lanes hold them
+// after the bring-up: the bypassed loop filter, capacitor and de-emphasis
+// controls, the phase interpolator and the level shifter by rate, and the
+// bias block the same on every lane.
+TEST_F(SerdesLanes, BringUpLeavesTheAnalogDefaultsOfEachRate)
+{
+    struct Row {
+        u64 bps;
+        u32 cap_en, ctle_deq;                         // afe_cfg_n_1
+        u32 pi_bypass, lf_en, lf_en_res;              // pi_cfg3
+        u32 buf_rescal, pibuf_sr, bwctrl, pi_rescal;  // pi_cfg4
+        u32 cmllp;                                    // afe_cfg_n_2
+    };
+    constexpr Row kRows[] = {
+        {1250000000ull, 0, 0, 1, 1, 2, 0, 15, 3, 4, 1},
+        {3125000000ull, 7, 0, 1, 1, 0, 0, 4, 1, 4, 1},
+        {5000000000ull, 15, 0, 1, 1, 0, 0, 4, 0, 4, 1},
+        {10312500000ull, 15, 15, 1, 0, 0, 7, 15, 3, 4, 0},
+    };
+    prop(0, "mag_interface_type_2", PORT_INTERFACE_1000BASE_X);
+    prop(0, "mag_interface_type_3", PORT_INTERFACE_2500BASE_X);
+    prop(0, "mag_interface_type_4", PORT_INTERFACE_QSGMII);
+    prop(0, "mag_interface_type_5", PORT_INTERFACE_10GBASE_R);
+    up_chip(0);
+
+    for (u32 sid = 2; sid <= 5; sid++) {
+        const Row &r = kRows[sid - 2];
+        ASSERT_EQ(_lane(0, sid).rate_bps, r.bps) << "lane " << sid;
+        const u32 afe1 = _peek(0, sid, 0x044);
+        EXPECT_EQ(_bits(afe1, 0, 0), 1u) << sid;   // rx_lf_en_bypass
+        EXPECT_EQ(_bits(afe1, 1, 1), 0u) << sid;   // rx_lf_en_val
+        EXPECT_EQ(_bits(afe1, 2, 2), 1u) << sid;   // vga_cap_en_bypass
+        EXPECT_EQ(_bits(afe1, 7, 4), r.cap_en) << sid;
+        EXPECT_EQ(_bits(afe1, 8, 8), 1u) << sid;   // rx_ctle_deq_enb_bypass
+        EXPECT_EQ(_bits(afe1, 15, 12), r.ctle_deq) << sid;
+        const u32 pi3 = _peek(0, sid, 0x38c), pi4 = _peek(0, sid, 0x390);
+        EXPECT_EQ(_bits(pi3, 0, 0), r.pi_bypass) << sid;
+        EXPECT_EQ(_bits(pi3, 1, 1), r.lf_en) << sid;
+        EXPECT_EQ(_bits(pi3, 5, 4), r.lf_en_res) << sid;
+        EXPECT_EQ(_bits(pi4, 2, 0), r.buf_rescal) << sid;
+        EXPECT_EQ(_bits(pi4, 7, 4), r.pibuf_sr) << sid;
+        EXPECT_EQ(_bits(pi4, 9, 8), r.bwctrl) << sid;
+        EXPECT_EQ(_bits(pi4, 14, 12), r.pi_rescal) << sid;
+        const u32 afe2 = _peek(0, sid, 0x048);
+        EXPECT_EQ(_bits(afe2, 1, 0), 1u | r.cmllp << 1) << sid;
+        const u32 ptat = _peek(0, sid, 0x06c);
+        EXPECT_EQ(_bits(ptat, 14, 0), 0u) << sid;               // the three ctat biases
+        EXPECT_EQ(_bits(ptat, 29, 15), 0x7FFFu) << sid;         // the three ptat biases at 31
+    }
+}
+
 // A cable joins two lanes, but the far checker locks only when both ends
 // run at one rate; the PLL a rate comes from does not matter.
 TEST_F(SerdesLanes, CabledLanesLockOnlyAtOneRate)
