@@ -5,7 +5,9 @@
 #include <tide/cli.h>
 #include <tide/property.h>
 
+#include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "app/diag_shell/shell/server/user/cli_server.h"
 #include "app/diag_shell/users/release/cli_param.h"
@@ -105,6 +107,85 @@ TEST_F(CliSerdes, SettingsReachTheLanesAndReadBack)
     ASSERT_EQ(run("serdes 3 power tx up"), 0);
     ASSERT_EQ(run("show serdes 3 eye four-point"), 0) << out_;
     EXPECT_TRUE(said(" serdes 3 eye: left ")) << out_;
+}
+
+// What an operator does to check one lane without a cable: the serial near
+// loop, PRBS both ways, errors injected, counted and cleared, the pattern
+// inverted on one side and then the other, the eye of the looped lane, and
+// the loop taken away again.  The model's lane follows each line.
+TEST_F(CliSerdes, LaneCheckedOnItselfThroughTheNearLoop)
+{
+    auto lane = [] {
+        tide_sim_serdes_lane l{};
+        EXPECT_EQ(tide_sim_serdes_lane_get(0, 3, &l), 0);
+        return l;
+    };
+    ASSERT_EQ(run("serdes 3 loopback serpre-tx2rx enable"), 0) << out_;
+    EXPECT_EQ(lane().near_loop, 1u);
+    ASSERT_EQ(run("serdes 3 prbs-dir all prbs-mode prbs23"), 0) << out_;
+    EXPECT_EQ(lane().prbs_generator, 1u);
+    EXPECT_EQ(lane().prbs_checker, 1u);
+    ASSERT_EQ(run("show serdes 3 prbs err-cnt"), 0) << out_;
+    EXPECT_TRUE(said(" serdes 3 prbs err-cnt: 0")) << out_;
+
+    ASSERT_EQ(run("serdes 3 prbs insert-err num 9"), 0) << out_;
+    ASSERT_EQ(run("serdes 3 prbs insert-err num 4"), 0) << out_;
+    ASSERT_EQ(run("show serdes 3 prbs err-cnt"), 0) << out_;
+    EXPECT_TRUE(said(" serdes 3 prbs err-cnt: 13")) << out_;
+    ASSERT_EQ(run("serdes 3 prbs insert-err num 2"), 0) << out_;
+    ASSERT_EQ(run("serdes 3 prbs clear-err-cnt"), 0) << out_;
+    ASSERT_EQ(run("show serdes 3 prbs err-cnt"), 0) << out_;
+    EXPECT_TRUE(said(" serdes 3 prbs err-cnt: 0")) << out_;
+
+    // Polarity on the way out only: the checker loses the pattern; on the
+    // way in too: the two cancel.
+    ASSERT_EQ(run("serdes 3 pn tx enable"), 0) << out_;
+    EXPECT_EQ(lane().tx_inverted, 1u);
+    EXPECT_EQ(run("show serdes 3 prbs err-cnt"), -11) << out_;
+    ASSERT_EQ(run("serdes 3 pn rx enable"), 0) << out_;
+    ASSERT_EQ(run("show serdes 3 pn"), 0);
+    EXPECT_TRUE(said(" serdes 3 pn: tx inverted, rx inverted")) << out_;
+    ASSERT_EQ(run("show serdes 3 prbs err-cnt"), 0) << out_;
+    ASSERT_EQ(run("serdes 3 pn all disable"), 0) << out_;
+    EXPECT_EQ(lane().tx_inverted + lane().rx_inverted, 0u);
+
+    ASSERT_EQ(run("show serdes 3 eye four-point"), 0) << out_;
+    EXPECT_TRUE(said(" serdes 3 eye: left ")) << out_;
+    ASSERT_EQ(run("show serdes 3 eye full"), 0) << out_;
+    EXPECT_TRUE(said("serdes3 full eye: mean errors per point, x -32..32 step 4, y 60..-60 step 10\n")) << out_;
+    // The row through the centre: open in the middle, closed at the edges.
+    const size_t row = out_.find("\n   0:\t");
+    ASSERT_NE(row, std::string::npos) << out_;
+    std::vector<unsigned long> errs;
+    const char *p = out_.c_str() + row + 7;
+    for (char *end = nullptr; errs.size() < 17; p = end) {
+        errs.push_back(std::strtoul(p, &end, 10));
+        ASSERT_NE(end, p) << out_;
+    }
+    EXPECT_EQ(errs[8], 0u) << out_;
+    EXPECT_GT(errs[0], 0u) << out_;
+    EXPECT_GT(errs[16], 0u) << out_;
+
+    ASSERT_EQ(run("serdes 3 loopback serpre-tx2rx disable"), 0) << out_;
+    EXPECT_EQ(lane().near_loop, 0u);
+    EXPECT_EQ(run("show serdes 3 prbs err-cnt"), -11) << out_;
+    ASSERT_EQ(run("show serdes 3 loopback-status"), 0);
+    EXPECT_TRUE(said(" serdes 3 loopback serpre-tx2rx : disable")) << out_;
+}
+
+// Transmit emphasis set on a list of lanes reaches every lane of the list
+// and none beyond it.
+TEST_F(CliSerdes, EmphasisOnALaneListReachesEachLane)
+{
+    ASSERT_EQ(run("show serdes 4 emphasis"), 0);
+    const std::string before = out_;
+    ASSERT_EQ(run("serdes 2-3 emphasis main 55 pre 4 post 11"), 0) << out_;
+    for (const char *sid : {"2", "3"}) {
+        ASSERT_EQ(run(std::string("show serdes ") + sid + " emphasis"), 0);
+        EXPECT_TRUE(said(std::string(" serdes ") + sid + " emphasis: main 55 pre 4 post 11")) << out_;
+    }
+    ASSERT_EQ(run("show serdes 4 emphasis"), 0);
+    EXPECT_EQ(out_, before);
 }
 
 TEST_F(CliSerdes, RefusalsPrintTheirLineAndChangeNothing)
