@@ -1,8 +1,9 @@
 // The SerDes lane settings against the model's view of the lane: every
 // speed id reaches the lane's clock and takes the transmit emphasis of its
-// rate, cabled lanes lock only at one rate, and the transmit reset and the
-// offset calibration write their sequences in order, as the write log
-// shows them.
+// rate, the analog defaults of each rate, cabled lanes lock only at one
+// rate and one pattern, each loop is the loop it names, a powered-down
+// transmitter goes quiet, and the transmit reset and the offset
+// calibration write their sequences in order, as the write log shows them.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -13,6 +14,8 @@
 
 #include "support/fixture.h"
 #include "tide_int.h"
+
+using tide::test::Capture;
 
 namespace {
 
@@ -334,6 +337,101 @@ TEST_F(SerdesLanes, CalibrationOfALaneThatNeverFinishesGivesZeroOffsets)
     std::string shorter(SERDES_CTLE_OFFSET_CALIBRATE_BUFF_LEN - 1, '\0');
     EXPECT_NE(serdes_api_ctle_offset_calibrate_result(0, kLane, shorter.data(), shorter.size()), 0);
     EXPECT_TRUE(tide::test::sim_writes(0).empty());
+}
+
+
+// Every pattern the generator takes (PRBS7, 23 and 31) locks a cabled
+// checker of the same pattern with no errors, and a checker of another
+// pattern stays unlocked; the patterns the chip lacks are refused on both
+// sides with their line and write nothing.
+TEST_F(SerdesLanes, EveryPatternLocksOnlyOnItself)
+{
+    up_both();
+    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
+    std::vector<u32> supported;
+    for (u32 type = SERDES_PRBS7; type < SERDES_PAT_USER; type++) {
+        serdes_prbs tx{1, SERDES_DIR_TX, type, nullptr};
+        serdes_prbs rx{1, SERDES_DIR_RX, type, nullptr};
+        ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+        const i32 rc = serdes_api_prbs_set(0, kLane, &tx);
+        if (rc != 0) {
+            EXPECT_EQ(rc, SHR_E_NOT_SUPPORT) << type;
+            EXPECT_TRUE(Capture::has("chip_id:0 serdes_id:2 prbs_type:" + std::to_string(type) + " not support \n"));
+            EXPECT_TRUE(tide::test::sim_writes(0).empty()) << type;
+            EXPECT_EQ(serdes_api_prbs_set(1, kLane, &rx), SHR_E_NOT_SUPPORT) << type;
+            continue;
+        }
+        ASSERT_EQ(serdes_api_prbs_set(1, kLane, &rx), 0) << type;
+        u32 count = 1;
+        ASSERT_EQ(prbs_errors(1, &count), 0) << type;
+        EXPECT_EQ(count, 0u) << type;
+        EXPECT_EQ(_lane(1, kLane).prbs_locked, 1u) << type;
+        if (!supported.empty()) {
+            serdes_prbs other{1, SERDES_DIR_RX, supported.back(), nullptr};
+            ASSERT_EQ(serdes_api_prbs_set(1, kLane, &other), 0);
+            EXPECT_EQ(prbs_errors(1, &count), SHR_E_FAIL) << type << " sent, " << supported.back() << " checked";
+        }
+        supported.push_back(type);
+    }
+    EXPECT_EQ(supported, (std::vector<u32>{SERDES_PRBS7, SERDES_PRBS23, SERDES_PRBS31}));
+}
+
+// Each of the four loops reaches the model's lane as the loop it names and
+// reads back; only the loop set is on, and disabling it takes it away.
+TEST_F(SerdesLanes, EachLoopbackIsTheLoopItNames)
+{
+    up_both();
+    struct Case {
+        u32 type;
+        bool near; // the transmitter into the lane's own receiver; else far
+    } cases[] = {
+        {SERDES_LOOP_SERIAL_TX2RX, true},
+        {SERDES_LOOP_SERIAL_RX2TX, false},
+        {SERDES_LOOP_PARALLEL_TX2RX, true},
+        {SERDES_LOOP_PARALLEL_RX2TX, false},
+    };
+    for (const Case &c : cases) {
+        serdes_loopback on{c.type, 1};
+        ASSERT_EQ(serdes_api_loopback_set(0, kLane, &on), 0) << c.type;
+        EXPECT_EQ(_lane(0, kLane).near_loop, c.near ? 1u : 0u) << c.type;
+        EXPECT_EQ(_lane(0, kLane).far_loop, c.near ? 0u : 1u) << c.type;
+        for (u32 t = 0; t < SERDES_LOOP_TYPES; t++) {
+            serdes_loopback read{t, 7};
+            ASSERT_EQ(serdes_api_loopback_get(0, kLane, &read), 0);
+            EXPECT_EQ(read.enable, t == c.type ? 1u : 0u) << c.type << " set, " << t << " read";
+        }
+        serdes_loopback off{c.type, 0};
+        ASSERT_EQ(serdes_api_loopback_set(0, kLane, &off), 0) << c.type;
+        EXPECT_EQ(_lane(0, kLane).near_loop + _lane(0, kLane).far_loop, 0u) << c.type;
+    }
+}
+
+// A transmitter powered down goes quiet on its cable: the far checker loses
+// its lock until the transmitter is powered up again.
+TEST_F(SerdesLanes, PoweredDownTransmitterLeavesTheFarCheckerUnlocked)
+{
+    up_both();
+    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
+    serdes_prbs tx{1, SERDES_DIR_TX, SERDES_PRBS31, nullptr};
+    serdes_prbs rx{1, SERDES_DIR_RX, SERDES_PRBS31, nullptr};
+    ASSERT_EQ(serdes_api_prbs_set(0, kLane, &tx), 0);
+    ASSERT_EQ(serdes_api_prbs_set(1, kLane, &rx), 0);
+    u32 count = 0;
+    ASSERT_EQ(prbs_errors(1, &count), 0);
+
+    serdes_power down{SERDES_POWER_TX, SERDES_POWER_DOWN};
+    ASSERT_EQ(serdes_api_power_set(0, kLane, &down), 0);
+    EXPECT_EQ(_lane(0, kLane).tx_on, 0u);
+    serdes_power read{SERDES_POWER_TX, 0};
+    ASSERT_EQ(serdes_api_power_get(0, kLane, &read), 0);
+    EXPECT_EQ(read.value, 1u);
+    EXPECT_EQ(prbs_errors(1, &count), SHR_E_FAIL);
+
+    serdes_power up{SERDES_POWER_TX, SERDES_POWER_UP};
+    ASSERT_EQ(serdes_api_power_set(0, kLane, &up), 0);
+    EXPECT_EQ(_lane(0, kLane).tx_on, 1u);
+    ASSERT_EQ(prbs_errors(1, &count), 0);
+    EXPECT_EQ(count, 0u);
 }
 
 } // namespace
