@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -102,6 +104,9 @@ constexpr RateCase kRates[] = {
 };
 
 class SerdesLanes : public tide::test::SimChips {
+public:
+    void up(u32 chip) { up_chip(chip); }
+
 protected:
     SerdesLanes() : SimChips(2, 0) {}
     static void prop(u32 chip, const std::string &key, i32 value)
@@ -432,6 +437,62 @@ TEST_F(SerdesLanes, PoweredDownTransmitterLeavesTheFarCheckerUnlocked)
     EXPECT_EQ(_lane(0, kLane).tx_on, 1u);
     ASSERT_EQ(prbs_errors(1, &count), 0);
     EXPECT_EQ(count, 0u);
+}
+
+// A sibling chip (revision 0 kelpreef, 1 kelpreef2) beside an atolreef
+// chip, in a build that carries only atolreef's SerDes driver: every lane
+// setting and reading on the sibling answers -24 with the driver's line
+// and leaves its registers alone, while the atolreef chip answers as usual.
+void _sibling_refuses_every_lane_call(SerdesLanes &t, u32 revision)
+{
+    tide::test::kelpreef_identity_set(1, revision);
+    t.up(0);
+    t.up(1);
+    serdes_freq freq{SERDES_SPEED_5G_PLL0, 20};
+    serdes_pn pn{SERDES_DIR_TX, 1};
+    serdes_emphasis emphasis{};
+    serdes_prbs prbs{1, SERDES_DIR_TX, SERDES_PRBS31, nullptr};
+    serdes_loopback loop{SERDES_LOOP_SERIAL_TX2RX, 1};
+    serdes_power power{SERDES_POWER_TX, SERDES_POWER_DOWN};
+    serdes_eye eye{};
+    u32 count = 0;
+    std::string text(SERDES_FULL_EYE_BUFF_LEN, '\0');
+    const std::function<i32(u32)> calls[] = {
+        [&](u32 c) { return serdes_api_freq_set(c, kLane, &freq); },
+        [&](u32 c) { return serdes_api_freq_get(c, kLane, &freq); },
+        [&](u32 c) { return serdes_api_pn_set(c, kLane, &pn); },
+        [&](u32 c) { return serdes_api_emphasis_get(c, kLane, &emphasis); },
+        [&](u32 c) { return serdes_api_prbs_set(c, kLane, &prbs); },
+        [&](u32 c) { return serdes_api_prbs_insert_err_pkt(c, kLane, 3); },
+        [&](u32 c) { return serdes_api_prbs_counter_clear(c, kLane); },
+        [&](u32 c) { return serdes_api_serdes_reset(c, kLane, SERDES_RESET_TX); },
+        [&](u32 c) { return serdes_api_loopback_set(c, kLane, &loop); },
+        [&](u32 c) { return serdes_api_power_set(c, kLane, &power); },
+        [&](u32 c) { return serdes_api_four_point_eye(c, kLane, &eye); },
+        [&](u32 c) { return serdes_api_inner_register_set(c, kLane, 0x0a0, 1); },
+        [&](u32 c) { return serdes_api_support_speed_get(c, kLane, text.data(), text.size()); },
+    };
+    for (size_t i = 0; i < std::size(calls); i++) {
+        ASSERT_EQ(tide_sim_write_log_clear(1), 0);
+        Capture::clear();
+        EXPECT_EQ(calls[i](1), SHR_E_NOT_SUPPORT) << "call " << i;
+        EXPECT_TRUE(Capture::has("no SerDes driver in this build")) << "call " << i;
+        EXPECT_TRUE(tide::test::sim_writes(1).empty()) << "call " << i;
+    }
+    // The atolreef chip still answers (its counter read needs a checker).
+    EXPECT_EQ(calls[0](0), 0);
+    EXPECT_EQ(calls[4](0), 0);
+    EXPECT_EQ(serdes_api_prbs_counter_get(0, kLane, &count), SHR_E_FAIL) << "nothing cabled";
+}
+
+TEST_F(SerdesLanes, KelpreefAnswersEveryLaneCallWithNotSupported)
+{
+    _sibling_refuses_every_lane_call(*this, 0);
+}
+
+TEST_F(SerdesLanes, Kelpreef2AnswersEveryLaneCallWithNotSupported)
+{
+    _sibling_refuses_every_lane_call(*this, 1);
 }
 
 } // namespace
