@@ -188,6 +188,35 @@ TEST_F(CliSerdes, EmphasisOnALaneListReachesEachLane)
     EXPECT_EQ(out_, before);
 }
 
+// Every speed word of the chip sets the lane to its line rate, reads back
+// as the same word, and the words of other chips' rates are refused
+// without a write.
+TEST_F(CliSerdes, EverySpeedWordSetsItsLineRate)
+{
+    const struct {
+        const char *word;
+        u64 bps;
+    } speeds[] = {
+        {"1P250G-pll0", 1250000000ull},   {"3P1250G-pll1", 3125000000ull}, {"5G-pll0", 5000000000ull},
+        {"10G-pll0", 10000000000ull},     {"10P3125G-pll1", 10312500000ull}, {"1P250G-pll1", 1250000000ull},
+        {"3P1250G-pll0", 3125000000ull},  {"5G-pll1", 5000000000ull},      {"10G-pll1", 10000000000ull},
+        {"10P3125G-pll0", 10312500000ull},
+    };
+    for (const auto &sp : speeds) {
+        ASSERT_EQ(run(std::string("serdes 2 speed ") + sp.word + " width 20BIT"), 0) << sp.word << "\n" << out_;
+        tide_sim_serdes_lane l{};
+        ASSERT_EQ(tide_sim_serdes_lane_get(0, 2, &l), 0);
+        EXPECT_EQ(l.rate_bps, sp.bps) << sp.word;
+        ASSERT_EQ(run("show serdes 2 speed"), 0);
+        EXPECT_TRUE(said(std::string(" serdes 2 speed: ") + sp.word + "\n")) << out_;
+    }
+    for (const char *word : {"1P25G-MPLLA", "3P125G", "10G", "7P8125G", "25P78125G", "53P125G"}) {
+        ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+        EXPECT_EQ(run(std::string("serdes 2 speed ") + word + " width 20BIT"), -24) << word << "\n" << out_;
+        EXPECT_TRUE(tide::test::sim_writes(0).empty()) << word;
+    }
+}
+
 TEST_F(CliSerdes, RefusalsPrintTheirLineAndChangeNothing)
 {
     struct Case {
