@@ -13,49 +13,27 @@
 
 #include "csl/reef/driver/serdes/csl_atolreef_serdes.h"
 #include "support/fixture.h"
+#include "support/serdes_lanes.h"
 #include "tide_int.h"
 #include "support/wait.h"
 
 using tide::test::Capture;
+using tide::test::kSerdesBar;
+using tide::test::serdes_lane;
+using tide::test::serdes_lane_addr;
+using tide::test::serdes_peek;
+using tide::test::sim_waited;
+using tide::test::word_bits;
 
 namespace {
 
 // Lane 2 is free of the speed limit of lanes 0, 1, 6 and 7.
 constexpr u32 kLane = 2;
-constexpr u32 kSerdesBar = 4;
-
-// The switch-core address of a lane register: macro base, offset, lane.
-u32 _lane_addr(u32 serdes_id, u32 offset)
-{
-    constexpr u32 kPlace[] = {0, 1, 2, 3, 7, 6, 5, 4};
-    constexpr u32 kBase[] = {0x850000, 0x870000};
-    const u32 v = kPlace[serdes_id];
-    return kBase[v >> 2] + (offset | (v & 3) << 14);
-}
-
-u32 _peek(u32 chip, u32 serdes_id, u32 offset)
-{
-    u32 v = 0;
-    EXPECT_EQ(tide_sim_reg_peek(chip, kSerdesBar, _lane_addr(serdes_id, offset), &v), 0);
-    return v;
-}
-
-u32 _bits(u32 word, u32 hi, u32 lo)
-{
-    return (word >> lo) & ((hi - lo == 31) ? 0xFFFFFFFFu : ((1u << (hi - lo + 1)) - 1));
-}
 
 // Registers the tests read back.
 constexpr u32 kFfeCfg0 = 0x0a0;  // ffe_byp_ctrl 31, swing 27:24, post 21:16, pre 13:8, main 6:0
 constexpr u32 kBistCfg1 = 0x584; // rx_bist_en_byp_val 1, ctrl 0
 constexpr u32 kEyeCtl0 = 0x520;  // full_eye_cfg_en1 3, full_eye_en_sel 2
-
-u64 _waited(u32 chip)
-{
-    u64 us = 0;
-    EXPECT_EQ(tide_sim_wait_get(chip, &us), 0);
-    return us;
-}
 
 // Two chips; each test sets the properties it needs, then brings them up.
 class Serdes : public tide::test::SimChips {
@@ -226,12 +204,12 @@ TEST_F(Serdes, WaitsOnALaneThatNeverAnswersEndWithTheirStatus)
 
     // PRBS lock: 100 polls, 1000 us apart.
     Capture::clear();
-    u64 before = _waited(1);
+    u64 before = sim_waited(1);
     u32 count = 0;
     EXPECT_EQ(errors(1, &count), SHR_E_FAIL);
     EXPECT_TRUE(Capture::has("chip_id:1 serdes_id:2 BIST lock fail!"));
-    EXPECT_EQ(_waited(1) - before, 100u * 1000u);
-    EXPECT_EQ(_bits(_peek(1, kLane, kBistCfg1), 1, 0), 3u) << "the checker keeps running";
+    EXPECT_EQ(sim_waited(1) - before, 100u * 1000u);
+    EXPECT_EQ(word_bits(serdes_peek(1, kLane, kBistCfg1), 1, 0), 3u) << "the checker keeps running";
     u32 locked = 1;
     serdes_control lock{SERDES_CONTROL_LOCK, &locked};
     ASSERT_EQ(serdes_api_control_get(1, kLane, &lock), 0);
@@ -239,16 +217,16 @@ TEST_F(Serdes, WaitsOnALaneThatNeverAnswersEndWithTheirStatus)
 
     // Eye measurement: 1000 polls in all, 500 us apart.
     ASSERT_EQ(tide_sim_serdes_fault_set(1, kLane, TIDE_SIM_SERDES_NEVER_CALIBRATE), 0);
-    const u32 eye_ctl = _peek(1, kLane, kEyeCtl0);
+    const u32 eye_ctl = serdes_peek(1, kLane, kEyeCtl0);
     Capture::clear();
-    before = _waited(1);
+    before = sim_waited(1);
     serdes_eye eye{};
     EXPECT_EQ(serdes_api_four_point_eye(1, kLane, &eye), SHR_E_TIMEOUT);
     EXPECT_TRUE(Capture::has("chip_id:1 serdes_id:2 measure_done:0 time:1000"));
-    const u64 spent = _waited(1) - before;
+    const u64 spent = sim_waited(1) - before;
     EXPECT_GE(spent, 999u * 500u);
     EXPECT_LE(spent, 1000u * 500u);
-    EXPECT_EQ(_bits(_peek(1, kLane, kEyeCtl0), 3, 2), _bits(eye_ctl, 3, 2)) << "the eye's enables are restored";
+    EXPECT_EQ(word_bits(serdes_peek(1, kLane, kEyeCtl0), 3, 2), word_bits(eye_ctl, 3, 2)) << "the eye's enables are restored";
 
     // The full eye fails the same way.
     std::string buffer(SERDES_FULL_EYE_BUFF_LEN, '\0');
@@ -280,12 +258,12 @@ TEST_F(Serdes, PreEmphasisFromThePropertiesFollowsTheSpeed)
     up_chip(0);
 
     auto expect_ffe = [](u32 serdes_id, u32 main, u32 pre, u32 post) {
-        const u32 w = _peek(0, serdes_id, kFfeCfg0);
-        EXPECT_EQ(_bits(w, 6, 0), main) << "lane " << serdes_id;
-        EXPECT_EQ(_bits(w, 13, 8), pre) << "lane " << serdes_id;
-        EXPECT_EQ(_bits(w, 21, 16), post) << "lane " << serdes_id;
-        EXPECT_EQ(_bits(w, 27, 24), 0u) << "lane " << serdes_id;
-        EXPECT_EQ(_bits(w, 31, 31), 1u) << "the taps, not the preset";
+        const u32 w = serdes_peek(0, serdes_id, kFfeCfg0);
+        EXPECT_EQ(word_bits(w, 6, 0), main) << "lane " << serdes_id;
+        EXPECT_EQ(word_bits(w, 13, 8), pre) << "lane " << serdes_id;
+        EXPECT_EQ(word_bits(w, 21, 16), post) << "lane " << serdes_id;
+        EXPECT_EQ(word_bits(w, 27, 24), 0u) << "lane " << serdes_id;
+        EXPECT_EQ(word_bits(w, 31, 31), 1u) << "the taps, not the preset";
     };
     expect_ffe(kLane, 70, 3, 9);
     expect_ffe(3, 0x5A, 0, 20);
@@ -305,7 +283,7 @@ TEST_F(Serdes, PreEmphasisFromThePropertiesFollowsTheSpeed)
     u32 preset = 5;
     serdes_control control{SERDES_CONTROL_PRESET, &preset};
     ASSERT_EQ(serdes_api_control_set(0, kLane, &control), 0);
-    EXPECT_EQ(_bits(_peek(0, kLane, kFfeCfg0), 31, 31), 0u);
+    EXPECT_EQ(word_bits(serdes_peek(0, kLane, kFfeCfg0), 31, 31), 0u);
     preset = 0;
     ASSERT_EQ(serdes_api_control_get(0, kLane, &control), 0);
     EXPECT_EQ(preset, 5u);
@@ -464,16 +442,16 @@ TEST_F(Serdes, RegisterAccessByNameAndAddress)
     up_both();
     char reg[] = "ffe_cfg0", field[] = "ffe_cpre_cfg";
     ASSERT_EQ(serdes_api_name_register_field_set(0, kLane, reg, field, 0x2a), 0);
-    EXPECT_EQ(_bits(_peek(0, kLane, kFfeCfg0), 13, 8), 0x2au);
+    EXPECT_EQ(word_bits(serdes_peek(0, kLane, kFfeCfg0), 13, 8), 0x2au);
     u32 v = 0;
     ASSERT_EQ(serdes_api_name_register_field_get(0, kLane, reg, field, &v), 0);
     EXPECT_EQ(v, 0x2au);
     ASSERT_EQ(serdes_api_inner_register_get(0, kLane, kFfeCfg0, &v), 0);
-    EXPECT_EQ(v, _peek(0, kLane, kFfeCfg0));
+    EXPECT_EQ(v, serdes_peek(0, kLane, kFfeCfg0));
     ASSERT_EQ(serdes_api_name_register_get(0, kLane, reg, &v), 0);
-    EXPECT_EQ(v, _peek(0, kLane, kFfeCfg0));
+    EXPECT_EQ(v, serdes_peek(0, kLane, kFfeCfg0));
     ASSERT_EQ(serdes_api_inner_register_set(0, 5, kFfeCfg0, 0x1234), 0);
-    EXPECT_EQ(_peek(0, 5, kFfeCfg0), 0x1234u);
+    EXPECT_EQ(serdes_peek(0, 5, kFfeCfg0), 0x1234u);
 
     // ctle_hf 9: bypass on, Gray code of 9 (13) in eq_cfg9.
     serdes_rx_para hf{1, 0, SERDES_RX_PARA_CTLE_HF, 9};
@@ -490,31 +468,6 @@ TEST_F(Serdes, RegisterAccessByNameAndAddress)
     EXPECT_NE(speeds.find("15             10.3125Gbps_pll1"), std::string::npos);
 }
 
-// The kelpreef siblings have no SerDes driver in this build: -24 with a
-// log line, and the chip still comes up.
-TEST_F(Serdes, SiblingsAnswerNotSupported)
-{
-    tide::test::kelpreef_identity_set(1);
-    up_chip(0);
-    up_chip(1);
-    serdes_freq freq{SERDES_SPEED_5G_PLL0, 20};
-    Capture::clear();
-    EXPECT_EQ(serdes_api_freq_set(1, kLane, &freq), SHR_E_NOT_SUPPORT);
-    EXPECT_TRUE(Capture::has("no SerDes driver in this build"));
-    EXPECT_EQ(serdes_api_freq_set(0, kLane, &freq), 0);
-}
-
-} // namespace
-
-namespace {
-
-tide_sim_serdes_lane _lane(u32 chip, u32 serdes_id)
-{
-    tide_sim_serdes_lane l{};
-    EXPECT_EQ(tide_sim_serdes_lane_get(chip, serdes_id, &l), 0);
-    return l;
-}
-
 // A PLL powered down walks its divider below its floor, 10 at a time with
 // 10 ms between steps, and the lanes on it go dark; powered up it walks
 // back to its rate and the link locks again.
@@ -526,21 +479,21 @@ TEST_F(Serdes, PllPowerRampsItsDividerAndTheLanesFollow)
     ASSERT_EQ(errors(1, &count), 0);
 
     // 10.3125G is PLL 1 at divider 206: eleven steps down to 96.
-    u64 before = _waited(0);
+    u64 before = sim_waited(0);
     serdes_power pll1{SERDES_POWER_PLL1, SERDES_POWER_DOWN};
     ASSERT_EQ(serdes_api_power_set(0, kLane, &pll1), 0);
-    EXPECT_EQ(_waited(0) - before, 11u * 10000u);
-    EXPECT_EQ(_lane(0, kLane).tx_on, 0u);
+    EXPECT_EQ(sim_waited(0) - before, 11u * 10000u);
+    EXPECT_EQ(serdes_lane(0, kLane).tx_on, 0u);
     serdes_power read{SERDES_POWER_PLL1, 0};
     ASSERT_EQ(serdes_api_power_get(0, kLane, &read), 0);
     EXPECT_EQ(read.value, static_cast<u32>(SERDES_POWER_DOWN));
     EXPECT_EQ(errors(1, &count), SHR_E_FAIL);
 
-    before = _waited(0);
+    before = sim_waited(0);
     pll1.value = SERDES_POWER_UP;
     ASSERT_EQ(serdes_api_power_set(0, kLane, &pll1), 0);
-    EXPECT_EQ(_waited(0) - before, 11u * 10000u);
-    EXPECT_EQ(_lane(0, kLane).rate_bps, 10312500000ull);
+    EXPECT_EQ(sim_waited(0) - before, 11u * 10000u);
+    EXPECT_EQ(serdes_lane(0, kLane).rate_bps, 10312500000ull);
     ASSERT_EQ(errors(1, &count), 0);
     EXPECT_EQ(count, 0u);
 }
@@ -554,10 +507,10 @@ TEST_F(Serdes, BringUpFollowsTheLanePropertiesAndLanesShareTheirPll)
     prop(0, "mag_interface_type_4", PORT_INTERFACE_1000BASE_X);
     prop(0, "serdes_enable_4", 0);
     up_chip(0);
-    EXPECT_EQ(_lane(0, 2).rate_bps, 10000000000ull);
-    EXPECT_EQ(_lane(0, 3).rate_bps, 10000000000ull);
-    EXPECT_EQ(_lane(0, 2).tx_on, 1u);
-    const tide_sim_serdes_lane off = _lane(0, 4);
+    EXPECT_EQ(serdes_lane(0, 2).rate_bps, 10000000000ull);
+    EXPECT_EQ(serdes_lane(0, 3).rate_bps, 10000000000ull);
+    EXPECT_EQ(serdes_lane(0, 2).tx_on, 1u);
+    const tide_sim_serdes_lane off = serdes_lane(0, 4);
     EXPECT_EQ(off.tx_on, 0u);
     EXPECT_EQ(off.rx_on, 0u);
     serdes_power both{SERDES_POWER_TXRX, 0};
@@ -566,8 +519,8 @@ TEST_F(Serdes, BringUpFollowsTheLanePropertiesAndLanesShareTheirPll)
 
     serdes_freq f{SERDES_SPEED_10P3125G_PLL0, 20};
     ASSERT_EQ(serdes_api_freq_set(0, 2, &f), 0);
-    EXPECT_EQ(_lane(0, 2).rate_bps, 10312500000ull);
-    EXPECT_EQ(_lane(0, 3).rate_bps, 10312500000ull) << "lane 3 shares PLL 0";
+    EXPECT_EQ(serdes_lane(0, 2).rate_bps, 10312500000ull);
+    EXPECT_EQ(serdes_lane(0, 3).rate_bps, 10312500000ull) << "lane 3 shares PLL 0";
 
     // Receive adaptation on and off, as the lane reports it.
     serdes_rx_adapt dfe{SERDES_RX_ADAPT_DFE, 1};
@@ -592,7 +545,7 @@ u32 _gray(u32 v)
 
 void _poke(u32 chip, u32 serdes_id, u32 offset, u32 value)
 {
-    ASSERT_EQ(tide_sim_reg_poke(chip, kSerdesBar, _lane_addr(serdes_id, offset), value), 0);
+    ASSERT_EQ(tide_sim_reg_poke(chip, kSerdesBar, serdes_lane_addr(serdes_id, offset), value), 0);
 }
 
 // Each receive parameter turns its bypass on and lands in its value field,
@@ -629,13 +582,13 @@ TEST_F(Serdes, ReceiveParametersReachTheirBypassFields)
         _poke(0, kLane, c.ctrl_reg, c.para == 11 ? 1u << 11 : 0);
         serdes_rx_para p{1, 0, c.para, c.value};
         ASSERT_EQ(serdes_api_rx_para_set(0, kLane, &p), 0) << c.para;
-        EXPECT_EQ(_bits(_peek(0, kLane, c.ctrl_reg), c.ctrl_bit, c.ctrl_bit), 1u) << "bypass of " << c.para;
-        EXPECT_EQ(_bits(_peek(0, kLane, c.val_reg), c.hi, c.lo), c.expect) << "value of " << c.para;
+        EXPECT_EQ(word_bits(serdes_peek(0, kLane, c.ctrl_reg), c.ctrl_bit, c.ctrl_bit), 1u) << "bypass of " << c.para;
+        EXPECT_EQ(word_bits(serdes_peek(0, kLane, c.val_reg), c.hi, c.lo), c.expect) << "value of " << c.para;
         if (c.para == 7) {
-            EXPECT_EQ(_bits(_peek(0, kLane, kEq3), 25, 24), 0x1du & 3) << "low bits of 7";
+            EXPECT_EQ(word_bits(serdes_peek(0, kLane, kEq3), 25, 24), 0x1du & 3) << "low bits of 7";
         }
         if (c.para == 11) {
-            EXPECT_EQ(_bits(_peek(0, kLane, kEq1), 11, 11), 0u) << "stage control of 11";
+            EXPECT_EQ(word_bits(serdes_peek(0, kLane, kEq1), 11, 11), 0u) << "stage control of 11";
         }
     }
 }
@@ -648,14 +601,14 @@ TEST_F(Serdes, UserPatternAndRawBitsReachTheirRegisters)
     u64 pattern = 0x0123456789abcdefull;
     serdes_prbs user{1, SERDES_DIR_TX, SERDES_PAT_USER, &pattern};
     ASSERT_EQ(serdes_api_prbs_set(0, kLane, &user), 0);
-    EXPECT_EQ(_bits(_peek(0, kLane, 0x5a0), 15, 0), 0xcdefu);
-    EXPECT_EQ(_peek(0, kLane, 0x5a4), 0x456789abu);
-    EXPECT_EQ(_bits(_peek(0, kLane, 0x5a8), 15, 0), 0x0123u);
+    EXPECT_EQ(word_bits(serdes_peek(0, kLane, 0x5a0), 15, 0), 0xcdefu);
+    EXPECT_EQ(serdes_peek(0, kLane, 0x5a4), 0x456789abu);
+    EXPECT_EQ(word_bits(serdes_peek(0, kLane, 0x5a8), 15, 0), 0x0123u);
 
     serdes_raw_bits bits{kFfeCfg0, 0x2a, 8, 13};
     serdes_control raw{SERDES_CONTROL_RAW_BITS, &bits};
     ASSERT_EQ(serdes_api_control_set(0, 5, &raw), 0);
-    EXPECT_EQ(_bits(_peek(0, 5, kFfeCfg0), 13, 8), 0x2au);
+    EXPECT_EQ(word_bits(serdes_peek(0, 5, kFfeCfg0), 13, 8), 0x2au);
     bits.data = 0;
     ASSERT_EQ(serdes_api_control_get(0, 5, &raw), 0);
     EXPECT_EQ(bits.data, 0x2au);
@@ -680,17 +633,17 @@ TEST_F(Serdes, ResetsBringTheLaneBack)
 
     for (u32 mode : {SERDES_RESET_TX, SERDES_RESET_PHY}) {
         ASSERT_EQ(serdes_api_serdes_reset(0, kLane, mode), 0) << mode;
-        EXPECT_EQ(_lane(0, kLane).tx_on, 1u) << mode;
+        EXPECT_EQ(serdes_lane(0, kLane).tx_on, 1u) << mode;
         ASSERT_EQ(serdes_api_prbs_insert_err_pkt(0, kLane, 2), 0);
         ASSERT_EQ(errors(1, &count), 0) << mode;
         EXPECT_EQ(count, 2u) << mode;
     }
 
     ASSERT_EQ(csl_atolreef_serdes_keep_reset(0, kLane, SERDES_RESET_TX), 0);
-    EXPECT_EQ(_lane(0, kLane).tx_on, 0u);
+    EXPECT_EQ(serdes_lane(0, kLane).tx_on, 0u);
     EXPECT_EQ(errors(1, &count), SHR_E_FAIL);
     ASSERT_EQ(csl_atolreef_serdes_unreset(0, kLane, SERDES_RESET_TX), 0);
-    EXPECT_EQ(_lane(0, kLane).tx_on, 1u);
+    EXPECT_EQ(serdes_lane(0, kLane).tx_on, 1u);
     ASSERT_EQ(errors(1, &count), 0);
     EXPECT_EQ(count, 0u);
 }

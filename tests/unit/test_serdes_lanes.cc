@@ -2,8 +2,9 @@
 // speed id reaches the lane's clock and takes the transmit emphasis of its
 // rate, the analog defaults of each rate, cabled lanes lock only at one
 // rate and one pattern, each loop is the loop it names, a powered-down
-// transmitter goes quiet, and the transmit reset and the offset
-// calibration write their sequences in order, as the write log shows them.
+// transmitter goes quiet, the transmit reset and the offset calibration
+// write their sequences in order (as the write log shows them), and the
+// sibling chips refuse every lane call.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -15,55 +16,26 @@
 #include <tide/property.h>
 
 #include "support/fixture.h"
+#include "support/serdes_lanes.h"
 #include "tide_int.h"
 
 using tide::test::Capture;
+using tide::test::serdes_lane;
+using tide::test::serdes_lane_addr;
+using tide::test::serdes_peek;
+using tide::test::sim_waited;
+using tide::test::word_bits;
 
 namespace {
 
 constexpr u32 kLane = 2; // free of the speed limit of lanes 0, 1, 6 and 7
-constexpr u32 kSerdesBar = 4;
-
-u32 _lane_addr(u32 serdes_id, u32 offset)
-{
-    constexpr u32 kPlace[] = {0, 1, 2, 3, 7, 6, 5, 4};
-    constexpr u32 kBase[] = {0x850000, 0x870000};
-    const u32 v = kPlace[serdes_id];
-    return kBase[v >> 2] + (offset | (v & 3) << 14);
-}
-
-u32 _peek(u32 chip, u32 serdes_id, u32 offset)
-{
-    u32 v = 0;
-    EXPECT_EQ(tide_sim_reg_peek(chip, kSerdesBar, _lane_addr(serdes_id, offset), &v), 0);
-    return v;
-}
-
-u32 _bits(u64 word, u32 hi, u32 lo)
-{
-    return static_cast<u32>((word >> lo) & ((1ull << (hi - lo + 1)) - 1));
-}
-
-tide_sim_serdes_lane _lane(u32 chip, u32 serdes_id)
-{
-    tide_sim_serdes_lane l{};
-    EXPECT_EQ(tide_sim_serdes_lane_get(chip, serdes_id, &l), 0);
-    return l;
-}
-
-u64 _waited(u32 chip)
-{
-    u64 us = 0;
-    EXPECT_EQ(tide_sim_wait_get(chip, &us), 0);
-    return us;
-}
 
 // The values written to one lane register, oldest first.
 std::vector<u32> _writes_to(u32 chip, u32 serdes_id, u32 offset)
 {
     std::vector<u32> out;
     for (const tide_sim_write &w : tide::test::sim_writes(chip)) {
-        if (w.addr == _lane_addr(serdes_id, offset)) {
+        if (w.addr == serdes_lane_addr(serdes_id, offset)) {
             out.push_back(static_cast<u32>(w.value));
         }
     }
@@ -125,6 +97,18 @@ protected:
         serdes_freq f{s, 20};
         return serdes_api_freq_set(chip, kLane, &f);
     }
+    static i32 prbs(u32 chip, u32 dir)
+    {
+        serdes_prbs p{1, dir, SERDES_PRBS31, nullptr};
+        return serdes_api_prbs_set(chip, kLane, &p);
+    }
+    // Lane 2 of chip 0 cabled to lane 2 of chip 1, PRBS31 from 0 to 1.
+    static void cabled_prbs31()
+    {
+        ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
+        ASSERT_EQ(prbs(0, SERDES_DIR_TX), 0);
+        ASSERT_EQ(prbs(1, SERDES_DIR_RX), 0);
+    }
     static i32 prbs_errors(u32 chip, u32 *count)
     {
         return serdes_api_prbs_counter_get(chip, kLane, count);
@@ -152,17 +136,17 @@ TEST_F(SerdesLanes, EverySpeedReachesTheLaneWithTheEmphasisOfItsRate)
         serdes_freq read{};
         ASSERT_EQ(serdes_api_freq_get(0, kLane, &read), 0);
         EXPECT_EQ(read.speed, c.speed);
-        EXPECT_EQ(_lane(0, kLane).rate_bps, c.bps) << c.speed;
+        EXPECT_EQ(serdes_lane(0, kLane).rate_bps, c.bps) << c.speed;
 
         u32 i = 0;
         while (std::string(kRates[i].attr) != c.attr) {
             i++;
         }
-        const u32 w = _peek(0, kLane, kFfeCfg0);
-        EXPECT_EQ(_bits(w, 6, 0), 40 + 5 * i) << c.attr;
-        EXPECT_EQ(_bits(w, 13, 8), 1 + i) << c.attr;
-        EXPECT_EQ(_bits(w, 21, 16), 10 + i) << c.attr;
-        EXPECT_EQ(_bits(w, 31, 31), 1u) << c.attr;
+        const u32 w = serdes_peek(0, kLane, kFfeCfg0);
+        EXPECT_EQ(word_bits(w, 6, 0), 40 + 5 * i) << c.attr;
+        EXPECT_EQ(word_bits(w, 13, 8), 1 + i) << c.attr;
+        EXPECT_EQ(word_bits(w, 21, 16), 10 + i) << c.attr;
+        EXPECT_EQ(word_bits(w, 31, 31), 1u) << c.attr;
     }
 }
 
@@ -193,27 +177,27 @@ TEST_F(SerdesLanes, BringUpLeavesTheAnalogDefaultsOfEachRate)
 
     for (u32 sid = 2; sid <= 5; sid++) {
         const Row &r = kRows[sid - 2];
-        ASSERT_EQ(_lane(0, sid).rate_bps, r.bps) << "lane " << sid;
-        const u32 afe1 = _peek(0, sid, 0x044);
-        EXPECT_EQ(_bits(afe1, 0, 0), 1u) << sid;   // rx_lf_en_bypass
-        EXPECT_EQ(_bits(afe1, 1, 1), 0u) << sid;   // rx_lf_en_val
-        EXPECT_EQ(_bits(afe1, 2, 2), 1u) << sid;   // vga_cap_en_bypass
-        EXPECT_EQ(_bits(afe1, 7, 4), r.cap_en) << sid;
-        EXPECT_EQ(_bits(afe1, 8, 8), 1u) << sid;   // rx_ctle_deq_enb_bypass
-        EXPECT_EQ(_bits(afe1, 15, 12), r.ctle_deq) << sid;
-        const u32 pi3 = _peek(0, sid, 0x38c), pi4 = _peek(0, sid, 0x390);
-        EXPECT_EQ(_bits(pi3, 0, 0), r.pi_bypass) << sid;
-        EXPECT_EQ(_bits(pi3, 1, 1), r.lf_en) << sid;
-        EXPECT_EQ(_bits(pi3, 5, 4), r.lf_en_res) << sid;
-        EXPECT_EQ(_bits(pi4, 2, 0), r.buf_rescal) << sid;
-        EXPECT_EQ(_bits(pi4, 7, 4), r.pibuf_sr) << sid;
-        EXPECT_EQ(_bits(pi4, 9, 8), r.bwctrl) << sid;
-        EXPECT_EQ(_bits(pi4, 14, 12), r.pi_rescal) << sid;
-        const u32 afe2 = _peek(0, sid, 0x048);
-        EXPECT_EQ(_bits(afe2, 1, 0), 1u | r.cmllp << 1) << sid;
-        const u32 ptat = _peek(0, sid, 0x06c);
-        EXPECT_EQ(_bits(ptat, 14, 0), 0u) << sid;               // the three ctat biases
-        EXPECT_EQ(_bits(ptat, 29, 15), 0x7FFFu) << sid;         // the three ptat biases at 31
+        ASSERT_EQ(serdes_lane(0, sid).rate_bps, r.bps) << "lane " << sid;
+        const u32 afe1 = serdes_peek(0, sid, 0x044);
+        EXPECT_EQ(word_bits(afe1, 0, 0), 1u) << sid;   // rx_lf_en_bypass
+        EXPECT_EQ(word_bits(afe1, 1, 1), 0u) << sid;   // rx_lf_en_val
+        EXPECT_EQ(word_bits(afe1, 2, 2), 1u) << sid;   // vga_cap_en_bypass
+        EXPECT_EQ(word_bits(afe1, 7, 4), r.cap_en) << sid;
+        EXPECT_EQ(word_bits(afe1, 8, 8), 1u) << sid;   // rx_ctle_deq_enb_bypass
+        EXPECT_EQ(word_bits(afe1, 15, 12), r.ctle_deq) << sid;
+        const u32 pi3 = serdes_peek(0, sid, 0x38c), pi4 = serdes_peek(0, sid, 0x390);
+        EXPECT_EQ(word_bits(pi3, 0, 0), r.pi_bypass) << sid;
+        EXPECT_EQ(word_bits(pi3, 1, 1), r.lf_en) << sid;
+        EXPECT_EQ(word_bits(pi3, 5, 4), r.lf_en_res) << sid;
+        EXPECT_EQ(word_bits(pi4, 2, 0), r.buf_rescal) << sid;
+        EXPECT_EQ(word_bits(pi4, 7, 4), r.pibuf_sr) << sid;
+        EXPECT_EQ(word_bits(pi4, 9, 8), r.bwctrl) << sid;
+        EXPECT_EQ(word_bits(pi4, 14, 12), r.pi_rescal) << sid;
+        const u32 afe2 = serdes_peek(0, sid, 0x048);
+        EXPECT_EQ(word_bits(afe2, 1, 0), 1u | r.cmllp << 1) << sid;
+        const u32 ptat = serdes_peek(0, sid, 0x06c);
+        EXPECT_EQ(word_bits(ptat, 14, 0), 0u) << sid;               // the three ctat biases
+        EXPECT_EQ(word_bits(ptat, 29, 15), 0x7FFFu) << sid;         // the three ptat biases at 31
     }
 }
 
@@ -222,23 +206,19 @@ TEST_F(SerdesLanes, BringUpLeavesTheAnalogDefaultsOfEachRate)
 TEST_F(SerdesLanes, CabledLanesLockOnlyAtOneRate)
 {
     up_both();
-    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
-    serdes_prbs tx{1, SERDES_DIR_TX, SERDES_PRBS31, nullptr};
-    serdes_prbs rx{1, SERDES_DIR_RX, SERDES_PRBS31, nullptr};
-    ASSERT_EQ(serdes_api_prbs_set(0, kLane, &tx), 0);
-    ASSERT_EQ(serdes_api_prbs_set(1, kLane, &rx), 0);
+    ASSERT_NO_FATAL_FAILURE(cabled_prbs31());
     u32 count = 0;
     ASSERT_EQ(prbs_errors(1, &count), 0);
     EXPECT_EQ(count, 0u);
 
     ASSERT_EQ(speed(0, SERDES_SPEED_5G_PLL0), 0);
     EXPECT_EQ(prbs_errors(1, &count), SHR_E_FAIL);
-    EXPECT_EQ(_lane(1, kLane).cdr_locked, 0u);
+    EXPECT_EQ(serdes_lane(1, kLane).cdr_locked, 0u);
     ASSERT_EQ(speed(1, SERDES_SPEED_5G_PLL1), 0);
-    ASSERT_EQ(serdes_api_prbs_set(1, kLane, &rx), 0);
+    ASSERT_EQ(prbs(1, SERDES_DIR_RX), 0);
     ASSERT_EQ(prbs_errors(1, &count), 0);
     EXPECT_EQ(count, 0u);
-    EXPECT_EQ(_lane(1, kLane).cdr_locked, 1u);
+    EXPECT_EQ(serdes_lane(1, kLane).cdr_locked, 1u);
 }
 
 // The transmit reset holds the lane's soft reset through its bypass: the
@@ -248,18 +228,18 @@ TEST_F(SerdesLanes, TransmitResetPulsesItsBypassInOrder)
 {
     up_both();
     ASSERT_EQ(tide_sim_write_log_clear(0), 0);
-    const u64 before = _waited(0);
+    const u64 before = sim_waited(0);
     ASSERT_EQ(serdes_api_serdes_reset(0, kLane, SERDES_RESET_TX), 0);
-    EXPECT_EQ(_waited(0) - before, 2000u);
+    EXPECT_EQ(sim_waited(0) - before, 2000u);
 
     const std::vector<u32> w = _writes_to(0, kLane, kBistCfg3);
     ASSERT_EQ(w.size(), 4u);
     // (control, value) of each write.
-    EXPECT_EQ(_bits(w[0], 0, 0), 1u);
-    EXPECT_EQ(_bits(w[1], 1, 0), 1u);  // value 0, control 1
-    EXPECT_EQ(_bits(w[2], 1, 0), 3u);
-    EXPECT_EQ(_bits(w[3], 1, 0), 2u);  // value 1, control back to 0
-    EXPECT_EQ(_lane(0, kLane).tx_on, 1u);
+    EXPECT_EQ(word_bits(w[0], 0, 0), 1u);
+    EXPECT_EQ(word_bits(w[1], 1, 0), 1u);  // value 0, control 1
+    EXPECT_EQ(word_bits(w[2], 1, 0), 3u);
+    EXPECT_EQ(word_bits(w[3], 1, 0), 2u);  // value 1, control back to 0
+    EXPECT_EQ(serdes_lane(0, kLane).tx_on, 1u);
 }
 
 // Offset calibration of one lane: five rounds of the CTLE offset, each with
@@ -275,7 +255,7 @@ TEST_F(SerdesLanes, OffsetCalibrationRunsItsRoundsAndWritesTheReportedWords)
     // round: the mean without the extremes lies within one of it.
     for (u32 sid = 0; sid < 8; sid++) {
         for (u32 ch = 0; ch < 4; ch++) {
-            const u32 w = _peek(0, sid, kOfsWords + 4 * ch);
+            const u32 w = serdes_peek(0, sid, kOfsWords + 4 * ch);
             for (u32 k = 0; k < 5; k++) {
                 const i32 own = static_cast<i32>((sid * 5 + ch * 3 + k) % 7) - 3;
                 const i32 got = _slicer(w >> (6 * k) & 0x3F);
@@ -286,7 +266,7 @@ TEST_F(SerdesLanes, OffsetCalibrationRunsItsRoundsAndWritesTheReportedWords)
     }
     for (u32 sid : {0u, 3u, kLane, 5u}) {
         ASSERT_EQ(tide_sim_write_log_clear(0), 0);
-        const u64 before = _waited(0);
+        const u64 before = sim_waited(0);
         std::string report(SERDES_CTLE_OFFSET_CALIBRATE_BUFF_LEN, '\0');
         ASSERT_EQ(serdes_api_ctle_offset_calibrate_result(0, sid, report.data(), report.size()), 0);
         u32 id = 0, words[4] = {};
@@ -296,35 +276,35 @@ TEST_F(SerdesLanes, OffsetCalibrationRunsItsRoundsAndWritesTheReportedWords)
             << report;
         EXPECT_EQ(id, sid);
         for (u32 ch = 0; ch < 4; ch++) {
-            EXPECT_EQ(_peek(0, sid, kOfsWords + 4 * ch), words[ch]) << "lane " << sid << " channel " << ch;
+            EXPECT_EQ(serdes_peek(0, sid, kOfsWords + 4 * ch), words[ch]) << "lane " << sid << " channel " << ch;
             const std::vector<u32> ww = _writes_to(0, sid, kOfsWords + 4 * ch);
             ASSERT_EQ(ww.size(), 1u);
         }
         // Ten rounds of 5000 and 10000 us.
-        EXPECT_EQ(_waited(0) - before, 10u * 15000u) << "lane " << sid;
+        EXPECT_EQ(sim_waited(0) - before, 10u * 15000u) << "lane " << sid;
 
         u32 starts = 0, stops = 0;
         for (u32 v : _writes_to(0, sid, kCalKickA)) {
-            starts += _bits(v, 30, 23) == 255;
-            stops += _bits(v, 30, 23) == 0;
+            starts += word_bits(v, 30, 23) == 255;
+            stops += word_bits(v, 30, 23) == 0;
         }
         EXPECT_EQ(starts, 10u);
         EXPECT_EQ(stops, 10u);
         u32 kicks = 0;
         for (u32 v : _writes_to(0, sid, kCalKickB)) {
-            kicks += _bits(v, 26, 25) == 2;
+            kicks += word_bits(v, 26, 25) == 2;
         }
         EXPECT_EQ(kicks, 10u);
         u32 modes = 0;
         for (u32 v : _writes_to(0, sid, kEqCfg1)) {
-            modes += _bits(v, 13, 12) == 2;
+            modes += word_bits(v, 13, 12) == 2;
         }
         EXPECT_EQ(modes, 5u) << "the calibration mode before each CTLE round";
         const std::vector<u32> byp = _writes_to(0, sid, kOfsBypass);
         ASSERT_EQ(byp.size(), 2u);
-        EXPECT_EQ(_bits(byp[0], 3, 0), 0u);
-        EXPECT_EQ(_bits(byp[1], 3, 0), 15u);
-        EXPECT_EQ(_bits(_peek(0, sid, kCalKickB), 1, 1), 0u) << "the hold is released";
+        EXPECT_EQ(word_bits(byp[0], 3, 0), 0u);
+        EXPECT_EQ(word_bits(byp[1], 3, 0), 15u);
+        EXPECT_EQ(word_bits(serdes_peek(0, sid, kCalKickB), 1, 1), 0u) << "the hold is released";
     }
 }
 
@@ -370,7 +350,7 @@ TEST_F(SerdesLanes, EveryPatternLocksOnlyOnItself)
         u32 count = 1;
         ASSERT_EQ(prbs_errors(1, &count), 0) << type;
         EXPECT_EQ(count, 0u) << type;
-        EXPECT_EQ(_lane(1, kLane).prbs_locked, 1u) << type;
+        EXPECT_EQ(serdes_lane(1, kLane).prbs_locked, 1u) << type;
         if (!supported.empty()) {
             serdes_prbs other{1, SERDES_DIR_RX, supported.back(), nullptr};
             ASSERT_EQ(serdes_api_prbs_set(1, kLane, &other), 0);
@@ -398,8 +378,8 @@ TEST_F(SerdesLanes, EachLoopbackIsTheLoopItNames)
     for (const Case &c : cases) {
         serdes_loopback on{c.type, 1};
         ASSERT_EQ(serdes_api_loopback_set(0, kLane, &on), 0) << c.type;
-        EXPECT_EQ(_lane(0, kLane).near_loop, c.near ? 1u : 0u) << c.type;
-        EXPECT_EQ(_lane(0, kLane).far_loop, c.near ? 0u : 1u) << c.type;
+        EXPECT_EQ(serdes_lane(0, kLane).near_loop, c.near ? 1u : 0u) << c.type;
+        EXPECT_EQ(serdes_lane(0, kLane).far_loop, c.near ? 0u : 1u) << c.type;
         for (u32 t = 0; t < SERDES_LOOP_TYPES; t++) {
             serdes_loopback read{t, 7};
             ASSERT_EQ(serdes_api_loopback_get(0, kLane, &read), 0);
@@ -407,7 +387,7 @@ TEST_F(SerdesLanes, EachLoopbackIsTheLoopItNames)
         }
         serdes_loopback off{c.type, 0};
         ASSERT_EQ(serdes_api_loopback_set(0, kLane, &off), 0) << c.type;
-        EXPECT_EQ(_lane(0, kLane).near_loop + _lane(0, kLane).far_loop, 0u) << c.type;
+        EXPECT_EQ(serdes_lane(0, kLane).near_loop + serdes_lane(0, kLane).far_loop, 0u) << c.type;
     }
 }
 
@@ -416,17 +396,13 @@ TEST_F(SerdesLanes, EachLoopbackIsTheLoopItNames)
 TEST_F(SerdesLanes, PoweredDownTransmitterLeavesTheFarCheckerUnlocked)
 {
     up_both();
-    ASSERT_EQ(tide_sim_serdes_link(0, kLane, 1, kLane), 0);
-    serdes_prbs tx{1, SERDES_DIR_TX, SERDES_PRBS31, nullptr};
-    serdes_prbs rx{1, SERDES_DIR_RX, SERDES_PRBS31, nullptr};
-    ASSERT_EQ(serdes_api_prbs_set(0, kLane, &tx), 0);
-    ASSERT_EQ(serdes_api_prbs_set(1, kLane, &rx), 0);
+    ASSERT_NO_FATAL_FAILURE(cabled_prbs31());
     u32 count = 0;
     ASSERT_EQ(prbs_errors(1, &count), 0);
 
     serdes_power down{SERDES_POWER_TX, SERDES_POWER_DOWN};
     ASSERT_EQ(serdes_api_power_set(0, kLane, &down), 0);
-    EXPECT_EQ(_lane(0, kLane).tx_on, 0u);
+    EXPECT_EQ(serdes_lane(0, kLane).tx_on, 0u);
     serdes_power read{SERDES_POWER_TX, 0};
     ASSERT_EQ(serdes_api_power_get(0, kLane, &read), 0);
     EXPECT_EQ(read.value, 1u);
@@ -434,7 +410,7 @@ TEST_F(SerdesLanes, PoweredDownTransmitterLeavesTheFarCheckerUnlocked)
 
     serdes_power up{SERDES_POWER_TX, SERDES_POWER_UP};
     ASSERT_EQ(serdes_api_power_set(0, kLane, &up), 0);
-    EXPECT_EQ(_lane(0, kLane).tx_on, 1u);
+    EXPECT_EQ(serdes_lane(0, kLane).tx_on, 1u);
     ASSERT_EQ(prbs_errors(1, &count), 0);
     EXPECT_EQ(count, 0u);
 }
