@@ -150,6 +150,47 @@ TEST_F(SerdesLanes, EverySpeedReachesTheLaneWithTheEmphasisOfItsRate)
     }
 }
 
+// Without emphasis by speed the lane keeps its own values (or what an
+// operator set) through every rate change, whatever records the store
+// holds; with it, a value a speed's record leaves unset (255) is the lane's
+// own.
+TEST_F(SerdesLanes, EmphasisOfTheLaneItselfAndPartlySetRecords)
+{
+    prop(0, "mag_interface_type_2", PORT_INTERFACE_10GBASE_R);
+    prop(0, "serdes_tx_main_2", 66);
+    prop(0, "serdes_tx_pre_2", 2);
+    prop(0, "serdes_tx_post_2", 7);
+    shr_property_pre_emphasis_t five{};
+    five.type = SHR_PROPERTY_PE_TYPE_MPP;
+    five.u.mpp = {80, 255, 255};
+    ASSERT_EQ(shr_property_sds_alone_lane_pre_emphasis_set_with_attr(0, kLane, "5Gbps", &five), 0);
+    up_chip(0);
+
+    auto ffe = [] {
+        const u32 w = serdes_peek(0, kLane, kFfeCfg0);
+        return std::vector<u32>{word_bits(w, 6, 0), word_bits(w, 13, 8), word_bits(w, 21, 16)};
+    };
+    EXPECT_EQ(ffe(), (std::vector<u32>{66, 2, 7}));
+    for (const RateCase &c : kRates) {
+        ASSERT_EQ(speed(0, c.speed), 0) << c.speed;
+        EXPECT_EQ(ffe(), (std::vector<u32>{66, 2, 7})) << c.attr;
+    }
+    serdes_emphasis mine{};
+    mine.main = 50;
+    mine.pre = 3;
+    mine.post = 9;
+    ASSERT_EQ(serdes_api_emphasis_set(0, kLane, &mine), 0);
+    ASSERT_EQ(speed(0, SERDES_SPEED_5G_PLL0), 0);
+    EXPECT_EQ(ffe(), (std::vector<u32>{50, 3, 9})) << "the operator's values stay";
+
+    // By speed: the 5G record's main, the lane's own pre and post.
+    prop(0, "serdes_lane_pe_dist_speed", 1);
+    ASSERT_EQ(speed(0, SERDES_SPEED_10G_PLL0), 0);
+    EXPECT_EQ(ffe(), (std::vector<u32>{66, 2, 7})) << "no 10G record";
+    ASSERT_EQ(speed(0, SERDES_SPEED_5G_PLL1), 0);
+    EXPECT_EQ(ffe(), (std::vector<u32>{80, 2, 7}));
+}
+
 // The receiver's analog defaults of each rate class, as the lanes hold them
 // after the bring-up: the bypassed loop filter, capacitor and de-emphasis
 // controls, the phase interpolator and the level shifter by rate, and the
