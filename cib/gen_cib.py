@@ -13,6 +13,11 @@ Reads the chip description (cib/atolreef/*.cib), checks it, and writes:
                 with --sdk also the registry's records and the typed
                 _set/_get/_del and conversions of every TCAM table
                 (atolreef_tcam_table.h, atolreef_tcam_table.cc)
+  --serdes FILE the SerDes macros (cib/serdes/atolreef.cib); with --sdk the
+                macro's register catalogue (atolreef_serdes_reg.h,
+                atolreef_serdes_reg.cc), with --model its geometry
+                (atolreef_serdes_desc.cc), with --doc a section of the
+                reference
 
 The description format is told in docs/chip-description.md.  Output is a pure
 function of the input: the same description gives the same bytes.
@@ -821,6 +826,277 @@ def gen_tcam_source(tables):
     return '\n'.join(out)
 
 
+# ---- the SerDes macros ------------------------------------------------------------
+
+SDS_REG_COUNT = 104
+SDS_ACCESS = ('RW', 'RO')
+
+
+class SdsMacro:
+    def __init__(self, name, attrs, where):
+        self.name = name
+        self.where = where
+        for k in attrs:
+            if k not in ('bases', 'size', 'lanes', 'lane_shift', 'order'):
+                raise DescError('%s: unknown macro attribute %s=' % (where, k))
+        try:
+            self.bases = [int(b, 0) for b in attrs['bases'].split(',')]
+        except (KeyError, ValueError):
+            raise DescError('%s: bases= needs a list of addresses' % where)
+        self.size = need_int(attrs, 'size', where)
+        self.lanes = need_int(attrs, 'lanes', where)
+        self.lane_shift = need_int(attrs, 'lane_shift', where)
+        if self.lanes < 1 or (self.lanes - 1) << self.lane_shift >= self.size:
+            raise DescError('%s: %d lanes of 2^%d bytes do not fit a macro of 0x%x' % (
+                where, self.lanes, self.lane_shift, self.size))
+        try:
+            self.order = [int(v, 0) for v in attrs['order'].split(',')]
+        except (KeyError, ValueError):
+            raise DescError('%s: order= needs the place of every serdes_id' % where)
+        if sorted(self.order) != list(range(len(self.bases) * self.lanes)):
+            raise DescError('%s: order= must name each lane of the macros once' % where)
+
+
+class SdsReg:
+    def __init__(self, kind, name, attrs, doc, where):
+        self.kind = kind  # 'reg' (named, in the catalogue) or 'word' (by offset only)
+        self.name = name
+        self.doc = doc
+        self.where = where
+        self.fields = []
+        for k in attrs:
+            if k not in ('ofs', 'scope', 'access'):
+                raise DescError('%s: unknown attribute %s=' % (where, k))
+        self.offset = need_int(attrs, 'ofs', where)
+        self.scope = attrs.get('scope')
+        if self.scope not in ('lane', 'macro'):
+            raise DescError('%s: scope= must be lane or macro' % where)
+        self.access = attrs.get('access', 'RW')
+        if self.access not in SDS_ACCESS:
+            raise DescError('%s: a SerDes word is RW or RO, not %r' % (where, self.access))
+
+    @property
+    def per_lane(self):
+        return self.scope == 'lane'
+
+
+def parse_serdes(path):
+    macro = None
+    regs = []
+    doc = []
+    item = None
+    with open(path) as f:
+        for lineno, raw in enumerate(f, 1):
+            where = '%s:%d' % (os.path.relpath(path), lineno)
+            line = raw.rstrip('\n')
+            if not line.strip():
+                doc = []
+                item = None
+                continue
+            if line.lstrip().startswith('#'):
+                if not line.startswith((' ', '\t')):
+                    doc.append(line.lstrip()[1:].strip())
+                continue
+            comment = ''
+            if '#' in line:
+                line, comment = line.split('#', 1)
+                comment = comment.strip()
+            if line.startswith((' ', '\t')):
+                if item is None:
+                    raise DescError('%s: field outside a register' % where)
+                item.fields.append(parse_field(line.split(), item, comment, where))
+                continue
+            tokens = line.split()
+            if tokens[0] == 'macro':
+                if macro is not None:
+                    raise DescError('%s: second macro line' % where)
+                if len(tokens) < 2:
+                    raise DescError('%s: macro without a name' % where)
+                macro = SdsMacro(tokens[1], parse_attrs(tokens[2:], where), where)
+            elif tokens[0] in ('reg', 'word'):
+                if macro is None:
+                    raise DescError('%s: %s before the macro line' % (where, tokens[0]))
+                if len(tokens) < 2:
+                    raise DescError('%s: %s without a name' % (where, tokens[0]))
+                item = SdsReg(tokens[0], tokens[1], parse_attrs(tokens[2:], where), doc, where)
+                regs.append(item)
+            else:
+                raise DescError('%s: unknown keyword %r' % (where, tokens[0]))
+            doc = []
+    if macro is None:
+        raise DescError('%s: no macro line' % path)
+    return macro, regs
+
+
+def check_serdes(macro, regs, modules):
+    """Names, offsets, fields and the macros' place in the switch-core space."""
+    names = {}
+    for r in regs:
+        if not re.fullmatch(r'[a-z][a-z0-9_]*', r.name):
+            raise DescError('%s: bad name %r' % (r.where, r.name))
+        if r.name in names:
+            raise DescError('%s: name %s used again (first at %s)' % (r.where, r.name, names[r.name].where))
+        names[r.name] = r
+        if r.offset % 4:
+            raise DescError('%s: offset 0x%x is not a multiple of 4' % (r.where, r.offset))
+        limit = 1 << macro.lane_shift if r.per_lane else macro.size
+        if r.offset >= limit:
+            raise DescError('%s: offset 0x%x beyond its %s (0x%x)' % (r.where, r.offset, r.scope, limit))
+        if not r.fields:
+            raise DescError('%s: %s has no fields' % (r.where, r.name))
+        seen = {}
+        bits = [None] * 32
+        for f in r.fields:
+            if f.name in seen:
+                raise DescError('%s: field %s twice in %s' % (f.where, f.name, r.name))
+            seen[f.name] = f
+            if f.high >= 32:
+                raise DescError('%s: field %s reaches bit %d of a 32-bit register' % (f.where, f.name, f.high))
+            for b in range(f.low, f.high + 1):
+                if bits[b] is not None:
+                    raise DescError('%s: field %s overlaps %s at bit %d' % (f.where, f.name, bits[b].name, b))
+                bits[b] = f
+            if f.access is None:
+                f.access = r.access
+            if f.access not in SDS_ACCESS:
+                raise DescError('%s: a SerDes field is RW or RO, not %s' % (f.where, f.access))
+            if f.reset >> f.width:
+                raise DescError('%s: reset value of %s does not fit' % (f.where, f.name))
+    named = [r for r in regs if r.kind == 'reg']
+    if len(named) != SDS_REG_COUNT:
+        raise DescError('%s: the catalogue of the macro has %d registers, not %d' % (
+            macro.where, len(named), SDS_REG_COUNT))
+    # Every word of a macro, lanes unrolled: no two registers share one.
+    where_at = {}
+    for r in regs:
+        for lane in range(macro.lanes) if r.per_lane else [None]:
+            a = r.offset | (lane << macro.lane_shift) if lane is not None else r.offset
+            if a in where_at:
+                raise DescError('%s: %s at offset 0x%x meets %s' % (r.where, r.name, a, where_at[a].name))
+            where_at[a] = r
+    for i, b in enumerate(macro.bases):
+        if b % 4:
+            raise DescError('%s: base 0x%x is not a multiple of 4' % (macro.where, b))
+        for c in macro.bases[i + 1:]:
+            if b < c + macro.size and c < b + macro.size:
+                raise DescError('%s: macros at 0x%x and 0x%x overlap' % (macro.where, b, c))
+        for m in modules:
+            if m.size and b < m.base + m.size and m.base < b + macro.size:
+                raise DescError('%s: macro at 0x%x overlaps the window of %s' % (macro.where, b, m.name))
+
+
+def sds_masks(r):
+    """The bits a CPU write stores (all but RO fields), and the reset."""
+    ro = reset = 0
+    for f in r.fields:
+        m = ((1 << f.width) - 1) << f.low
+        if f.access == 'RO':
+            ro |= m
+        reset |= f.reset << f.low
+    return (~ro) & 0xFFFFFFFF, ro, reset
+
+
+SDS_HEADER = '// Generated from the SerDes description (cib/serdes) by cib/gen_cib.py. Do not edit.\n'
+
+
+def gen_serdes_header(macro, regs):
+    named = [r for r in regs if r.kind == 'reg']
+    out = [SDS_HEADER, '#ifndef TIDE_ATOLREEF_SERDES_REG_H\n#define TIDE_ATOLREEF_SERDES_REG_H\n',
+           '#include "csl/reef/driver/serdes/csl_serdes_reg.h"\n',
+           '#ifdef __cplusplus\nextern "C" {\n#endif\n',
+           '#define ATOLREEF_SDS_MACROS %du' % len(macro.bases),
+           '#define ATOLREEF_SDS_LANES_PER_MACRO %du' % macro.lanes,
+           '#define ATOLREEF_SDS_LANE_SHIFT %du' % macro.lane_shift,
+           '#define ATOLREEF_SDS_REG_COUNT %du\n' % len(named),
+           '/* Base of each macro in the switch-core space. */',
+           'extern const u32 g_serdes_base_addr[ATOLREEF_SDS_MACROS];',
+           '/* The place of each serdes_id: macro * ATOLREEF_SDS_LANES_PER_MACRO + lane. */',
+           'extern const u8 g_serdes_lane_order[ATOLREEF_SDS_MACROS * ATOLREEF_SDS_LANES_PER_MACRO];',
+           '/* The named registers of the macro; a row\'s index is its reg_name_id. */',
+           'extern const csl_serdes_reg_t g_atolreef_serdes_reg[ATOLREEF_SDS_REG_COUNT];\n',
+           '/* reg_name_id of each register. */', 'enum atolreef_serdes_reg_id {']
+    for i, r in enumerate(named):
+        out.append('    sds_reg_%s = %d,' % (r.name, i))
+    out.append('};\n')
+    out.append('/* bit_name_id of each field: its place in the register\'s field table. */')
+    out.append('enum atolreef_serdes_field_id {')
+    for r in named:
+        for i, f in enumerate(r.fields):
+            out.append('    sds_f_%s__%s = %d,' % (r.name, f.name, i))
+    out.append('};\n')
+    out.append('#ifdef __cplusplus\n}\n#endif\n\n#endif /* TIDE_ATOLREEF_SERDES_REG_H */\n')
+    return '\n'.join(out)
+
+
+def c_text(s):
+    return '"%s"' % s.replace('\\', '\\\\').replace('"', '\\"')
+
+
+def gen_serdes_source(macro, regs):
+    named = [r for r in regs if r.kind == 'reg']
+    out = [SDS_HEADER, '#include "atolreef_serdes_reg.h"\n', 'extern "C" {\n',
+           'const u32 g_serdes_base_addr[ATOLREEF_SDS_MACROS] = {%s};' % ', '.join('0x%x' % b for b in macro.bases),
+           'const u8 g_serdes_lane_order[ATOLREEF_SDS_MACROS * ATOLREEF_SDS_LANES_PER_MACRO] = {%s};\n' % ', '.join(
+               str(v) for v in macro.order)]
+    for r in named:
+        out.append('static const csl_serdes_field_t atolreef_%s_f[] = {%s};' % (
+            r.name, ', '.join('{"%s", %d, %d}' % (f.name, f.low, f.high) for f in r.fields)))
+    out.append('\nconst csl_serdes_reg_t g_atolreef_serdes_reg[ATOLREEF_SDS_REG_COUNT] = {')
+    for r in named:
+        out.append('    {"%s", atolreef_%s_f, 0x%x, %d, %d, %s},' % (
+            r.name, r.name, r.offset, 1 if r.per_lane else 0, len(r.fields), c_text(' '.join(r.doc))))
+    out.append('};\n')
+    out.append('} // extern "C"\n')
+    return '\n'.join(out)
+
+
+def gen_serdes_model(macro, regs):
+    out = [SDS_HEADER, '// The SerDes macros as the model needs them: where each word lies, which\n'
+           '// bits the macro drives, and the names of the bits the model reads.\n',
+           '#include "sim/sim_desc.h"\n', 'namespace tide::sim::desc {\n',
+           'const uint32_t kSerdesBases[] = {%s};' % ', '.join('0x%x' % b for b in macro.bases),
+           'const uint32_t kSerdesMacros = %d;' % len(macro.bases),
+           'const uint32_t kSerdesMacroSize = 0x%x;' % macro.size,
+           'const uint32_t kSerdesLanes = %d;' % macro.lanes,
+           'const uint32_t kSerdesLaneShift = %d;' % macro.lane_shift,
+           'const uint8_t kSerdesLaneOrder[] = {%s};\n' % ', '.join(str(v) for v in macro.order)]
+    out.append('static const Field kSdsFields[] = {')
+    pos = {}
+    n = 0
+    for r in regs:
+        pos[r.name] = n
+        out.append('    %s // %s' % (' '.join('{"%s", %d, %d},' % (f.name, f.low, f.width) for f in r.fields), r.name))
+        n += len(r.fields)
+    out.append('};\n')
+    out.append('const SerdesWord kSerdesWords[] = {')
+    for r in regs:
+        rw, ro, reset = sds_masks(r)
+        out.append('    {"%s", 0x%x, %s, %s, 0x%x, 0x%x, &kSdsFields[%d], %d},' % (
+            r.name, r.offset, 'true' if r.per_lane else 'false', 'true' if r.kind == 'reg' else 'false',
+            ro, reset, pos[r.name], len(r.fields)))
+    out.append('};\nconst size_t kSerdesWordCount = sizeof(kSerdesWords) / sizeof(kSerdesWords[0]);\n')
+    out.append('} // namespace tide::sim::desc\n')
+    return '\n'.join(out)
+
+
+def gen_serdes_doc(macro, regs):
+    out = ['## SerDes macros\n',
+           'Bases %s, 0x%x bytes each; %d lanes, a lane register at base + (offset | lane << %d). '
+           'Registers marked *by offset* are not in the catalogue `g_atolreef_serdes_reg`.\n' % (
+               ', '.join('0x%x' % b for b in macro.bases), macro.size, macro.lanes, macro.lane_shift)]
+    for r in regs:
+        out.append('### %s`%s`\n' % ('' if r.kind == 'reg' else 'by offset: ', r.name))
+        out.append('offset 0x%x, one per %s.\n' % (r.offset, r.scope))
+        if r.doc:
+            out.append(' '.join(r.doc) + '\n')
+        out.append('| field | bits | access | reset | meaning |\n|---|---|---|---|---|')
+        for f in r.fields:
+            bits = '%d' % f.low if f.width == 1 else '%d:%d' % (f.high, f.low)
+            out.append('| %s | %s | %s | 0x%x | %s |' % (f.name, bits, f.access, f.reset, f.comment))
+        out.append('')
+    return '\n'.join(out) + '\n'
+
+
 def main():
     ap = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     ap.add_argument('desc', help='directory of the chip description (*.cib)')
@@ -828,6 +1104,7 @@ def main():
     ap.add_argument('--model', help='output directory of the model geometry')
     ap.add_argument('--doc', help='output file of the reference')
     ap.add_argument('--tcam', help='registry of the logical TCAM tables')
+    ap.add_argument('--serdes', help='description of the SerDes macros')
     args = ap.parse_args()
     modules = []
     try:
@@ -840,6 +1117,10 @@ def main():
         tcam = None
         if args.tcam:
             tcam = parse_tcam(args.tcam, {it.name: it for m in modules for it in m.items})
+        serdes = None
+        if args.serdes:
+            serdes = parse_serdes(args.serdes)
+            check_serdes(serdes[0], serdes[1], modules)
     except DescError as e:
         print('gen_cib: %s' % e, file=sys.stderr)
         return 1
@@ -851,10 +1132,15 @@ def main():
         if tcam:
             write(os.path.join(args.sdk, 'atolreef_tcam_table.h'), gen_tcam_header(tcam))
             write(os.path.join(args.sdk, 'atolreef_tcam_table.cc'), gen_tcam_source(tcam))
+        if serdes:
+            write(os.path.join(args.sdk, 'atolreef_serdes_reg.h'), gen_serdes_header(*serdes))
+            write(os.path.join(args.sdk, 'atolreef_serdes_reg.cc'), gen_serdes_source(*serdes))
     if args.model:
         write(os.path.join(args.model, 'atolreef_model_desc.cc'), gen_model(modules))
+        if serdes:
+            write(os.path.join(args.model, 'atolreef_serdes_desc.cc'), gen_serdes_model(*serdes))
     if args.doc:
-        write(args.doc, gen_doc(modules))
+        write(args.doc, gen_doc(modules) + (gen_serdes_doc(*serdes) if serdes else ''))
     return 0
 
 

@@ -16,6 +16,7 @@
 #include "sim/sim_int.h"
 #include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
+#include "sim/sim_serdes.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
 
@@ -95,12 +96,26 @@ int _sim_munmap(void *addr, size_t length)
     return munmap(addr, length);
 }
 
+// A wait of the SDK for a chip of the model takes no time: the model's
+// engines are done within the write that starts them.  The time is
+// counted per chip.
+int _sim_usleep(uint32_t chip_id, uint32_t usec)
+{
+    Model *m = _model();
+    Chip *c = m != nullptr ? m->chip(chip_id) : nullptr;
+    if (c != nullptr) {
+        c->waited_us += usec;
+    }
+    return 0;
+}
+
 const hal_ui_os_ops g_sim_os = {
     .open = _sim_open,
     .close = _sim_close,
     .ioctl = _sim_ioctl,
     .mmap = _sim_mmap,
     .munmap = _sim_munmap,
+    .usleep = _sim_usleep,
 };
 
 Chip *_chip(uint32_t chip)
@@ -687,6 +702,71 @@ int tide_sim_intr_line_get(uint32_t chip, uint32_t *level)
     Chip *c = _chip(chip);
     std::lock_guard<std::mutex> lock(c->mutex);
     *level = c->intr->line() ? 1 : 0;
+// ---- SerDes lanes -----------------------------------------------------------------
+
+int tide_sim_wait_get(uint32_t chip, uint64_t *usec)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || usec == nullptr) {
+        return rc != 0 ? rc : -20;
+    }
+    *usec = _chip(chip)->waited_us.load();
+    return 0;
+}
+
+int tide_sim_serdes_link(uint32_t chip_a, uint32_t serdes_a, uint32_t chip_b, uint32_t serdes_b)
+{
+    int rc = _chip_status(chip_a);
+    rc = rc == 0 ? _chip_status(chip_b) : rc;
+    return rc != 0 ? rc : _model()->serdes_fabric->link(chip_a, serdes_a, chip_b, serdes_b);
+}
+
+int tide_sim_serdes_plug(uint32_t chip, uint32_t serdes_id)
+{
+    const int rc = _chip_status(chip);
+    return rc != 0 ? rc : _model()->serdes_fabric->plug(chip, serdes_id);
+}
+
+int tide_sim_serdes_unlink(uint32_t chip, uint32_t serdes_id)
+{
+    const int rc = _chip_status(chip);
+    return rc != 0 ? rc : _model()->serdes_fabric->unlink(chip, serdes_id);
+}
+
+int tide_sim_serdes_fault_set(uint32_t chip, uint32_t serdes_id, uint32_t faults)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || serdes_id >= tide::sim::kSerdesLanesPerChip ||
+        (faults & ~(TIDE_SIM_SERDES_NEVER_LOCK | TIDE_SIM_SERDES_NEVER_CALIBRATE)) != 0) {
+        return rc != 0 ? rc : -4;
+    }
+    _model()->serdes_fabric->faults_set(chip, serdes_id, faults);
+    return 0;
+}
+
+int tide_sim_serdes_lane_get(uint32_t chip, uint32_t serdes_id, tide_sim_serdes_lane *lane)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0 || lane == nullptr || serdes_id >= tide::sim::kSerdesLanesPerChip) {
+        return rc != 0 ? rc : (lane == nullptr ? -20 : -4);
+    }
+    const auto v = _model()->serdes_fabric->view(chip, serdes_id);
+    *lane = tide_sim_serdes_lane{};
+    lane->connection = static_cast<uint32_t>(v.link);
+    lane->peer_chip = v.peer / tide::sim::kSerdesLanesPerChip;
+    lane->peer_serdes = v.peer % tide::sim::kSerdesLanesPerChip;
+    lane->tx_on = v.facts.tx_on;
+    lane->rx_on = v.facts.rx_on;
+    lane->rate_bps = v.facts.rate.bps();
+    lane->tx_inverted = v.facts.tx_inverted;
+    lane->rx_inverted = v.facts.rx_inverted;
+    lane->near_loop = v.facts.near_loop;
+    lane->far_loop = v.facts.far_loop;
+    lane->prbs_generator = v.facts.gen_on;
+    lane->prbs_checker = v.facts.chk_on;
+    lane->cdr_locked = v.cdr_locked;
+    lane->prbs_locked = v.prbs_locked;
+    lane->prbs_errors = v.prbs_errors;
     return 0;
 }
 

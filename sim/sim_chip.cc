@@ -10,6 +10,7 @@
 #include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_regmap.h"
+#include "sim/sim_serdes.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
 
@@ -36,7 +37,7 @@ uint64_t _key(uint32_t bar, uint32_t addr)
 
 } // namespace
 
-Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
+Chip::Chip(uint32_t id, uint32_t bus_number, SerdesFabric *fabric) : id_(id), bus_number_(bus_number)
 {
     identity = tide_sim_identity{kDefaultVendor, kDeviceAtolreef, 1, kByteOrderNative, 0};
     for (uint32_t ap = 0; ap < kApCount; ap++) {
@@ -55,6 +56,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number) : id_(id), bus_number_(bus_number)
     pkt = std::make_unique<Pipeline>(*this);
     tap = std::make_unique<TapPorts>(*this);
     intr = std::make_unique<IntrTree>(*this);
+    serdes = std::make_unique<SerdesEngine>(*this, fabric);
     if (ok()) {
         reset_core();
     }
@@ -69,6 +71,7 @@ Chip::~Chip()
     tap->close_all();
     tap.reset();
     intr.reset();
+    serdes.reset();
     pkt.reset();
     tcam.reset();
     em.reset();
@@ -89,7 +92,8 @@ bool Chip::ok() const
         }
     }
     return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (em == nullptr || em->ok()) &&
-           (mcc == nullptr || mcc->ok()) && (pkt == nullptr || pkt->ok()) && (intr == nullptr || intr->ok());
+           (mcc == nullptr || mcc->ok()) && (pkt == nullptr || pkt->ok()) && (intr == nullptr || intr->ok()) &&
+           (serdes == nullptr || serdes->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -182,6 +186,10 @@ int Chip::bus_read(uint32_t bar, uint32_t addr, uint32_t width, uint64_t *value)
         *value = probe;
         return 0;
     }
+    run_read_handler(bar, addr);
+    if (width == 8) {
+        run_read_handler(bar, addr + 4);
+    }
     uint64_t v = core_read_word(addr);
     if (width == 8) {
         v |= static_cast<uint64_t>(core_read_word(addr + 4)) << 32;
@@ -215,9 +223,18 @@ int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
     if (log_count_ < log_.size()) {
         log_count_++;
     }
+    // A handler of the address itself takes the write; otherwise the first
+    // range that holds the address does.
     const auto it = write_handlers_.find(_key(bar, addr));
     if (it != write_handlers_.end()) {
         it->second(*this, bar, addr, value);
+    } else {
+        for (const auto &r : write_ranges_) {
+            if (r.bar == bar && addr >= r.first && addr < r.end) {
+                r.handler(*this, bar, addr, value);
+                break;
+            }
+        }
     }
     const tide_sim_write_observer fn = observer;
     void *const user = observer_user;
@@ -227,6 +244,21 @@ int Chip::bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value)
         fn(id_, &w, user);
     }
     return 0;
+}
+
+void Chip::run_read_handler(uint32_t bar, uint32_t addr)
+{
+    const auto it = read_handlers_.find(_key(bar, addr));
+    if (it != read_handlers_.end()) {
+        it->second(*this, bar, addr);
+        return;
+    }
+    for (const auto &r : read_ranges_) {
+        if (r.bar == bar && addr >= r.first && addr < r.end) {
+            r.handler(*this, bar, addr);
+            return;
+        }
+    }
 }
 
 void Chip::on_write(uint32_t bar, uint32_t addr, WriteHandler handler)
@@ -241,6 +273,21 @@ void Chip::on_write(uint32_t bar, uint32_t addr, WriteHandler handler)
     } else {
         slot = std::move(handler);
     }
+}
+
+void Chip::on_write_range(uint32_t bar, uint32_t first, uint32_t end, WriteHandler handler)
+{
+    write_ranges_.push_back({bar, first, end, std::move(handler)});
+}
+
+void Chip::on_read(uint32_t bar, uint32_t addr, ReadHandler handler)
+{
+    read_handlers_[_key(bar, addr)] = std::move(handler);
+}
+
+void Chip::on_read_range(uint32_t bar, uint32_t first, uint32_t end, ReadHandler handler)
+{
+    read_ranges_.push_back({bar, first, end, std::move(handler)});
 }
 
 void Chip::log_get(tide_sim_write *out, uint32_t max, uint32_t *count)
@@ -279,6 +326,9 @@ void Chip::reset_core()
     if (em) {
         em->clear();
     }
+    if (serdes) {
+        serdes->clear();
+    }
     if (intr) {
         intr->update();
     }
@@ -292,6 +342,7 @@ void Chip::install_engines()
     tcam->install();
     em->install();
     intr->install();
+    serdes->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,

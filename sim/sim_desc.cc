@@ -25,6 +25,16 @@ const Table *find_table(const char *name)
     return nullptr;
 }
 
+const SerdesWord *find_serdes_word(const char *name)
+{
+    for (size_t i = 0; i < kSerdesWordCount; i++) {
+        if (strcmp(kSerdesWords[i].name, name) == 0) {
+            return &kSerdesWords[i];
+        }
+    }
+    return nullptr;
+}
+
 const Field *find_field(const Field *fields, uint32_t count, const char *name)
 {
     for (uint32_t i = 0; i < count; i++) {

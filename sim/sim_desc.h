@@ -50,11 +50,37 @@ extern const size_t kTableCount;
 
 constexpr uint32_t kTableIndirect = 4;
 
+// A word of the SerDes macros: a named register of the macro's catalogue or
+// a register known by its offset only.  Lane words repeat for every lane at
+// offset | lane << kSerdesLaneShift.  The CPU writes every bit but `ro`,
+// which the macro drives.
+struct SerdesWord {
+    const char *name;
+    uint32_t offset;
+    bool per_lane;
+    bool named;
+    uint32_t ro;
+    uint32_t reset;
+    const Field *fields;
+    uint32_t field_count;
+};
+
+extern const uint32_t kSerdesBases[];
+extern const uint32_t kSerdesMacros;
+extern const uint32_t kSerdesMacroSize;
+extern const uint32_t kSerdesLanes;
+extern const uint32_t kSerdesLaneShift;
+// The place of each serdes_id: macro * kSerdesLanes + lane.
+extern const uint8_t kSerdesLaneOrder[];
+extern const SerdesWord kSerdesWords[];
+extern const size_t kSerdesWordCount;
+
 // Lookups by name, for the engines of the model; NULL when the description
 // has no such name.
 const Register *find_register(const char *name);
 const Table *find_table(const char *name);
 const Field *find_field(const Field *fields, uint32_t count, const char *name);
+const SerdesWord *find_serdes_word(const char *name);
 
 } // namespace tide::sim::desc
 

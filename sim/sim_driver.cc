@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "sim/sim_int.h"
+#include "sim/sim_serdes.h"
 
 namespace tide::sim {
 
@@ -41,11 +42,11 @@ uint64_t _page()
 
 } // namespace
 
-Model::Model(uint32_t chip_count)
+Model::Model(uint32_t chip_count) : serdes_fabric(std::make_unique<SerdesFabric>())
 {
     for (uint32_t i = 0; i < chip_count; i++) {
         // PCI bus numbers of the chips: 1, 2, 3, 4.
-        chips_.push_back(std::make_unique<Chip>(i, i + 1));
+        chips_.push_back(std::make_unique<Chip>(i, i + 1, serdes_fabric.get()));
     }
     reported = chip_count;
 }

@@ -58,7 +58,12 @@ class MccEngine;
 class Pipeline;
 class TapPorts;
 class IntrTree;
+class SerdesEngine;
+class SerdesFabric;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
+// Runs before a CPU read of the address: the chip's logic brings the word
+// up to date.
+using ReadHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr)>;
 
 struct Region {
     uint8_t *mem = nullptr;
@@ -68,7 +73,7 @@ struct Region {
 
 class Chip {
 public:
-    Chip(uint32_t id, uint32_t bus_number);
+    Chip(uint32_t id, uint32_t bus_number, SerdesFabric *fabric = nullptr);
     ~Chip();
     Chip(const Chip &) = delete;
     Chip &operator=(const Chip &) = delete;
@@ -115,6 +120,11 @@ public:
     int bus_write(uint32_t bar, uint32_t addr, uint32_t width, uint64_t value);
 
     void on_write(uint32_t bar, uint32_t addr, WriteHandler handler);
+    // A handler of every 32-bit word in [first, end) that has none of its
+    // own.
+    void on_write_range(uint32_t bar, uint32_t first, uint32_t end, WriteHandler handler);
+    void on_read(uint32_t bar, uint32_t addr, ReadHandler handler);
+    void on_read_range(uint32_t bar, uint32_t first, uint32_t end, ReadHandler handler);
 
     // Called after every write through the hooks, once the write and its
     // side effects are done, on the writing thread and without the mutex.
@@ -163,6 +173,11 @@ public:
     std::unique_ptr<TapPorts> tap;
     // The interrupt tree and the line.
     std::unique_ptr<IntrTree> intr;
+    // The SerDes lanes.
+    std::unique_ptr<SerdesEngine> serdes;
+
+    // Microseconds the SDK waited for the chip to settle.
+    std::atomic<uint64_t> waited_us{0};
 
     // Back to the state after power-on: LSW registers at reset values.
     void reset_core();
@@ -181,6 +196,15 @@ private:
     uint32_t bus_number_;
     std::array<Region, kApCount> regions_{};
     std::unordered_map<uint64_t, WriteHandler> write_handlers_;
+    std::unordered_map<uint64_t, ReadHandler> read_handlers_;
+    template <typename H>
+    struct RangeHandler {
+        uint32_t bar, first, end;
+        H handler;
+    };
+    std::vector<RangeHandler<WriteHandler>> write_ranges_;
+    std::vector<RangeHandler<ReadHandler>> read_ranges_;
+    void run_read_handler(uint32_t bar, uint32_t addr);
     std::vector<tide_sim_write> log_;
     size_t log_next_ = 0;
     size_t log_count_ = 0;
@@ -239,6 +263,10 @@ private:
 
     int dma_alloc(hal_devio *io);
     int dma_free(hal_devio *io);
+
+public:
+    // The cables between the chips' SerDes lanes; it outlives the chips.
+    std::unique_ptr<SerdesFabric> serdes_fabric;
 };
 
 } // namespace tide::sim

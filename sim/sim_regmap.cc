@@ -15,7 +15,7 @@ RegMap::RegMap()
     for (size_t i = 0; i < desc::kRegisterCount; i++) {
         const desc::Register &r = desc::kRegisters[i];
         for (uint32_t k = 0; k < r.instances; k++) {
-            ranges_.push_back(Range{r.addrs[k], r.addrs[k] + 4, &r, nullptr, r.addrs[k]});
+            ranges_.push_back(Range{r.addrs[k], r.addrs[k] + 4, &r, nullptr, nullptr, r.addrs[k]});
         }
     }
     for (size_t i = 0; i < desc::kTableCount; i++) {
@@ -25,7 +25,17 @@ RegMap::RegMap()
         // address: nothing of it answers the CPU there.
         const uint32_t span = indirect ? 4 : t.depth * t.words * 4;
         for (uint32_t k = 0; k < t.instances; k++) {
-            ranges_.push_back(Range{t.addrs[k], t.addrs[k] + span, nullptr, &t, t.addrs[k]});
+            ranges_.push_back(Range{t.addrs[k], t.addrs[k] + span, nullptr, &t, nullptr, t.addrs[k]});
+        }
+    }
+    // The words of the SerDes macros, every lane of every macro.
+    for (size_t i = 0; i < desc::kSerdesWordCount; i++) {
+        const desc::SerdesWord &w = desc::kSerdesWords[i];
+        for (uint32_t m = 0; m < desc::kSerdesMacros; m++) {
+            for (uint32_t lane = 0; lane < (w.per_lane ? desc::kSerdesLanes : 1); lane++) {
+                const uint32_t a = desc::kSerdesBases[m] + (w.offset | lane << desc::kSerdesLaneShift);
+                ranges_.push_back(Range{a, a + 4, nullptr, nullptr, &w, a});
+            }
         }
     }
     std::sort(ranges_.begin(), ranges_.end(), [](const Range &a, const Range &b) { return a.start < b.start; });
@@ -37,6 +47,13 @@ WordRule RegMap::rule_in(const Range &r, uint32_t addr) const
     w.described = true;
     const uint32_t *m = nullptr;
     uint32_t words = 1, word = 0;
+    if (r.sds != nullptr) {
+        // Every bit of a SerDes word stores what is written but those the
+        // macro drives.
+        w.rw = ~r.sds->ro;
+        w.reset = r.sds->reset;
+        return w;
+    }
     if (r.reg != nullptr) {
         m = r.reg->masks;
         w.complement = r.reg->complement;

@@ -49,6 +49,7 @@ private:
         uint32_t end;
         const desc::Register *reg;
         const desc::Table *tab;
+        const desc::SerdesWord *sds;
         uint32_t base; // the instance's base address
     };
     std::vector<Range> ranges_;

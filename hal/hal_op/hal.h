@@ -103,6 +103,9 @@ int hal_irq_exit(u32 chip_id);
 int hal_vp_conf_init(u32 chip_id, const u64 words[3]);
 int hal_subsection_bar_vaddr_get(u32 chip_id, u32 addr, u64 *vaddr, u64 *base);
 int hal_pkt_wait_intr(u32 chip_id);
+/* A driver's wait for the chip to settle: real time on a chip, the
+ * device's own time on a simulated one (the OS seam decides). */
+int hal_usleep(u32 chip_id, u32 usec);
 int hal_pkt_send_msg(u32 chip_id, u32 *msg);
 
 int hal_dma_alloc(u32 chip_id, u64 *vaddr, u64 *paddr, u32 size, u64 *aux);

@@ -219,6 +219,11 @@ int hal_irq_disable(u32 chip_id)
     return _hal_slot_call<&hal_hw_ops::irq_disable>(chip_id);
 }
 
+int hal_usleep(u32 chip_id, u32 usec)
+{
+    return hal_ui_usleep(chip_id, usec);
+}
+
 int hal_irq_exit(u32 chip_id)
 {
     return _hal_slot_call<&hal_hw_ops::irq_exit>(chip_id);

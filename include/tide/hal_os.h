@@ -1,12 +1,13 @@
 /*
  * tide: the OS seam of the HAL back end.
  *
- * The HAL reaches the kernel driver only through these five calls: open
- * the device nodes, pass command records with ioctl, map and unmap the
- * chip's apertures and DMA blocks.  By default they are the C library's.
- * A simulated device (such as the chip model of libtide_sim) installs its
+ * The HAL reaches the kernel driver only through these calls: open the
+ * device nodes, pass command records with ioctl, map and unmap the chip's
+ * apertures and DMA blocks, and wait for a chip to settle.  By default they
+ * are the C library's (the wait is the OS layer's xsal_usleep).  A
+ * simulated device (such as the chip model of libtide_sim) installs its
  * own table before init_api_base_software_process and so stands where the
- * kernel driver would.
+ * kernel driver would; its wait may take the time on its own clock.
  */
 #ifndef TIDE_HAL_OS_H
 #define TIDE_HAL_OS_H
@@ -22,6 +23,9 @@ typedef struct hal_ui_os_ops {
     int (*ioctl)(int fd, unsigned long request, void *arg);
     void *(*mmap)(void *addr, size_t length, int prot, int flags, int fd, off_t offset);
     int (*munmap)(void *addr, size_t length);
+    /* A driver waits `usec` microseconds for chip `chip_id` to settle (a
+     * PLL to ramp, a lane to calibrate); 0. */
+    int (*usleep)(uint32_t chip_id, uint32_t usec);
 } hal_ui_os_ops;
 
 /* Installs a seam; NULL puts the C library's calls back.  The table is

@@ -299,6 +299,60 @@ typedef struct tide_sim_tap_info {
  * count. */
 TIDE_API int tide_sim_tap_list(uint32_t chip, tide_sim_tap_info *out, uint32_t max, uint32_t *count);
 
+/* ---- SerDes lanes ---------------------------------------------------------
+ * Each chip has eight SerDes lanes (serdes_id 0 to 7).  A lane's
+ * transmitter and receiver reach the outside through a cable to another
+ * lane (of the same chip or of another chip of the model) or a loopback
+ * plug, which returns the lane's own signal to it; a lane with neither
+ * receives nothing.  A receiver's clock recovery locks when a signal of
+ * its rate arrives; its PRBS checker locks when the signal comes from a
+ * generator of the same pattern and arrives upright (the polarity
+ * inversions on its way cancel out), and counts every error the generator
+ * injects.  Cables and plugs are not chip state: they stay through resets
+ * of the chips.  Every call gives -4 for a serdes_id above 7. */
+
+/* A cable between two lanes, both directions.  -4 for a cable from a lane
+ * to itself (that is a plug), -8 when either lane has a cable or plug. */
+TIDE_API int tide_sim_serdes_link(uint32_t chip_a, uint32_t serdes_a, uint32_t chip_b, uint32_t serdes_b);
+/* A loopback plug in a lane; -8 when it has a cable or plug. */
+TIDE_API int tide_sim_serdes_plug(uint32_t chip, uint32_t serdes_id);
+/* Takes out the lane's cable (both ends) or plug; -7 when it has none. */
+TIDE_API int tide_sim_serdes_unlink(uint32_t chip, uint32_t serdes_id);
+
+/* Faults of a lane, for the time-out paths of the SDK: a lane that never
+ * locks (its clock recovery and PRBS checker stay unlocked, whatever it
+ * receives), a lane whose measurement engine never finishes (the offset
+ * calibration reads nothing, an eye measurement never reports done).  0
+ * takes them away. */
+#define TIDE_SIM_SERDES_NEVER_LOCK 0x1u
+#define TIDE_SIM_SERDES_NEVER_CALIBRATE 0x2u
+TIDE_API int tide_sim_serdes_fault_set(uint32_t chip, uint32_t serdes_id, uint32_t faults);
+
+/* A lane as the model sees it. */
+typedef struct tide_sim_serdes_lane {
+    uint32_t connection;  /* 0 none, 1 a cable, 2 a plug */
+    uint32_t peer_chip;   /* the cable's other end */
+    uint32_t peer_serdes;
+    uint32_t tx_on;       /* the transmitter drives its wire */
+    uint32_t rx_on;       /* the receiver runs */
+    uint64_t rate_bps;    /* line rate of the lane's clock, 0 without one */
+    uint32_t tx_inverted;
+    uint32_t rx_inverted;
+    uint32_t near_loop;   /* the transmitter drives the lane's own receiver */
+    uint32_t far_loop;    /* what the receiver recovers is sent out again */
+    uint32_t prbs_generator;
+    uint32_t prbs_checker;
+    uint32_t cdr_locked;
+    uint32_t prbs_locked;
+    uint32_t prbs_errors; /* counted since the checker started */
+} tide_sim_serdes_lane;
+TIDE_API int tide_sim_serdes_lane_get(uint32_t chip, uint32_t serdes_id, tide_sim_serdes_lane *lane);
+
+/* Microseconds the SDK has waited for the chip to settle (a PLL to ramp, a
+ * lane to calibrate): with the model installed such a wait returns at once
+ * and is counted here.  -20 for a NULL pointer. */
+TIDE_API int tide_sim_wait_get(uint32_t chip, uint64_t *usec);
+
 /* Counters of the driver side, for tests and for a user's curiosity. */
 typedef struct tide_sim_stats {
     uint64_t ioctl_calls;  /* command records on /dev/hal_drv */

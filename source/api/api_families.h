@@ -16,6 +16,7 @@
 #include <tide/interrupt.h>
 #include <tide/l2.h>
 #include <tide/port.h>
+#include <tide/serdes.h>
 
 #include "api/api_guard.h"
 
@@ -280,5 +281,85 @@ API_DECLARE_FAMILY(acl, TIDE_ACL_OPS)
     OP(reg_index_to_lport, (u32 chip_id, u8 index, u32 kind, u32 *lport), (chip_id, index, kind, lport))
 
 API_DECLARE_FAMILY(interrupt, TIDE_INTERRUPT_OPS)
+/* ---- serdes: 45 slots.  OP(slot, (parameters), (arguments), name): the
+ * exported function is serdes_api_<name>, the slot of the table <slot>
+ * (the two differ where the name starts with a digit) ------------------- */
+#define TIDE_SERDES_OPS(OP)                                                                                   \
+    OP(refclk_set, (u32 chip_id, u32 serdes_id, u32 refclk), (chip_id, serdes_id, refclk), refclk_set)      \
+    OP(refclk_get, (u32 chip_id, u32 serdes_id, u32 *refclk), (chip_id, serdes_id, refclk), refclk_get)     \
+    OP(refclk_chose_set, (u32 chip_id, u32 serdes_id, u32 refclk), (chip_id, serdes_id, refclk),            \
+       refclk_chose_set)                                                                                      \
+    OP(freq_set, (u32 chip_id, u32 serdes_id, serdes_freq *freq), (chip_id, serdes_id, freq), freq_set)     \
+    OP(freq_get, (u32 chip_id, u32 serdes_id, serdes_freq *freq), (chip_id, serdes_id, freq), freq_get)     \
+    OP(pn_set, (u32 chip_id, u32 serdes_id, serdes_pn *pn), (chip_id, serdes_id, pn), pn_set)               \
+    OP(pn_get, (u32 chip_id, u32 serdes_id, serdes_pn *pn), (chip_id, serdes_id, pn), pn_get)               \
+    OP(emphasis_set, (u32 chip_id, u32 serdes_id, serdes_emphasis *emphasis), (chip_id, serdes_id, emphasis), \
+       emphasis_set)                                                                                          \
+    OP(emphasis_get, (u32 chip_id, u32 serdes_id, serdes_emphasis *emphasis), (chip_id, serdes_id, emphasis), \
+       emphasis_get)                                                                                          \
+    OP(serdes_enable_set, (u32 chip_id, u32 serdes_id, u32 *enable), (chip_id, serdes_id, enable),          \
+       serdes_enable_set)                                                                                     \
+    OP(serdes_enable_get, (u32 chip_id, u32 serdes_id, u32 *enable), (chip_id, serdes_id, enable),          \
+       serdes_enable_get)                                                                                     \
+    OP(prbs_set, (u32 chip_id, u32 serdes_id, serdes_prbs *prbs), (chip_id, serdes_id, prbs), prbs_set)     \
+    OP(prbs_get, (u32 chip_id, u32 serdes_id, serdes_prbs *prbs), (chip_id, serdes_id, prbs), prbs_get)     \
+    OP(prbs_insert_err_pkt, (u32 chip_id, u32 serdes_id, u32 count), (chip_id, serdes_id, count),           \
+       prbs_insert_err_pkt)                                                                                   \
+    OP(prbs_counter_get, (u32 chip_id, u32 serdes_id, u32 *count), (chip_id, serdes_id, count),             \
+       prbs_counter_get)                                                                                      \
+    OP(prbs_check, (u32 chip_id, u32 serdes_id, serdes_prbs_check_info *info), (chip_id, serdes_id, info),  \
+       prbs_check)                                                                                            \
+    OP(prbs_counter_clear, (u32 chip_id, u32 serdes_id), (chip_id, serdes_id), prbs_counter_clear)          \
+    OP(prbs_invert_enable_set, (u32 chip_id, u32 serdes_id, serdes_pn *invert), (chip_id, serdes_id, invert), \
+       prbs_invert_enable_set)                                                                                \
+    OP(serdes_reset, (u32 chip_id, u32 serdes_id, u32 mode), (chip_id, serdes_id, mode), serdes_reset)      \
+    OP(loopback_set, (u32 chip_id, u32 serdes_id, serdes_loopback *loopback), (chip_id, serdes_id, loopback), \
+       loopback_set)                                                                                          \
+    OP(loopback_get, (u32 chip_id, u32 serdes_id, serdes_loopback *loopback), (chip_id, serdes_id, loopback), \
+       loopback_get)                                                                                          \
+    OP(power_set, (u32 chip_id, u32 serdes_id, serdes_power *power), (chip_id, serdes_id, power), power_set) \
+    OP(power_get, (u32 chip_id, u32 serdes_id, serdes_power *power), (chip_id, serdes_id, power), power_get) \
+    OP(control_set, (u32 chip_id, u32 serdes_id, serdes_control *control), (chip_id, serdes_id, control),   \
+       control_set)                                                                                           \
+    OP(control_get, (u32 chip_id, u32 serdes_id, serdes_control *control), (chip_id, serdes_id, control),   \
+       control_get)                                                                                           \
+    OP(rx_adapt_set, (u32 chip_id, u32 serdes_id, serdes_rx_adapt *adapt), (chip_id, serdes_id, adapt),     \
+       rx_adapt_set)                                                                                          \
+    OP(rx_adapt_get, (u32 chip_id, u32 serdes_id, serdes_rx_adapt *adapt), (chip_id, serdes_id, adapt),     \
+       rx_adapt_get)                                                                                          \
+    OP(rx_para_set, (u32 chip_id, u32 serdes_id, serdes_rx_para *para), (chip_id, serdes_id, para),         \
+       rx_para_set)                                                                                           \
+    OP(rx_para_get, (u32 chip_id, u32 serdes_id, char *buffer), (chip_id, serdes_id, buffer), rx_para_get)  \
+    OP(four_point_eye, (u32 chip_id, u32 serdes_id, serdes_eye *eye), (chip_id, serdes_id, eye),            \
+       four_point_eye)                                                                                        \
+    OP(full_eye_get, (u32 chip_id, u32 serdes_id, char *buffer, u64 len), (chip_id, serdes_id, buffer, len), \
+       full_eye_get)                                                                                          \
+    OP(all_reg_dump, (u32 chip_id, u32 serdes_id, u32 detail, char *buffer, u64 len),                       \
+       (chip_id, serdes_id, detail, buffer, len), all_reg_dump)                                               \
+    OP(inner_register_get, (u32 chip_id, u32 serdes_id, u32 addr, u32 *data), (chip_id, serdes_id, addr, data), \
+       inner_register_get)                                                                                    \
+    OP(inner_register_set, (u32 chip_id, u32 serdes_id, u32 addr, u32 data), (chip_id, serdes_id, addr, data), \
+       inner_register_set)                                                                                    \
+    OP(debug_info_get, (u32 chip_id, u32 serdes_id, char *buffer, u64 len), (chip_id, serdes_id, buffer, len), \
+       debug_info_get)                                                                                        \
+    OP(name_register_field_get, (u32 chip_id, u32 serdes_id, char *reg, char *field, u32 *data),            \
+       (chip_id, serdes_id, reg, field, data), name_register_field_get)                                       \
+    OP(name_register_field_set, (u32 chip_id, u32 serdes_id, char *reg, char *field, u32 data),             \
+       (chip_id, serdes_id, reg, field, data), name_register_field_set)                                       \
+    OP(name_register_get, (u32 chip_id, u32 serdes_id, char *reg, u32 *data), (chip_id, serdes_id, reg, data), \
+       name_register_get)                                                                                     \
+    OP(name_register_set, (u32 chip_id, u32 serdes_id, char *reg, u32 data), (chip_id, serdes_id, reg, data), \
+       name_register_set)                                                                                     \
+    OP(serdes_type_sel, (u32 chip_id, u32 serdes_type), (chip_id, serdes_type), serdes_type_sel)            \
+    OP(support_speed_get, (u32 chip_id, u32 serdes_id, char *buffer, u64 len), (chip_id, serdes_id, buffer, len), \
+       support_speed_get)                                                                                     \
+    OP(sram_get, (u32 chip_id, u32 serdes_id, char *buffer, u64 len), (chip_id, serdes_id, buffer, len),    \
+       sram_get)                                                                                              \
+    OP(clk_8k_set, (u32 chip_id, u32 serdes_id, u32 clk_id), (chip_id, serdes_id, clk_id), 8k_clk_set)      \
+    OP(clk_8k_get, (u32 chip_id, u32 clk_id, serdes_8k_clk *clk), (chip_id, clk_id, clk), 8k_clk_get)       \
+    OP(ctle_offset_calibrate_result, (u32 chip_id, u32 serdes_id, char *buffer, u32 len),                   \
+       (chip_id, serdes_id, buffer, len), ctle_offset_calibrate_result)
+
+API_DECLARE_FAMILY(serdes, TIDE_SERDES_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

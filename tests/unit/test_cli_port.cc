@@ -64,6 +64,7 @@ using Texts = std::vector<std::string>;
 TEST_F(CliPort, SettingsReachTheServiceWithTheValuesOfTheirWords)
 {
     g_answer["advert_ability_get"] = 32; // every field of the record read back
+    g_answer["serdes_id_get"] = 2;        // a lane that runs at 10G as well
     struct Case {
         const char *line;
         Texts calls;

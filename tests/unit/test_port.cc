@@ -716,29 +716,55 @@ TEST_F(Port, LinkForwardingRefusals)
 
 // ---- the SerDes watchdog ---------------------------------------------------------------------
 
+// The receive path of lane 0 restarts by its PCS watchdog (lane_cfg1).
+bool _lane0_rx_reset_written()
+{
+    constexpr u32 kLane0Cfg1 = 0x850084;
+    for (const tide_sim_write &w : tide::test::sim_writes(0)) {
+        if (w.bar == 4 && w.addr == kLane0Cfg1) {
+            return true;
+        }
+    }
+    return false;
+}
+
 TEST_F(Port, WatchdogResetsOnlyADownLaneThatLostItsClock)
 {
     fake_driver();
     struct Case {
         u32 link, type, rx_delta, phy_ext;
-        i32 rc;
+        bool reset;
     } cases[] = {
-        {1, PORT_INTERFACE_SGMII, 500, 0, 0},         // link up
-        {0, PORT_INTERFACE_SGMII, 99, 0, 0},          // clock within bounds
-        {0, PORT_INTERFACE_SGMII, 100, 0, -16},       // reset wanted, no SerDes service to do it
-        {2, PORT_INTERFACE_SGMII, 100, 1, -16},       // link unknown
-        {0, PORT_INTERFACE_1000BASE_X, 0, 0, -16},    // no clock check on 1000BASE-X
-        {1, PORT_INTERFACE_1000BASE_X, 0, 1, 0},
+        {1, PORT_INTERFACE_SGMII, 500, 0, false},      // link up
+        {0, PORT_INTERFACE_SGMII, 99, 0, false},       // clock within bounds
+        {0, PORT_INTERFACE_SGMII, 100, 0, true},       // the lane restarts its receive path
+        {2, PORT_INTERFACE_SGMII, 100, 1, true},       // link unknown
+        {0, PORT_INTERFACE_1000BASE_X, 0, 0, true},    // no clock check on 1000BASE-X
+        {1, PORT_INTERFACE_1000BASE_X, 0, 1, false},
     };
+    // Lane 0 has no interface type of its own and came up powered down:
+    // its receiver runs so that a reset has a watchdog to restart.
+    serdes_power rx_up{SERDES_POWER_RX, SERDES_POWER_UP};
+    ASSERT_EQ(serdes_api_power_set(0, 0, &rx_up), 0);
     for (const Case &c : cases) {
         g_answer["mac_link_status_get"] = c.link;
         g_answer["port_interface_type_get"] = c.type;
         g_answer["clk_delta_result_get"] = c.rx_delta;
         _prop("port_phy_int_ext_9", static_cast<i32>(c.phy_ext));
         Capture::clear();
-        EXPECT_EQ(dpl_reef_port_chk_sds_status(0, 9), c.rc) << c.link << "/" << c.type << "/" << c.rx_delta;
-        EXPECT_EQ(Capture::has("chip_id0 lport9 serdes0 lost its receive clock"), c.rc != 0);
+        ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+        EXPECT_EQ(dpl_reef_port_chk_sds_status(0, 9), 0) << c.link << "/" << c.type << "/" << c.rx_delta;
+        EXPECT_EQ(Capture::has("chip_id0 lport9 serdes0 lost its receive clock"), c.reset);
+        EXPECT_EQ(_lane0_rx_reset_written(), c.reset);
     }
+    // A lane under test is left alone.
+    serdes_prbs prbs{1, SERDES_DIR_TX, SERDES_PRBS7, nullptr};
+    ASSERT_EQ(serdes_api_prbs_set(0, 0, &prbs), 0);
+    g_answer["mac_link_status_get"] = 0;
+    g_answer["port_interface_type_get"] = PORT_INTERFACE_1000BASE_X;
+    ASSERT_EQ(tide_sim_write_log_clear(0), 0);
+    EXPECT_EQ(dpl_reef_port_chk_sds_status(0, 9), 0);
+    EXPECT_FALSE(_lane0_rx_reset_written());
     EXPECT_EQ(dpl_reef_port_chk_sds_status(7, 9), -3);
     EXPECT_EQ(dpl_reef_port_chk_sds_status(2, 9), -3);
 }

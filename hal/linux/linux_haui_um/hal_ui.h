@@ -104,6 +104,8 @@ int hal_ui_pkt_send_msg(u32 chip_id, u32 *msg);
 
 /* The seam in force (never NULL). */
 extern const hal_ui_os_ops *g_hal_ui_os;
+/* The seam's wait for a chip. */
+int hal_ui_usleep(u32 chip_id, u32 usec);
 
 #ifdef __cplusplus
 }

@@ -42,6 +42,7 @@ void cli_cmd_init_l2(void);
 void cli_cmd_init_base_hash(void);
 void cli_cmd_init_acl(void);
 void cli_cmd_init_port(void);
+void cli_cmd_init_serdes(void);
 void cli_cmd_init_config(void);
 void cli_cmd_init_common(void);
 void cli_cmd_init_base(void);

@@ -17,6 +17,7 @@
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/interrupt/dpl_reef_interrupt.h"
 #include "dpl/reef/port/dpl_reef_port.h"
+#include "dpl/reef/serdes/dpl_reef_serdes.h"
 #include "hal/hal_op/hal.h"
 #include "shared/shr_property_int.h"
 #include "sal/linux_um/xsal_int.h"
@@ -33,6 +34,7 @@ struct dpl_step {
 // Software init, in order.
 constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
+    {"serdes", dpl_reef_serdes_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
     {"mcc", dpl_reef_mcc_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
@@ -47,6 +49,7 @@ constexpr dpl_step kSoftDeinit[] = {
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"mcc", dpl_reef_mcc_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
+    {"serdes", dpl_reef_serdes_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
 };
 
@@ -54,6 +57,7 @@ constexpr dpl_step kSoftDeinit[] = {
 // phases around the feature modules: their MACs open only when the core
 // can take packets.
 constexpr dpl_step kHwInit[] = {
+    {"serdes", dpl_reef_serdes_hw_init, nullptr},
     {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
     {"acl", dpl_reef_acl_fp_hw_init, nullptr},
@@ -68,6 +72,7 @@ constexpr dpl_step kHwDeinit[] = {
     {"mcc", dpl_reef_mcc_hw_deinit, nullptr},
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
+    {"serdes", dpl_reef_serdes_hw_deinit, nullptr},
     {"interrupt", dpl_reef_interrupt_hw_deinit, nullptr},
 };
 

@@ -9,6 +9,7 @@
 
 #include "csl/reef/driver/port/csl_atolreef_port.h"
 #include "dpl/reef/port/dpl_reef_port.h"
+#include "dpl/reef/serdes/dpl_reef_serdes.h"
 #include "dpl/reef/special/atolreef/dpl_atolreef_port.h"
 
 using tide::port::MutexGuard;
@@ -153,51 +154,8 @@ i32 _dpl_port0_op(u32 chip_id, A... args)
     return _dpl_port_driver_call<Slot>(chip_id, port0->lock, port0->driver, args...);
 }
 
-// The SerDes speed id of each interface type, for the 15 family (PLL
-// selection 1) and the 20 family (0) of lane rates.
+// An interface type without a SerDes speed id.
 constexpr u8 kNoSpeedId = PORT_INTERFACE_COUNT;
-
-constexpr u8 _speed_id(u32 type, bool pll_15)
-{
-    switch (type) {
-    case PORT_INTERFACE_1000BASE_X:
-    case PORT_INTERFACE_SGMII:
-        return 11;
-    case PORT_INTERFACE_2G5_SGMII:
-    case PORT_INTERFACE_2500BASE_X:
-        return pll_15 ? 12 : 17;
-    case PORT_INTERFACE_SGMII_4P:
-    case PORT_INTERFACE_QSGMII:
-    case PORT_INTERFACE_100BASE_FX:
-        return 13;
-    case PORT_INTERFACE_SGMII_8P:
-    case PORT_INTERFACE_OSGMII:
-        return 14;
-    case PORT_INTERFACE_10GBASE_R:
-    case PORT_INTERFACE_FLEXMII:
-    case PORT_INTERFACE_MMAC:
-    case PORT_INTERFACE_MPCS:
-    case PORT_INTERFACE_FLEXE:
-    case PORT_INTERFACE_10G_SXGMII:
-    case PORT_INTERFACE_10G_DXGMII:
-    case PORT_INTERFACE_10G_QXGMII:
-        return pll_15 ? 15 : 20;
-    default:
-        return kNoSpeedId;
-    }
-}
-
-constexpr std::array<u8, PORT_INTERFACE_COUNT> _speed_ids(bool pll_15)
-{
-    std::array<u8, PORT_INTERFACE_COUNT> t{};
-    for (u32 type = 0; type < PORT_INTERFACE_COUNT; type++) {
-        t[type] = _speed_id(type, pll_15);
-    }
-    return t;
-}
-
-constexpr auto g_atolreef_port_protocol_to_speed_id = _speed_ids(true);
-constexpr auto g_atolreef_port_protocol_to_speed_id_pll20 = _speed_ids(false);
 
 // ---- special table --------------------------------------------------------------------
 
@@ -321,8 +279,8 @@ bool _dpl_reef_port_active(u32 chip_id, u32 lport)
     return pbmp_test(ctl->port_config.pbmp[PORT_CONFIG_ACTIVE], lport);
 }
 
-// The whole MAG of the port takes the new type; the MAC layer follows the
-// lane.  A port that the new type keeps in use returns to normal link
+// The whole MAG of the port takes the new type: first the SerDes lane its
+// rate, then the MAC layer.  A port that the new type keeps in use returns to normal link
 // mode; one that it leaves unused has no link to restore.
 i32 _dpl_reef_port_interface_set(u32 chip_id, u32 lport, port_interface *info)
 {
@@ -335,6 +293,11 @@ i32 _dpl_reef_port_interface_set(u32 chip_id, u32 lport, port_interface *info)
     rc = dpl_reef_port_serdes_id_get(chip_id, lport, &serdes);
     if (rc == 0) {
         rc = dpl_reef_port_serdes_speed_get(chip_id, lport, info->interface_type, &speed_id);
+    }
+    if (rc == 0) {
+        // The lane runs at its new rate before the MAC layer follows it.
+        serdes_freq freq{speed_id, 0};
+        rc = dpl_reef_serdes_interface_freq_set(chip_id, serdes.serdes_id, info->interface_type, &freq);
     }
     if (rc == 0) {
         rc = _dpl_port_forward<&drv::port_interface_type_set>(chip_id, lport, "interface_set", info);

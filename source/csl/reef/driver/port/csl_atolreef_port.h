@@ -104,6 +104,53 @@ inline constexpr u8 g_port_link_bitmap[CSL_PORT_MAX_MAG][CSL_PORT_MAC_PER_MAG] =
     {16, 17, 18, 19, 255, 255, 255, 255},     {24, 25, 26, 27, 255, 255, 255, 255},
 };
 
+/* The SerDes speed id (11 to 20, 21 for none) of each interface type, for
+ * the 15 family of lane rates (the port's serdes_freq_pll_sel 1) and the
+ * 20 family (0). */
+namespace tide::port::atolreef {
+constexpr u8 speed_id(u32 type, bool pll_15)
+{
+    switch (type) {
+    case PORT_INTERFACE_1000BASE_X:
+    case PORT_INTERFACE_SGMII:
+        return 11;
+    case PORT_INTERFACE_2G5_SGMII:
+    case PORT_INTERFACE_2500BASE_X:
+        return pll_15 ? 12 : 17;
+    case PORT_INTERFACE_SGMII_4P:
+    case PORT_INTERFACE_QSGMII:
+    case PORT_INTERFACE_100BASE_FX:
+        return 13;
+    case PORT_INTERFACE_SGMII_8P:
+    case PORT_INTERFACE_OSGMII:
+        return 14;
+    case PORT_INTERFACE_10GBASE_R:
+    case PORT_INTERFACE_FLEXMII:
+    case PORT_INTERFACE_MMAC:
+    case PORT_INTERFACE_MPCS:
+    case PORT_INTERFACE_FLEXE:
+    case PORT_INTERFACE_10G_SXGMII:
+    case PORT_INTERFACE_10G_DXGMII:
+    case PORT_INTERFACE_10G_QXGMII:
+        return pll_15 ? 15 : 20;
+    default:
+        return PORT_INTERFACE_COUNT;
+    }
+}
+
+constexpr std::array<u8, PORT_INTERFACE_COUNT> speed_ids(bool pll_15)
+{
+    std::array<u8, PORT_INTERFACE_COUNT> t{};
+    for (u32 type = 0; type < PORT_INTERFACE_COUNT; type++) {
+        t[type] = speed_id(type, pll_15);
+    }
+    return t;
+}
+} // namespace tide::port::atolreef
+
+inline constexpr auto g_atolreef_port_protocol_to_speed_id = tide::port::atolreef::speed_ids(true);
+inline constexpr auto g_atolreef_port_protocol_to_speed_id_pll20 = tide::port::atolreef::speed_ids(false);
+
 /* The flat index of a MAC within the pcs_an channels. */
 constexpr u32 csl_atolreef_pcs_channel(u32 mag_id, u32 mac)
 {

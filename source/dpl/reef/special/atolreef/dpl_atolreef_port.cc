@@ -3,6 +3,7 @@
 
 #include "atolreef_cib.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "dpl/reef/serdes/dpl_reef_serdes.h"
 
 using tide::port::pbmp_test;
 
@@ -25,27 +26,34 @@ i32 _dpl_atolreef_port_flush_set(u32 chip_id, u32 lport, bool flush)
     return csl_reef_cib_qm_qm_port_flush_en_set(chip_id, index, &reg, mask);
 }
 
-// What the SerDes service knows of a lane: its state word and whether a
-// PRBS or a loopback runs on it.
+// What the SerDes service knows of a lane: its lock state (control item
+// 1) and whether a PRBS or a loopback runs on it.
 struct sds_lane_state {
     u32 control_item;
     bool under_test;
 };
 
-// The library has no SerDes service yet: a lane reports no state and no
-// test, and cannot be reset.
-sds_lane_state _dpl_atolreef_port_sds_state(u32 chip_id, u32 serdes_id)
+i32 _dpl_atolreef_port_sds_state(u32 chip_id, u32 serdes_id, sds_lane_state *state)
 {
-    (void)chip_id;
-    (void)serdes_id;
-    return {0, false};
+    serdes_control lock{SERDES_CONTROL_LOCK, &state->control_item};
+    i32 rc = dpl_reef_serdes_control_get(chip_id, serdes_id, &lock);
+    serdes_prbs prbs{0, SERDES_DIR_BOTH, 0, nullptr};
+    rc = rc == 0 ? dpl_reef_serdes_prbs_get(chip_id, serdes_id, &prbs) : rc;
+    state->under_test = prbs.enable != 0;
+    for (u32 type = 0; rc == 0 && type < SERDES_LOOP_TYPES; type++) {
+        serdes_loopback loop{type, 0};
+        rc = dpl_reef_serdes_loopback_get(chip_id, serdes_id, &loop);
+        state->under_test = state->under_test || loop.enable != 0;
+    }
+    return rc;
 }
 
+// The receive path of the lane restarts; the lane settles for a moment.
 i32 _dpl_atolreef_port_sds_reset(u32 chip_id, u32 serdes_id)
 {
-    (void)chip_id;
-    (void)serdes_id;
-    return SHR_E_UNAVAIL;
+    const i32 rc = dpl_reef_serdes_reset(chip_id, serdes_id, SERDES_RESET_RX);
+    xsal_usleep(DPL_ATOLREEF_SDS_RESET_SETTLE_US);
+    return rc;
 }
 
 } // namespace
@@ -95,7 +103,11 @@ i32 _dpl_atolreef_port_chk_sds_status(u32 chip_id, u32 lport)
     if (rc != 0) {
         return rc;
     }
-    const sds_lane_state lane = _dpl_atolreef_port_sds_state(chip_id, serdes.serdes_id);
+    sds_lane_state lane{};
+    rc = _dpl_atolreef_port_sds_state(chip_id, serdes.serdes_id, &lane);
+    if (rc != 0) {
+        return rc;
+    }
     if (link == PORT_LINK_UP) {
         return 0;
     }

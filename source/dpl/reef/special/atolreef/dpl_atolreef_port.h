@@ -25,6 +25,8 @@ i32 _dpl_atolreef_port_chk_sds_status(u32 chip_id, u32 lport);
 
 /* The clock drift above which a down lane is reset. */
 #define DPL_ATOLREEF_SDS_RX_DELTA_MAX 99u
+/* The wait after a lane's reset. */
+#define DPL_ATOLREEF_SDS_RESET_SETTLE_US 1000u
 
 #ifdef __cplusplus
 }
