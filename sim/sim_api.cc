@@ -702,6 +702,9 @@ int tide_sim_intr_line_get(uint32_t chip, uint32_t *level)
     Chip *c = _chip(chip);
     std::lock_guard<std::mutex> lock(c->mutex);
     *level = c->intr->line() ? 1 : 0;
+    return 0;
+}
+
 // ---- SerDes lanes -----------------------------------------------------------------
 
 int tide_sim_wait_get(uint32_t chip, uint64_t *usec)
