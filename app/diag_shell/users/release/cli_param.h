@@ -110,6 +110,9 @@ i32 cli_key_support_check(u32 chip_id, i32 argc, char **argv, const cli_key_supp
 #ifdef __cplusplus
 }
 
+#include <cstddef>
+#include <cstring>
+
 /* Calls `fn(lport, pport)` for each port of a port list, in order.  A chip
  * that is not there (-3), a list that is not well formed (-4) and a name
  * that names no port (its conversion status) end the walk with their line,
@@ -139,6 +142,37 @@ i32 cli_pport_list_walk(u32 chip_id, const char *list, Fn fn)
         }
     }
     return SHR_E_NONE;
+}
+// A keyword of a command and the value it stands for; a command's keywords
+// are a constant table of these.
+struct cli_word {
+    u32 id;
+    const char *name;
+};
+
+// The value of `word` in the table: false when the table lacks it.
+template <size_t N>
+bool cli_word_id_get(const cli_word (&words)[N], const char *word, u32 *id)
+{
+    for (const cli_word &w : words) {
+        if (std::strcmp(w.name, word) == 0) {
+            *id = w.id;
+            return true;
+        }
+    }
+    return false;
+}
+
+// The keyword of `id`, or `none` when the table lacks it.
+template <size_t N>
+const char *cli_word_name_get(const cli_word (&words)[N], u32 id, const char *none = nullptr)
+{
+    for (const cli_word &w : words) {
+        if (w.id == id) {
+            return w.name;
+        }
+    }
+    return none;
 }
 #endif
 

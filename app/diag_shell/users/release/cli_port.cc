@@ -26,41 +26,12 @@ namespace {
 constexpr u32 k_basic_info_room = 256;
 constexpr u32 k_alm_info_room = 16384;
 
-// A keyword of a command and the value it stands for.
-struct _cli_port_word {
-    u32 id;
-    const char *name;
-};
-
-template <size_t N>
-bool _cli_port_id_get(const _cli_port_word (&words)[N], const char *word, u32 *id)
-{
-    for (const _cli_port_word &w : words) {
-        if (std::strcmp(w.name, word) == 0) {
-            *id = w.id;
-            return true;
-        }
-    }
-    return false;
-}
-
-template <size_t N>
-const char *_cli_port_name_get(const _cli_port_word (&words)[N], u32 id)
-{
-    for (const _cli_port_word &w : words) {
-        if (w.id == id) {
-            return w.name;
-        }
-    }
-    return nullptr;
-}
-
 // The names of the bits set in `bits`, joined by commas; "none" for none.
 template <size_t N>
-std::string _cli_port_bits_text(const _cli_port_word (&words)[N], u32 bits)
+std::string _cli_port_bits_text(const cli_word (&words)[N], u32 bits)
 {
     std::string text;
-    for (const _cli_port_word &w : words) {
+    for (const cli_word &w : words) {
         if ((bits & w.id) != 0) {
             if (!text.empty()) {
                 text += ',';
@@ -71,7 +42,7 @@ std::string _cli_port_bits_text(const _cli_port_word (&words)[N], u32 bits)
     return text.empty() ? "none" : text;
 }
 
-constexpr _cli_port_word k_interface_words[] = {
+constexpr cli_word k_interface_words[] = {
     {PORT_INTERFACE_100BASE_FX, "100base-fx"},     {PORT_INTERFACE_SGMII, "sgmii"},
     {PORT_INTERFACE_1000BASE_X, "1000base-x"},     {PORT_INTERFACE_2G5_SGMII, "2_5G_sgmii"},
     {PORT_INTERFACE_2500BASE_X, "2500base-x"},     {PORT_INTERFACE_10GBASE_R, "10Gbase-r"},
@@ -84,47 +55,47 @@ constexpr _cli_port_word k_interface_words[] = {
     {PORT_INTERFACE_FLEXE, "flexe"}};
 
 // Speeds in Mbit/s.
-constexpr _cli_port_word k_speed_words[] = {
+constexpr cli_word k_speed_words[] = {
     {10, "10M"},     {100, "100M"},    {1000, "1G"},      {2500, "2G5"},     {5000, "5G"},
     {10000, "10G"},  {25000, "25G"},   {40000, "40G"},    {50000, "50G"},    {100000, "100G"},
     {112000, "112G"}, {200000, "200G"}, {400000, "400G"}};
 
 // The speed bits of an ability record.
-constexpr _cli_port_word k_ability_speed_words[] = {{PORT_ABILITY_10M, "10M"},   {PORT_ABILITY_100M, "100M"},
+constexpr cli_word k_ability_speed_words[] = {{PORT_ABILITY_10M, "10M"},   {PORT_ABILITY_100M, "100M"},
                                                     {PORT_ABILITY_1000M, "1G"},  {PORT_ABILITY_2G5, "2G5"},
                                                     {PORT_ABILITY_5G, "5G"},     {PORT_ABILITY_10G, "10G"}};
 
 // The pause bits of an ability record; the command sets one of the last four.
-constexpr _cli_port_word k_ability_pause_words[] = {{PAUSE_TX, "tx-pause"},       {PAUSE_RX, "rx-pause"},
+constexpr cli_word k_ability_pause_words[] = {{PAUSE_TX, "tx-pause"},       {PAUSE_RX, "rx-pause"},
                                                     {PAUSE, "pause"},             {PAUSE_ASYMM, "asymm-pause"},
                                                     {PAUSE_SYMM, "symm-pause"},   {PAUSE_BOTH, "both-pause"},
                                                     {PAUSE_NONE, "no-pause"}};
 
-constexpr _cli_port_word k_dir_words[] = {{PORT_ENABLE_TX, "tx"}, {PORT_ENABLE_RX, "rx"}, {PORT_ENABLE_BOTH, "all"}};
-constexpr _cli_port_word k_vlan_pause_words[] = {{0, "tx-vlan-pause"}, {1, "rx-vlan-pause"}};
-constexpr _cli_port_word k_pause_words[] = {{PORT_PAUSE_TX_EN, "tx-pause"},
+constexpr cli_word k_dir_words[] = {{PORT_ENABLE_TX, "tx"}, {PORT_ENABLE_RX, "rx"}, {PORT_ENABLE_BOTH, "all"}};
+constexpr cli_word k_vlan_pause_words[] = {{0, "tx-vlan-pause"}, {1, "rx-vlan-pause"}};
+constexpr cli_word k_pause_words[] = {{PORT_PAUSE_TX_EN, "tx-pause"},
                                             {PORT_PAUSE_RX_EN, "rx-pause"},
                                             {PORT_PAUSE_TX_RESPON, "tx-pause-resp"},
                                             {PORT_PAUSE_RX_ERR, "rx-pause-err"}};
-constexpr _cli_port_word k_crc_words[] = {{PORT_CRC_TX_EN, "tx-crc"},
+constexpr cli_word k_crc_words[] = {{PORT_CRC_TX_EN, "tx-crc"},
                                           {PORT_CRC_RX_EN, "rx-crc"},
                                           {PORT_CRC_TX_CHK, "tx-crc-check"},
                                           {PORT_CRC_RX_CHK, "rx-crc-check"}};
-constexpr _cli_port_word k_ctrl_words[] = {{PORT_CFG_TX_PADDING_EN, "padding-en"},
+constexpr cli_word k_ctrl_words[] = {{PORT_CFG_TX_PADDING_EN, "padding-en"},
                                            {PORT_CFG_TX_CUT_EN, "tx-cut"},
                                            {PORT_CFG_RX_CUT_EN, "rx-cut"},
                                            {PORT_CFG_TX_DROP_EN, "tx-drop-en"},
                                            {PORT_CFG_RX_SHORT_ERR, "rx-short-err"}};
-constexpr _cli_port_word k_loop_words[] = {{PORT_LOOP_MAC_INNER, "mac-inner"}, {PORT_LOOP_MAC_OUTER, "mac-outer"},
+constexpr cli_word k_loop_words[] = {{PORT_LOOP_MAC_INNER, "mac-inner"}, {PORT_LOOP_MAC_OUTER, "mac-outer"},
                                            {PORT_LOOP_PCS_INNER, "pcs-inner"}, {PORT_LOOP_PCS_OUTER, "pcs-outer"},
                                            {PORT_LOOP_PHY_INNER, "phy-inner"}, {PORT_LOOP_PHY_OUTER, "phy-outer"},
                                            {PORT_LOOP_NONE, "none"}};
-constexpr _cli_port_word k_frame_words[] = {{PORT_FRAME_TX, "tx"}, {PORT_FRAME_RX, "rx"}};
-constexpr _cli_port_word k_linkscan_words[] = {{0, "none"}, {1, "sw"}, {2, "hw"}};
+constexpr cli_word k_frame_words[] = {{PORT_FRAME_TX, "tx"}, {PORT_FRAME_RX, "rx"}};
+constexpr cli_word k_linkscan_words[] = {{0, "none"}, {1, "sw"}, {2, "hw"}};
 // The three words of the transmit path, each 0 or 1.
-constexpr _cli_port_word k_path_mode_words[] = {{0, "normal-mode"}, {1, "master-slave-mode"}};
-constexpr _cli_port_word k_path_select_words[] = {{0, "hw-select"}, {1, "sw-select"}};
-constexpr _cli_port_word k_path_words[] = {{0, "master-path"}, {1, "slave-path"}};
+constexpr cli_word k_path_mode_words[] = {{0, "normal-mode"}, {1, "master-slave-mode"}};
+constexpr cli_word k_path_select_words[] = {{0, "hw-select"}, {1, "sw-select"}};
+constexpr cli_word k_path_words[] = {{0, "master-path"}, {1, "slave-path"}};
 
 // The port_api_fault_get result by its value.
 constexpr const char *k_fault_text[] = {"none",
@@ -175,7 +146,7 @@ std::string _num_text(u64 n)
 
 std::string _speed_text(u32 mbits)
 {
-    const char *name = _cli_port_name_get(k_speed_words, mbits);
+    const char *name = cli_word_name_get(k_speed_words, mbits);
     return name != nullptr ? name : _num_text(mbits) + "M";
 }
 
@@ -324,7 +295,7 @@ i32 _cli_port_settings_each(u32 chip_id, const char *list, const std::vector<_se
 // Pairs of a keyword of `words` and (enable | disable) from argv[1]: the
 // call `fn(chip, lport, type, value)` of each pair on each port of argv[0].
 template <size_t N>
-i32 _cli_port_onoff_pairs_set(u32 chip_id, i32 argc, char **argv, const _cli_port_word (&words)[N], const char *api,
+i32 _cli_port_onoff_pairs_set(u32 chip_id, i32 argc, char **argv, const cli_word (&words)[N], const char *api,
                               i32 (*fn)(u32, u32, u32, u32))
 {
     if (argc < 3 || argc % 2 != 1) {
@@ -333,7 +304,7 @@ i32 _cli_port_onoff_pairs_set(u32 chip_id, i32 argc, char **argv, const _cli_por
     std::vector<_setting> settings;
     for (i32 i = 1; i < argc; i += 2) {
         _setting s{0, _on(argv[i + 1]) ? 1u : 0u};
-        if (!_cli_port_id_get(words, argv[i], &s.type)) {
+        if (!cli_word_id_get(words, argv[i], &s.type)) {
             return _bad_word(argv[i]);
         }
         settings.push_back(s);
@@ -510,7 +481,7 @@ i32 _cfg_info(u32 chip_id, u32 lport, const char *pport)
                              [&] { return _num_text(serdes.serdes_id); }));
     add("power", r.value(CLI_PORT_API(port_api_enable_get)(chip_id, lport, &v),
                          [&] { return std::string(v != 0 ? "up" : "down"); }));
-    for (const _cli_port_word &w : {k_dir_words[0], k_dir_words[1]}) {
+    for (const cli_word &w : {k_dir_words[0], k_dir_words[1]}) {
         add(std::string("tx-rx-enable ") + w.name,
             r.value(CLI_PORT_API(port_api_tx_rx_enable_get)(chip_id, lport, w.id, &v), onoff(v)));
     }
@@ -534,21 +505,21 @@ i32 _cfg_info(u32 chip_id, u32 lport, const char *pport)
     }));
     port_loopback loop{};
     add("loop-mode", r.value(CLI_PORT_API(port_api_loopback_get)(chip_id, lport, &loop), [&] {
-        const char *mode = _cli_port_name_get(k_loop_words, loop.loop_mode);
+        const char *mode = cli_word_name_get(k_loop_words, loop.loop_mode);
         return std::string(mode != nullptr ? mode : "?") + ", transparent " + _onoff(loop.transparent);
     }));
-    for (const _cli_port_word &w : k_vlan_pause_words) {
+    for (const cli_word &w : k_vlan_pause_words) {
         add(std::string("vlan-pause ") + w.name,
             r.value(CLI_PORT_API(port_api_vlan_pause_get)(chip_id, lport, w.id, &v), onoff(v)));
     }
-    for (const _cli_port_word &w : k_pause_words) {
+    for (const cli_word &w : k_pause_words) {
         add(std::string("pause ") + w.name,
             r.value(CLI_PORT_API(port_api_pause_get)(chip_id, lport, w.id, &v), onoff(v)));
     }
     u8 smac[6] = {};
     add("pause-smac", r.value(CLI_PORT_API(port_api_pause_addr_get)(chip_id, lport, smac),
                               [&] { return _mac_text(smac); }));
-    for (const _cli_port_word &w : k_frame_words) {
+    for (const cli_word &w : k_frame_words) {
         add(std::string("frame-len ") + w.name + " max-frame",
             r.value(CLI_PORT_API(port_api_max_frame_get)(chip_id, lport, w.id, &v), [&] { return _num_text(v); }));
         add(std::string("frame-len ") + w.name + " min-frame",
@@ -558,11 +529,11 @@ i32 _cfg_info(u32 chip_id, u32 lport, const char *pport)
     add("ifg-value",
         r.value(CLI_PORT_API(port_api_ifg_get)(chip_id, lport, &ifg), [&] { return _num_text(ifg); }));
     add("dic", r.value(CLI_PORT_API(port_api_dic_mode_get)(chip_id, lport, &v), onoff(v)));
-    for (const _cli_port_word &w : k_crc_words) {
+    for (const cli_word &w : k_crc_words) {
         add(std::string("crc-cfg ") + w.name,
             r.value(CLI_PORT_API(port_api_crc_get)(chip_id, lport, w.id, &v), onoff(v)));
     }
-    for (const _cli_port_word &w : k_ctrl_words) {
+    for (const cli_word &w : k_ctrl_words) {
         add(std::string("port-ctrl ") + w.name,
             r.value(CLI_PORT_API(port_api_cfg_control_get)(chip_id, lport, w.id, &v), onoff(v)));
     }
@@ -802,7 +773,7 @@ i32 cli_interface_type_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         return _bad_argc();
     }
     port_interface intf{};
-    if (!_cli_port_id_get(k_interface_words, argv[1], &intf.interface_type)) {
+    if (!cli_word_id_get(k_interface_words, argv[1], &intf.interface_type)) {
         return _bad_word(argv[1]);
     }
     // The MACs in use: given for the shared types, else as many as the
@@ -892,11 +863,11 @@ i32 cli_autoneg_ability_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
     }
     u32 speed = 0;
     u32 pause = 0;
-    if (!_cli_port_id_get(k_ability_speed_words, argv[1], &speed)) {
+    if (!cli_word_id_get(k_ability_speed_words, argv[1], &speed)) {
         cli_output_show(" speed %s can not be advertised\n", argv[1]);
         return SHR_E_PARAM;
     }
-    if (argc == 5 && !_cli_port_id_get(k_ability_pause_words, argv[4], &pause)) {
+    if (argc == 5 && !cli_word_id_get(k_ability_pause_words, argv[4], &pause)) {
         return _bad_word(argv[4]);
     }
     const bool full = std::strcmp(argv[2], "full") == 0;
@@ -950,7 +921,7 @@ i32 cli_port_speed_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         return rc;
     }
     u32 speed = 0;
-    if (!_cli_port_id_get(k_speed_words, argv[1], &speed)) {
+    if (!cli_word_id_get(k_speed_words, argv[1], &speed)) {
         return _bad_word(argv[1]);
     }
     return _cli_port_each_call(chip_id, argv[0], CLI_PORT_API(port_api_speed_set), speed);
@@ -1006,7 +977,7 @@ i32 cli_port_frame_length_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         return _bad_argc();
     }
     u32 dir = 0;
-    if (!_cli_port_id_get(k_frame_words, argv[1], &dir)) {
+    if (!cli_word_id_get(k_frame_words, argv[1], &dir)) {
         return _bad_word(argv[1]);
     }
     // The lengths in the order given: max-frame 1, min-frame 0.
@@ -1089,7 +1060,7 @@ i32 cli_port_loop_mode_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         return _bad_argc();
     }
     port_loopback loop{};
-    if (!_cli_port_id_get(k_loop_words, argv[1], &loop.loop_mode)) {
+    if (!cli_word_id_get(k_loop_words, argv[1], &loop.loop_mode)) {
         return _bad_word(argv[1]);
     }
     loop.transparent = argc == 4 && _on(argv[3]) ? 1u : 0u;
@@ -1135,9 +1106,9 @@ i32 cli_port_transmit_path_set(u32 chip_id, u32 view_mode, i32 argc, char **argv
         return _bad_argc();
     }
     u32 mode = 0, select = 0, path = 0;
-    const bool ok = _cli_port_id_get(k_path_mode_words, argv[0], &mode) &&
-                    (argc < 2 || _cli_port_id_get(k_path_select_words, argv[1], &select)) &&
-                    (argc < 3 || _cli_port_id_get(k_path_words, argv[2], &path));
+    const bool ok = cli_word_id_get(k_path_mode_words, argv[0], &mode) &&
+                    (argc < 2 || cli_word_id_get(k_path_select_words, argv[1], &select)) &&
+                    (argc < 3 || cli_word_id_get(k_path_words, argv[2], &path));
     if (!ok) {
         return _bad_word(argv[argc - 1]);
     }
@@ -1155,9 +1126,9 @@ i32 cli_port_transmit_path_get(u32 chip_id, u32 view_mode, i32 argc, char **argv
     if (rc != SHR_E_NONE) {
         return rc;
     }
-    const char *m = _cli_port_name_get(k_path_mode_words, mode);
-    const char *s = _cli_port_name_get(k_path_select_words, select);
-    const char *p = _cli_port_name_get(k_path_words, path);
+    const char *m = cli_word_name_get(k_path_mode_words, mode);
+    const char *s = cli_word_name_get(k_path_select_words, select);
+    const char *p = cli_word_name_get(k_path_words, path);
     std::string text = m != nullptr ? m : "?";
     if (mode != 0) {
         text += std::string(" ") + (s != nullptr ? s : "?");
@@ -1267,7 +1238,7 @@ i32 cli_linkscan_mode_set(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         return _bad_argc();
     }
     u32 mode = 0;
-    if (!_cli_port_id_get(k_linkscan_words, argv[1], &mode)) {
+    if (!cli_word_id_get(k_linkscan_words, argv[1], &mode)) {
         return _bad_word(argv[1]);
     }
     return _cli_port_each_call(chip_id, argv[0], CLI_PORT_API(linkscan_api_mode_set), mode);
@@ -1284,7 +1255,7 @@ i32 cli_linkscan_mode_get(u32 chip_id, u32 view_mode, i32 argc, char **argv)
         u32 mode = 0;
         const i32 rc = _cli_port_call(pport, CLI_PORT_API(linkscan_api_mode_get)(chip_id, lport, &mode));
         if (rc == SHR_E_NONE) {
-            const char *name = _cli_port_name_get(k_linkscan_words, mode);
+            const char *name = cli_word_name_get(k_linkscan_words, mode);
             cli_output_show(" port %-10s linkscan : %s\n", pport, name != nullptr ? name : "?");
         }
         return rc;

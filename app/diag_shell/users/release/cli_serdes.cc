@@ -18,65 +18,36 @@
 
 namespace {
 
-// A keyword of a command and the value it stands for.
-struct _cli_serdes_word {
-    u32 id;
-    const char *name;
-};
-
-template <size_t N>
-bool _cli_serdes_id_get(const _cli_serdes_word (&words)[N], const char *word, u32 *id)
-{
-    for (const _cli_serdes_word &w : words) {
-        if (std::strcmp(w.name, word) == 0) {
-            *id = w.id;
-            return true;
-        }
-    }
-    return false;
-}
-
-template <size_t N>
-const char *_cli_serdes_name_get(const _cli_serdes_word (&words)[N], u32 id)
-{
-    for (const _cli_serdes_word &w : words) {
-        if (w.id == id) {
-            return w.name;
-        }
-    }
-    return "-";
-}
-
-constexpr _cli_serdes_word k_speed_words[] = {
+constexpr cli_word k_speed_words[] = {
     {SERDES_SPEED_1P25G_PLL0, "1P250G-pll0"},    {SERDES_SPEED_3P125G_PLL1, "3P1250G-pll1"},
     {SERDES_SPEED_5G_PLL0, "5G-pll0"},           {SERDES_SPEED_10G_PLL0, "10G-pll0"},
     {SERDES_SPEED_10P3125G_PLL1, "10P3125G-pll1"}, {SERDES_SPEED_1P25G_PLL1, "1P250G-pll1"},
     {SERDES_SPEED_3P125G_PLL0, "3P1250G-pll0"},  {SERDES_SPEED_5G_PLL1, "5G-pll1"},
     {SERDES_SPEED_10G_PLL1, "10G-pll1"},         {SERDES_SPEED_10P3125G_PLL0, "10P3125G-pll0"},
     {SERDES_SPEED_UNUSED, "unused"}};
-constexpr _cli_serdes_word k_width_words[] = {{8, "8BIT"},   {10, "10BIT"}, {16, "16BIT"}, {20, "20BIT"},
+constexpr cli_word k_width_words[] = {{8, "8BIT"},   {10, "10BIT"}, {16, "16BIT"}, {20, "20BIT"},
                                               {32, "32BIT"}, {40, "40BIT"}, {64, "64BIT"}};
-constexpr _cli_serdes_word k_dir_words[] = {{SERDES_DIR_TX, "tx"}, {SERDES_DIR_RX, "rx"}, {SERDES_DIR_BOTH, "all"}};
-constexpr _cli_serdes_word k_prbs_words[] = {
+constexpr cli_word k_dir_words[] = {{SERDES_DIR_TX, "tx"}, {SERDES_DIR_RX, "rx"}, {SERDES_DIR_BOTH, "all"}};
+constexpr cli_word k_prbs_words[] = {
     {SERDES_PRBS7, "prbs7"},       {SERDES_PRBS9, "prbs9"},         {SERDES_PRBS11, "prbs11"},
     {SERDES_PRBS15, "prbs15"},     {SERDES_PRBS16, "prbs16"},       {SERDES_PRBS23, "prbs23"},
     {SERDES_PRBS231, "prbs231"},   {SERDES_PRBS31, "prbs31"},       {SERDES_PAT0X0, "pat0x0"},
     {SERDES_PAT1X1, "pat1x1"},     {SERDES_PAT2X2, "pat2x2"},       {SERDES_PAT5X5, "pat5x5"},
     {SERDES_PAT8X16, "pat8x16"},   {SERDES_PAT10X10, "pat10x10"},   {SERDES_PAT20X20, "pat20x20"},
     {SERDES_PAT1X1_61BIT, "pat1x1-61bit"}, {SERDES_PAT_USER, "pat-udp"}};
-constexpr _cli_serdes_word k_loop_words[] = {{SERDES_LOOP_SERIAL_TX2RX, "serpre-tx2rx"},
+constexpr cli_word k_loop_words[] = {{SERDES_LOOP_SERIAL_TX2RX, "serpre-tx2rx"},
                                              {SERDES_LOOP_SERIAL_RX2TX, "serpre-rx2tx"},
                                              {SERDES_LOOP_PARALLEL_TX2RX, "paral-tx2rx"},
                                              {SERDES_LOOP_PARALLEL_RX2TX, "paral-rx2tx"}};
-constexpr _cli_serdes_word k_power_words[] = {{SERDES_POWER_TX, "tx"},
+constexpr cli_word k_power_words[] = {{SERDES_POWER_TX, "tx"},
                                               {SERDES_POWER_RX, "rx"},
                                               {SERDES_POWER_TXRX, "txrx"},
                                               {SERDES_POWER_PLL0, "pll0"},
                                               {SERDES_POWER_PLL1, "pll1"}};
-constexpr _cli_serdes_word k_reset_words[] = {
+constexpr cli_word k_reset_words[] = {
     {SERDES_RESET_RX, "rx"}, {SERDES_RESET_TX, "tx"}, {SERDES_RESET_PHY, "phy"}};
-constexpr _cli_serdes_word k_adapt_words[] = {{0, "ctle"}, {SERDES_RX_ADAPT_DFE, "dfe"}};
-constexpr _cli_serdes_word k_work_mode_words[] = {{0, "eth"}, {1, "pcie"}};
+constexpr cli_word k_adapt_words[] = {{0, "ctle"}, {SERDES_RX_ADAPT_DFE, "dfe"}};
+constexpr cli_word k_work_mode_words[] = {{0, "eth"}, {1, "pcie"}};
 
 // The rates of other SerDes and the tap form of the emphasis.
 constexpr cli_key_support k_speed_key_support[] = {
@@ -211,14 +182,14 @@ struct _pair_fields<serdes_rx_adapt> {
 // "serdes WORD <word> <value word>": the record's first field named by
 // `words` from argv[1], its second `value`, set on each lane.
 template <typename Rec, size_t N>
-i32 _pair_set(u32 chip_id, i32 argc, char **argv, const _cli_serdes_word (&words)[N], u32 value, const char *api,
+i32 _pair_set(u32 chip_id, i32 argc, char **argv, const cli_word (&words)[N], u32 value, const char *api,
               i32 (*fn)(u32, u32, Rec *))
 {
     Rec rec{};
     if (argc != 3) {
         return _bad_argc();
     }
-    if (!_cli_serdes_id_get(words, argv[1], &(rec.*_pair_fields<Rec>::first))) {
+    if (!cli_word_id_get(words, argv[1], &(rec.*_pair_fields<Rec>::first))) {
         return _bad_word(argv[1]);
     }
     rec.*_pair_fields<Rec>::second = value;
@@ -255,7 +226,7 @@ i32 cli_serdes_support_freq_get(u32 chip_id, u32, i32 argc, char **argv)
         if (rc != SHR_E_NONE) {
             return rc;
         }
-        cli_output_show(" serdes %u speed: %s\n", sid, _cli_serdes_name_get(k_speed_words, f.speed));
+        cli_output_show(" serdes %u speed: %s\n", sid, cli_word_name_get(k_speed_words, f.speed, "-"));
         return _show_text(sid, "serdes_api_support_speed_get", 1024, [&](char *b, u64 len) {
             return serdes_api_support_speed_get(chip_id, sid, b, len);
         });
@@ -273,10 +244,10 @@ i32 cli_serdes_pll_freq_set(u32 chip_id, u32, i32 argc, char **argv)
         return rc;
     }
     serdes_freq f{};
-    if (!_cli_serdes_id_get(k_speed_words, argv[1], &f.speed)) {
+    if (!cli_word_id_get(k_speed_words, argv[1], &f.speed)) {
         return _bad_word(argv[1]);
     }
-    if (!_cli_serdes_id_get(k_width_words, argv[2], &f.width)) {
+    if (!cli_word_id_get(k_width_words, argv[2], &f.width)) {
         return _bad_word(argv[2]);
     }
     return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
@@ -363,7 +334,7 @@ i32 cli_serdes_lane_enable_set(u32 chip_id, u32, i32 argc, char **argv)
     if (argc != 3) {
         return _bad_argc();
     }
-    if (!_cli_serdes_id_get(k_dir_words, argv[2], &dir)) {
+    if (!cli_word_id_get(k_dir_words, argv[2], &dir)) {
         return _bad_word(argv[2]);
     }
     return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
@@ -395,13 +366,13 @@ i32 cli_serdes_prbs_set(u32 chip_id, u32, i32 argc, char **argv)
         return _bad_argc();
     }
     serdes_prbs p{1, 0, 0, nullptr};
-    if (!_cli_serdes_id_get(k_dir_words, argv[1], &p.dir)) {
+    if (!cli_word_id_get(k_dir_words, argv[1], &p.dir)) {
         return _bad_word(argv[1]);
     }
     u64 pattern = 0;
     if (std::strcmp(argv[2], "0") == 0) {
         p.enable = 0; // "0" stops the generator and checker
-    } else if (!_cli_serdes_id_get(k_prbs_words, argv[2], &p.type)) {
+    } else if (!cli_word_id_get(k_prbs_words, argv[2], &p.type)) {
         return _bad_word(argv[2]);
     }
     if (p.type == SERDES_PAT_USER) {
@@ -429,9 +400,9 @@ i32 cli_serdes_prbs_get(u32 chip_id, u32, i32 argc, char **argv)
             if (rc != SHR_E_NONE) {
                 return rc;
             }
-            cli_output_show(" serdes %u prbs %s: %s %s\n", sid, _cli_serdes_name_get(k_dir_words, dir),
+            cli_output_show(" serdes %u prbs %s: %s %s\n", sid, cli_word_name_get(k_dir_words, dir, "-"),
                             p.enable != 0 ? "enable" : "disable",
-                            p.enable != 0 ? _cli_serdes_name_get(k_prbs_words, p.type) : "");
+                            p.enable != 0 ? cli_word_name_get(k_prbs_words, p.type, "-") : "");
         }
         return SHR_E_NONE;
     });
@@ -501,7 +472,7 @@ i32 cli_serdes_reset_set(u32 chip_id, u32, i32 argc, char **argv)
     if (argc != 2) {
         return _bad_argc();
     }
-    if (!_cli_serdes_id_get(k_reset_words, argv[1], &mode)) {
+    if (!cli_word_id_get(k_reset_words, argv[1], &mode)) {
         return _bad_word(argv[1]);
     }
     return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
@@ -524,7 +495,7 @@ i32 cli_serdes_lane_loopback_get(u32 chip_id, u32, i32 argc, char **argv)
         return _bad_argc();
     }
     return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
-        for (const _cli_serdes_word &w : k_loop_words) {
+        for (const cli_word &w : k_loop_words) {
             serdes_loopback loop{w.id, 0};
             const i32 rc = _call(sid, CLI_SERDES_API(serdes_api_loopback_get)(chip_id, sid, &loop));
             if (rc != SHR_E_NONE) {
@@ -552,7 +523,7 @@ i32 cli_serdes_power_get(u32 chip_id, u32, i32 argc, char **argv)
         return _bad_argc();
     }
     return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
-        for (const _cli_serdes_word &w : k_power_words) {
+        for (const cli_word &w : k_power_words) {
             serdes_power power{w.id, 0};
             const i32 rc = _call(sid, CLI_SERDES_API(serdes_api_power_get)(chip_id, sid, &power));
             if (rc != SHR_E_NONE) {
@@ -591,7 +562,7 @@ i32 cli_serdes_rxadapt_sta_get(u32 chip_id, u32, i32 argc, char **argv)
     if (argc != 2) {
         return _bad_argc();
     }
-    if (!_cli_serdes_id_get(k_adapt_words, argv[1], &adapt.type)) {
+    if (!cli_word_id_get(k_adapt_words, argv[1], &adapt.type)) {
         return _bad_word(argv[1]);
     }
     return _each_lane(chip_id, argv[0], [&](u32 sid) -> i32 {
@@ -776,7 +747,7 @@ i32 cli_serdes_work_mode_set(u32 chip_id, u32, i32 argc, char **argv)
     if (argc != 1) {
         return _bad_argc();
     }
-    if (!_cli_serdes_id_get(k_work_mode_words, argv[0], &type)) {
+    if (!cli_word_id_get(k_work_mode_words, argv[0], &type)) {
         return _bad_word(argv[0]);
     }
     const i32 rc = cli_chip_valid_check(chip_id);
