@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "sim/sim_acl.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
 #include "sim/sim_tap.h"
@@ -29,6 +30,7 @@ struct CauseName {
 
 constexpr CauseName kDropNames[] = {
     {kCauseMinPkt, "RSM_DISCARD_MINPKT_DROP"},
+    {kCauseAclDrop, "IACL_ACL_DROP"},
     {kCauseMaxPkt, "RSM_DISCARD_MAXPKT_DROP"},
     {kCauseIpatInvalid, "DISCARD_IPAT_TABLE_INVALID"},
     {kCauseUntagDiscard, "DISCARD_IPAT_DISCARD_UNTAGPKT"},
@@ -98,6 +100,8 @@ const char *cause_name(uint32_t cause, bool to_cpu)
 Pipeline::Pipeline(Chip &chip) : chip_(chip)
 {
     resolve();
+    acl_ = std::make_unique<AclStage>(*this);
+    ok_ &= acl_->ok();
 }
 
 Pipeline::~Pipeline() = default;

@@ -26,6 +26,7 @@
 
 namespace tide::sim {
 
+class AclStage;
 class Chip;
 class MccEngine;
 class PcapWriter;
@@ -54,6 +55,7 @@ enum Cause : uint16_t {
     kCauseStaFloat = 594,       // ARL_STA_FLOAT
     kCauseHashFull = 595,       // ARL_HASH_FULL
     kCauseNoLearn = 596,        // ARL_NO_LRN
+    kCauseAclDrop = 600,        // IACL_ACL_DROP: the drop action of an ingress ACL entry
     kCauseMcAbnormal = 667,     // MCC_MC_ABNORMAL_DROP
     kCauseMrtInvalid = 688,     // MCC_MC_MRT_NVLD_DROP
     kCauseMlibInvalid = 689,    // MCC_MC_MLB_NVLD_DROP
@@ -129,6 +131,7 @@ struct Packet {
     // CPU copy goes with it.
     bool forward = true;
     bool dropped = false;
+    bool deny_drop = false; // an ACL entry's "not-drop": later drops do not happen
     uint16_t drop_cause = 0;
     bool to_cpu = false;
     uint16_t cpu_cause = 0;
@@ -143,7 +146,7 @@ struct Packet {
 
     void drop(uint16_t cause)
     {
-        if (forward) {
+        if (forward && !deny_drop) {
             forward = false;
             dropped = true;
             drop_cause = cause;
@@ -190,6 +193,8 @@ bool run_egress(Pipeline &pl, const Packet &p, EgressCopy &c);
 // The replication stage (sim_pkt_mcc.cc): the copies of a replicated
 // packet; and the egress edit of one of them, on the frame EPRO built.
 bool mcc_stage(Pipeline &pl, Packet &p);
+// The ingress ACL stage (sim_acl.cc).
+bool acl_stage(Pipeline &pl, Packet &p);
 void mcc_egress_edit(Pipeline &pl, const Packet &p, EgressCopy &c);
 
 // A table of the description as the chip's logic reads it.
@@ -240,6 +245,7 @@ private:
     uint64_t now_ms_ = 0;
     std::array<PortState, kPorts> ports_{};
     std::unique_ptr<PcapWriter> pcap_;
+    std::unique_ptr<AclStage> acl_;
     std::vector<uint8_t> scratch_; // the frame as one egress copy leaves
 
     // ---- what the stages read, found by name once ----
@@ -279,6 +285,8 @@ public:
     uint32_t move_priority(uint32_t port) const;
     ArlEngine &arl();
     MccEngine &mcc();
+    AclStage &acl() { return *acl_; }
+    Chip &chip() { return chip_; }
 
 private:
     void resolve();

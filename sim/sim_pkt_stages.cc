@@ -381,7 +381,7 @@ struct IngressStage {
 };
 
 constexpr IngressStage kIngress[] = {
-    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"arl", _arl}, {"mcc", mcc_stage},
+    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"arl", _arl}, {"acl", acl_stage}, {"mcc", mcc_stage},
 };
 
 // ---- egress ------------------------------------------------------------------

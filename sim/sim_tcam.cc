@@ -126,6 +126,7 @@ void TcamEngine::install()
 
 void TcamEngine::clear()
 {
+    generation_++;
     for (Row &r : rows_) {
         r = Row{};
     }
@@ -162,6 +163,7 @@ uint32_t TcamEngine::width(uint32_t block) const
 
 TcamEngine::Row *TcamEngine::at(uint32_t block, uint32_t index)
 {
+    generation_++; // the row may change
     return block < blocks() && index < kRowsMax ? &rows_[block * kRowsMax + index] : nullptr;
 }
 
@@ -339,6 +341,7 @@ void TcamEngine::run_search()
 // the start and rises when it is clear, unless the engine is stalled.
 void TcamEngine::on_reset(uint32_t bits)
 {
+    generation_++;
     uint32_t done = word_get(reg(a_init_done_), f_init_done_);
     for (uint32_t b = 0; b < kBlocks; b++) {
         if (((bits >> b) & 1) == 0) {
@@ -397,6 +400,7 @@ void TcamEngine::scan()
                                    _ecc_type(row.action.data(), good.action.data(), kActionWords)};
         if (types[2] == 0x3u) {
             row.action = good.action; // corrected by the memory
+            generation_++;
         }
         for (uint32_t plane = 0; plane < 3; plane++) {
             if (types[plane] != 0) {

@@ -83,8 +83,14 @@ public:
     bool search_right_aligned(const Plane &key, uint32_t bits, uint32_t bitmap, uint32_t *block,
                               uint32_t *index) const;
 
+    // Counts the changes of the memory: any command or fault that may
+    // change a row moves it on, so a result found at one value holds while
+    // it stays.
+    uint64_t generation() const { return generation_; }
+
 private:
     static constexpr uint32_t kDataRegs = 10;
+    uint64_t generation_ = 0;
 
     Chip &chip_;
     DescNeeds needs_;

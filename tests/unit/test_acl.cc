@@ -145,7 +145,7 @@ TEST_F(AclAuto, AutomaticModeRefusesGivenBlocksAndSizes)
 TEST_F(Acl, AKindTakesItsBuiltTemplatesAndItsActionSet)
 {
     const acl_group_info g = group_info(group());
-    EXPECT_EQ(g.match_support, 1u << kL2Template); // 30 has no builder yet
+    EXPECT_EQ(g.match_support, 1u << kL2Template | 1u << 30);
     EXPECT_EQ(g.type, ACL_GROUP_ICAP);
     EXPECT_EQ(g.mode, ACL_MODE_SINGLE);
     uint32_t actions[5] = {};
@@ -161,7 +161,7 @@ TEST_F(Acl, AKindTakesItsBuiltTemplatesAndItsActionSet)
     ASSERT_EQ(acl_api_match_support_get(0, kL2Template, items), 0);
     EXPECT_EQ((items[0] >> kMatchSmacLow) & 1, 1u);
     EXPECT_EQ((items[0] >> kMatchSrcTgid) & 1, 1u);
-    EXPECT_EQ(acl_api_match_support_get(0, 0, items), SHR_E_NOT_SUPPORT);
+    EXPECT_EQ(acl_api_match_support_get(0, 3, items), SHR_E_NOT_SUPPORT); // no 320-bit IPv6-MAC key here
     EXPECT_EQ(acl_api_match_support_get(0, 32, items), SHR_E_PARAM);
 }
 

@@ -62,12 +62,20 @@ struct ActionSetRow {
     const char *valid;                    // field always 1, or NULL
 };
 
+// A field a template always sets, whatever the entry's items say.
+struct Forced {
+    const char *field;
+    u32 value;
+    u32 mask;
+};
+
 struct TemplateRow {
     u32 template_id;
     u32 tcam_id;
     bool tid_by_base; // the type tag follows the entry's base
     const ActionSetRow *actions;
     std::span<const ItemRow> items;
+    Forced forced;
 };
 
 struct FpRow {
@@ -140,41 +148,158 @@ constexpr const char *kMaclActions[] = {
 
 constexpr ActionSetRow kIaclSet{"g_iacl_atolreef_template_action", kIaclActions, "iacl_tcam_iacl_ad",
                                 kIaclActionFields, "valid"};
-constexpr ActionSetRow kIpsgSet{"g_iacl_ipsg_atolreef_template_action", kIpsgActions, "iacl_tcam_iacl_ipsg_ad", {},
-                                nullptr};
-constexpr ActionSetRow kEaclSet{"g_eacl_atolreef_template_action", kEaclActions, "eacl_tcam_eacl_ad", {}, nullptr};
-constexpr ActionSetRow kCpuaclSet{"g_cpuacl_atolreef_template_action", kCpuaclActions, "cpacl_tcam_cpacl_ad", {},
-                                  nullptr};
-constexpr ActionSetRow kVaclSet{"g_vacl_atolreef_template_action", kVaclActions, "ipro_tcam_vlanacl_ad", {}, nullptr};
-constexpr ActionSetRow kMaclSet{"g_macl_atolreef_template_action", kMaclActions, "epro_tcam_meta_acl_ad", {},
-                                nullptr};
+// Shorthands of the action rows: a field set to a constant, to the value
+// cut by a mask, to the second value cut by a mask.
+constexpr ActionOp _c(const char *field, u32 constant)
+{
+    return ActionOp{field, Src::Const, constant, 0, false};
+}
+constexpr ActionOp _v(const char *field, u32 mask)
+{
+    return ActionOp{field, Src::Value, mask, 0, false};
+}
+constexpr ActionOp _s(const char *field, u32 mask)
+{
+    return ActionOp{field, Src::Second, mask, 0, false};
+}
+
+// Source guard: fwdcmd 1 drop, 2 to the CPU.
+constexpr ActionRow kIpsgActionFields[] = {
+    {"cnt", {_c("staten", 1), _v("statid", 0xFFF)}},
+    {"drop", {_c("fwdcmd", 1), {}}},
+    {"redirect-to-cpu", {_c("fwdcmd", 2), {}}},
+    {"cp-cause-id", {_v("causeid", 0xFFF), {}}},
+    {"not-drop", {_c("denydrop", 1), {}}},
+};
+// Egress: fwdcmd as the ingress one; tagcmd 1 deletes one tag, 2 both;
+// the cause and the new outer VID share a field (they exclude each other).
+constexpr ActionRow kEaclActionFields[] = {
+    {"mirror", {_c("mirroren", 1), _s("mirrorid", 3)}},
+    {"sflow", {_c("sflowen", 1), _v("sflowid", 7)}},
+    {"opri-replace", {_c("oprien", 1), _v("opri", 7)}},
+    {"ipri-replace", {_c("iprien", 1), _v("ipri", 7)}},
+    {"dscp-tos-mode", {_v("dscp_tos_mode", 3), {}}},
+    {"dscp-tos-assign", {_v("dscp", 0xFF), {}}},
+    {"color-assign", {_c("coloren", 1), _v("color", 3)}},
+    {"opri-cp-ipri-before-change", {_c("opricpipri", 1), {}}},
+    {"permit-forward", {_c("fwdcmd", 0), {}}},
+    {"drop", {_c("fwdcmd", 1), {}}},
+    {"copy-to-cpu", {_c("fwdcmd", 2), {}}},
+    {"redirect-to-cpu", {_c("fwdcmd", 3), {}}},
+    {"del-one-tag", {_c("tagcmd", 1), {}}},
+    {"del-two-tags", {_c("tagcmd", 2), {}}},
+    {"ovid-replace", {_c("ovlanen", 1), _v("causeid_ovlan", 0xFFF)}},
+    {"ivid-replace", {_c("ivlanen", 1), _v("ivlan", 0xFFF)}},
+    {"cnt", {_c("staten", 1), _v("statid", 0xFFF)}},
+    {"policer", {_c("caren", 1), _v("carid", 0x7FF)}},
+    {"cause-id", {_v("causeid_ovlan", 0x3FF), {}}},
+};
+// CPU ACL: one operation with its operand.
+constexpr ActionRow kCpuaclActionFields[] = {
+    {"permit-forward", {_c("op", 0), {}}},
+    {"cause-id", {_c("op", 1), _v("opdata", 0x1FF)}},
+    {"drop", {_c("op", 2), _v("opdata", 0x3FF)}},
+    {"policer-disable", {_c("op", 3), {}}},
+    {"policer", {_c("op", 4), _v("opdata", 0x7FF)}},
+    {"cnt", {_c("staten", 1), _v("statid", 0xFFF)}},
+};
+// VLAN ACL: the three learning actions and the redirect to the CPU are
+// bits of their own (no rule keeps them apart from each other or from the
+// redirects); the copy commands 1 from the inner, 2 from the outer field;
+// VID commands 1 add, 2 replace, 3 delete; fwdcmd 0 permit, 1 drop, 2 copy
+// to the CPU, 4 port, 5 trunk, 6 multicast group.
+constexpr ActionRow kVaclActionFields[] = {
+    {"not-l2-learn", {_c("nolrn", 1), {}}},
+    {"not-l2-learn-to-cpu", {_c("nolrntocpu", 1), {}}},
+    {"not-l2-learn-discard", {_c("nolrndiscard", 1), {}}},
+    {"opri-cp-ipri-before-change", {_c("opricp", 1), {}}},
+    {"opri-cp-opri-before-change", {_c("opricp", 2), {}}},
+    {"ipri-cp-ipri-before-change", {_c("ipricp", 1), {}}},
+    {"ipri-cp-opri-before-change", {_c("ipricp", 2), {}}},
+    {"ocfi-cp-icfi-before-change", {_c("ocficp", 1), {}}},
+    {"ocfi-cp-ocfi-before-change", {_c("ocficp", 2), {}}},
+    {"icfi-cp-icfi-before-change", {_c("icficp", 1), {}}},
+    {"icfi-cp-ocfi-before-change", {_c("icficp", 2), {}}},
+    {"ovid-add", {_c("ovlancmd", 1), _v("ovlan", 0xFFF)}},
+    {"ovid-replace", {_c("ovlancmd", 2), _v("ovlan", 0xFFF)}},
+    {"ovid-del", {_c("ovlancmd", 3), {}}},
+    {"ivid-add", {_c("ivlancmd", 1), _v("ivlan", 0xFFF)}},
+    {"ivid-replace", {_c("ivlancmd", 2), _v("ivlan", 0xFFF)}},
+    {"ivid-del", {_c("ivlancmd", 3), {}}},
+    {"opri-replace", {_c("oprien", 1), _v("opri", 7)}},
+    {"ipri-replace", {_c("iprien", 1), _v("ipri", 7)}},
+    {"ocfi-replace", {_c("ocfien", 1), _v("ocfi", 1)}},
+    {"icfi-replace", {_c("icfien", 1), _v("icfi", 1)}},
+    {"is-voice-vlan", {_c("voicevlan", 1), {}}},
+    {"flow-id-assign", {_c("flowiden", 1), _v("flowid", 15)}},
+    {"permit-forward", {_c("fwdcmd", 0), {}}},
+    {"drop", {_c("fwdcmd", 1), {}}},
+    {"drop-cause-id", {_c("fwdcmd", 1), _v("causeid", 0x1FF)}},
+    {"cp-cause-id", {_c("fwdcmd", 2), _v("causeid", 0x1FF)}},
+    {"redirect-to-cpu", {_c("tocpu", 1), {}}},
+    {"redirect-port", {_c("fwdcmd", 4), _s("dest", 31)}},
+    {"redirect-trunk", {_c("fwdcmd", 5), _v("dest", 7)}},
+    {"multicast-id-assign", {_c("fwdcmd", 6), _v("dest", 0x3FF)}},
+    {"dscp-tos-assign", {_c("dscpen", 1), _v("dscp", 0x3F)}},
+    {"cnt", {_c("staten", 1), _v("statid", 0x3F)}},
+};
+// Egress metadata ACL: each update has its enable and its value.
+constexpr ActionRow kMaclActionFields[] = {
+    {"fwd-update", {_c("fwden", 1), _v("fwd", 7)}},
+    {"opcode-update", {_c("opcodeen", 1), _v("opcode", 15)}},
+    {"qindx-update", {_c("qindexen", 1), _v("qindex", 7)}},
+    {"mirror-update", {_c("mirroren", 1), _v("mirrorid", 7)}},
+    {"mirror-dir-update", {_c("mirrordiren", 1), _v("mirrordir", 1)}},
+    {"sample-update", {_c("sampleen", 1), _v("sampleid", 15)}},
+    {"meta-offset0", {_v("offset0", 0x3F), {}}},
+    {"meta-mask0", {_v("mask0", 0xFFF), {}}},
+    {"meta-value0", {_v("value0", 0xFFF), {}}},
+    {"meta-offset1", {_v("offset1", 0x3F), {}}},
+    {"meta-mask1", {_v("mask1", 0xFFF), {}}},
+    {"meta-value1", {_v("value1", 0xFFF), {}}},
+};
+
+constexpr ActionSetRow kIpsgSet{"g_iacl_ipsg_atolreef_template_action", kIpsgActions, "iacl_tcam_iacl_ipsg_ad",
+                                kIpsgActionFields, "valid"};
+constexpr ActionSetRow kEaclSet{"g_eacl_atolreef_template_action", kEaclActions, "eacl_tcam_eacl_ad",
+                                kEaclActionFields, "valid"};
+constexpr ActionSetRow kCpuaclSet{"g_cpuacl_atolreef_template_action", kCpuaclActions, "cpacl_tcam_cpacl_ad",
+                                  kCpuaclActionFields, "valid"};
+constexpr ActionSetRow kVaclSet{"g_vacl_atolreef_template_action", kVaclActions, "ipro_tcam_vlanacl_ad",
+                                kVaclActionFields, "valid"};
+constexpr ActionSetRow kMaclSet{"g_macl_atolreef_template_action", kMaclActions, "epro_tcam_meta_acl_ad",
+                                kMaclActionFields, "valid"};
 constexpr const ActionSetRow *kSets[] = {&kIaclSet, &kIpsgSet, &kEaclSet, &kCpuaclSet, &kVaclSet, &kMaclSet};
 
 // ---- templates -------------------------------------------------------------------------------
 
-// 31 icap-width-single-l2: iacl_tcam_iacl_160_l2_key.
-constexpr ItemRow kIacl160L2Items[] = {
-    {"ethtype", "ethtype", 0, 0, nullptr, 0, 0},
-    {"opri", "opri", 0, 0, nullptr, 0, 0},
-    {"ocfi", "ocfi", 0, 0, nullptr, 0, 0},
-    {"ovid", "ovlan", 0, 0, nullptr, 0, 0},
-    {"dmac-31-0", "dmac", 0, 32, nullptr, 0, 0},
-    {"dmac-47-32", "dmac", 32, 16, nullptr, 0, 0},
-    {"smac-31-0", "smac", 0, 32, nullptr, 0, 0},
-    {"smac-47-32", "smac", 32, 16, nullptr, 0, 0},
-    {"l2-dst-hit", "dmachit", 0, 0, nullptr, 0, 0},
-    {"flowid", "vaclflowid", 0, 0, nullptr, 0, 0},
-    {"src-port", "porttrunkidstacksp_vp", 0, 0, "trunken", 0, 1},
-    {"src-tgid", "porttrunkidstacksp_vp", 0, 0, "trunken", 1, 1},
-    {"llc", "llc", 0, 0, nullptr, 0, 0},
-    {"snap", "snap", 0, 0, nullptr, 0, 0},
-    {"tag-num", "tagnum", 0, 0, nullptr, 0, 0},
-    {"gid", "gid", 0, 0, nullptr, 0, 0},
-    {"key-type", "key_type", 0, 0, nullptr, 0, 0},
-};
+#include "dpl/reef/special/atolreef/dpl_atolreef_acl_template_items.inc"
 
+constexpr Forced kArpType{"ethtype", 2054, 0xFFFF};
+constexpr Forced kNone{nullptr, 0, 0};
 constexpr TemplateRow kTemplates[] = {
-    {31, CSL_TCAM_ID_IACL_TCAM_IACL_160_L2_KEY, true, &kIaclSet, kIacl160L2Items},
+    {0, CSL_TCAM_ID_IACL_TCAM_IACL_320_IPV4_KEY, true, &kIaclSet, kIacl320Ipv4Items, kNone},
+    {1, CSL_TCAM_ID_IACL_TCAM_IACL_320_IPV6_SIP_KEY, true, &kIaclSet, kIacl320Ipv6SipItems, kNone},
+    {2, CSL_TCAM_ID_IACL_TCAM_IACL_320_IPV6_DIP_KEY, true, &kIaclSet, kIacl320Ipv6DipItems, kNone},
+    {4, CSL_TCAM_ID_IACL_TCAM_IACL_320_ARP_KEY, true, &kIaclSet, kIacl320ArpItems, kArpType},
+    {5, CSL_TCAM_ID_IACL_TCAM_IACL_320_IPV6_ALLIP_PV_KEY, true, &kIaclSet, kIacl320Ipv6AllipPvItems, kNone},
+    {7, CSL_TCAM_ID_IACL_TCAM_IACL_320_UDF_KEY, true, &kIaclSet, kIacl320UdfItems, kNone},
+    {8, CSL_TCAM_ID_IACL_TCAM_IACL_UCL_320_IPV4_KEY, true, &kIaclSet, kIaclUcl320Ipv4Items, kNone},
+    {9, CSL_TCAM_ID_IACL_TCAM_IACL_UCL_320_IPV6_KEY, true, &kIaclSet, kIaclUcl320Ipv6Items, kNone},
+    {11, CSL_TCAM_ID_IACL_TCAM_IACL_IPSG_V4_KEY, false, &kIpsgSet, kIaclIpsgV4Items, kNone},
+    {12, CSL_TCAM_ID_IACL_TCAM_IACL_IPSG_V6_KEY, false, &kIpsgSet, kIaclIpsgV6Items, kNone},
+    {14, CSL_TCAM_ID_EACL_TCAM_EACL_320_IPV4_KEY, false, &kEaclSet, kEacl320Ipv4Items, kNone},
+    {18, CSL_TCAM_ID_EACL_TCAM_EACL_320_IPV6_ALLIP_PV_KEY, false, &kEaclSet, kEacl320Ipv6AllipPvItems, kNone},
+    {21, CSL_TCAM_ID_CPACL_TCAM_CPACL_320_NORMAL_KEY, false, &kCpuaclSet, kCpacl320NormalItems, kNone},
+    {22, CSL_TCAM_ID_CPACL_TCAM_CPACL_320_IPV6_SIP_KEY, false, &kCpuaclSet, kCpacl320Ipv6SipItems, kNone},
+    {23, CSL_TCAM_ID_CPACL_TCAM_CPACL_320_IPV6_DIP_KEY, false, &kCpuaclSet, kCpacl320Ipv6DipItems, kNone},
+    {24, CSL_TCAM_ID_CPACL_TCAM_CPACL_320_IPV6_MAC_KEY, false, &kCpuaclSet, kCpacl320Ipv6MacItems, kNone},
+    {25, CSL_TCAM_ID_CPACL_TCAM_CPACL_320_IPV6_SEC_KEY, false, &kCpuaclSet, kCpacl320Ipv6SecItems, kNone},
+    {27, CSL_TCAM_ID_IPRO_TCAM_VLANACL_160_KEY, false, &kVaclSet, kVacl160Items, kNone},
+    {28, CSL_TCAM_ID_IPRO_TCAM_VLANACL_320_KEY, false, &kVaclSet, kVacl320Items, kNone},
+    {29, CSL_TCAM_ID_EPRO_TCAM_META_ACL_KEY, false, &kMaclSet, kMaclItems, kNone},
+    {30, CSL_TCAM_ID_IACL_TCAM_IACL_160_IPV4_KEY, true, &kIaclSet, kIacl160Ipv4Items, kNone},
+    {31, CSL_TCAM_ID_IACL_TCAM_IACL_160_L2_KEY, true, &kIaclSet, kIacl160L2Items, kNone},
 };
 constexpr u32 kTemplateCount = sizeof(kTemplates) / sizeof(kTemplates[0]);
 
@@ -346,6 +471,8 @@ struct RTemplate {
     const cib_tab_info *ad_tab;
     Field tid, subtid;
     u32 subtid_value, tid_value;
+    Field forced; // a field the template always sets
+    u32 forced_value, forced_mask;
     u32 item_count;
     RItem items[kItemsMax];
     u32 set; // index into the sets
@@ -509,6 +636,14 @@ i32 _template_resolve(u32 chip_id, const TemplateRow &row, RTemplate *out)
     out->subtid = Field{tags.subid_start, tags.subid_width};
     out->tid_value = tags.tid_value;
     out->subtid_value = tags.subid_value;
+    if (row.forced.field != nullptr) {
+        const i32 rc = _field(chip_id, out->key_tab, row.forced.field, &out->forced);
+        if (rc != 0) {
+            return rc;
+        }
+        out->forced_value = row.forced.value;
+        out->forced_mask = row.forced.mask;
+    }
     for (const ItemRow &it : row.items) {
         if (out->item_count == kItemsMax) {
             return _bad(chip_id, "item beyond the room of template", g_template_type_id_name[row.template_id]);
@@ -776,6 +911,8 @@ i32 dpl_atolreef_acl_template_entry_gen(u32 chip_id, const dpl_acl_entry *entry,
         _put(image->key, r.field, item->value);
         _put(image->mask, r.field, item->mask);
     }
+    _put(image->key, t->forced, t->forced_value);
+    _put(image->mask, t->forced, t->forced_mask);
     _put(image->ad, set.valid, 1);
     for (u32 i = 0; i < set.built; i++) {
         const RAction &a = set.actions[i];
