@@ -406,7 +406,8 @@ bool AclStage::run(Packet &p)
     }
     View v;
     bool parsed = false;
-    const Hit *best = nullptr;
+    // A copy: a later search may rehash the cache.
+    Hit best;
     uint32_t best_pri = 0;
     for (const Lookup &l : lookups) {
         if (l.type >= std::size(by_type_) || by_type_[l.type] < 0) {
@@ -426,14 +427,13 @@ bool AclStage::run(Packet &p)
         const uint32_t bitmap = pl_.reg(RegView{&lay.kind_reg, 1}) & enabled;
         const Hit &h = search(key, lay.bits, bitmap);
         // The higher priority wins; of equal ones the earlier lookup.
-        if (h.hit && (best == nullptr || l.pri > best_pri)) {
-            best = &h;
+        if (h.hit && (!best.hit || l.pri > best_pri)) {
+            best = h;
             best_pri = l.pri;
         }
     }
-    if (best != nullptr) {
-        const Hit h = *best; // the cache may change under a later search
-        apply(p, h);
+    if (best.hit) {
+        apply(p, best);
     }
     return p.forward;
 }

@@ -1,5 +1,5 @@
 // Test support of the ACL: a chip whose ACL runs in manual or automatic
-// block mode, groups and entries of the one built template (icap single,
+// block mode, groups and entries of the L2 template (icap single,
 // template 31 "icap-width-single-l2"), and the rows of the model decoded
 // as that template's key.
 #ifndef TIDE_TEST_ACL_FIXTURE_H
@@ -102,15 +102,16 @@ protected:
         up_chip(0);
     }
 
-    // An icap single group of `size` entries (a size in manual mode, the
-    // automatic flag in automatic mode).
-    uint32_t group(uint32_t size = 128)
+    // An icap group of `size` entries, single width unless `mode` says
+    // otherwise (a size in manual mode, the automatic flag in automatic
+    // mode).
+    uint32_t group(uint32_t size = 128, uint32_t mode = ACL_MODE_SINGLE)
     {
         uint32_t id = 0;
         EXPECT_EQ(acl_api_group_create(0, 0, &id), 0);
         acl_group_para p{};
         p.type = ACL_GROUP_ICAP;
-        p.mode = ACL_MODE_SINGLE;
+        p.mode = mode;
         p.entry_num = size;
         p.flags = automatic_ ? ACL_GROUP_FLAG_AUTO : ACL_GROUP_FLAG_SIZE;
         EXPECT_EQ(acl_api_group_set(0, id, &p), 0);

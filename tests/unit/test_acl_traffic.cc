@@ -42,19 +42,6 @@ protected:
         ASSERT_EQ(acl_api_template_config_set(0, &l), 0);
     }
 
-    uint32_t make_group(uint32_t mode)
-    {
-        uint32_t id = 0;
-        EXPECT_EQ(acl_api_group_create(0, 0, &id), 0);
-        acl_group_para p{};
-        p.type = ACL_GROUP_ICAP;
-        p.mode = mode;
-        p.entry_num = 128;
-        p.flags = ACL_GROUP_FLAG_SIZE;
-        EXPECT_EQ(acl_api_group_set(0, id, &p), 0);
-        return id;
-    }
-
     // An entry with items and actions, installed.
     uint32_t rule(uint32_t g, uint32_t priority, uint32_t template_id, uint32_t based,
                   std::initializer_list<acl_item> items, std::initializer_list<acl_item> actions)
@@ -78,7 +65,7 @@ protected:
 // lookup: it stops exactly the matching frames entering there.
 TEST_F(AclTraffic, ADropRuleOnAPortStopsExactlyItsFramesAndAPermitAboveLetsOneHostThrough)
 {
-    const uint32_t g = make_group(ACL_MODE_SINGLE);
+    const uint32_t g = group();
     lookup(ACL_BASE_PORT, kIn, 0, kTypeL2, 1);
     const uint32_t drop = rule(g, 20, kL2Template, ACL_BASED_PORT,
                                {{kMatchDmacLow, static_cast<uint32_t>(kHostB), ~0u},
@@ -103,7 +90,7 @@ TEST_F(AclTraffic, ADropRuleOnAPortStopsExactlyItsFramesAndAPermitAboveLetsOneHo
 
 TEST_F(AclTraffic, RedirectSendsOnlyToItsPortAndACopyReachesTheCpuWithItsCause)
 {
-    const uint32_t g = make_group(ACL_MODE_SINGLE);
+    const uint32_t g = group();
     lookup(ACL_BASE_GLOBAL, 0, 0, kTypeL2, 1);
     const uint32_t redirect = rule(g, 10, kL2Template, ACL_BASED_GLB,
                                    {{kMatchSmacLow, static_cast<uint32_t>(kHostA), ~0u}},
@@ -126,7 +113,7 @@ TEST_F(AclTraffic, RedirectSendsOnlyToItsPortAndACopyReachesTheCpuWithItsCause)
 // Of two lookups that both hit, the one of the higher priority decides.
 TEST_F(AclTraffic, OfTwoHitsTheLookupOfHigherPriorityDecides)
 {
-    const uint32_t g = make_group(ACL_MODE_SINGLE);
+    const uint32_t g = group();
     rule(g, 10, kL2Template, ACL_BASED_GLB, {{kMatchSmacLow, static_cast<uint32_t>(kHostA), ~0u}},
          {{kActionDrop, 0, 0}});
     rule(g, 11, kL2Template, ACL_BASED_PORT, {{kMatchSmacLow, static_cast<uint32_t>(kHostA), ~0u}},
@@ -146,7 +133,7 @@ TEST_F(AclTraffic, OfTwoHitsTheLookupOfHigherPriorityDecides)
 // field is forwarded.
 TEST_F(AclTraffic, EveryIngressTemplateHitsItsFrameAndMissesAOneBitDifference)
 {
-    const uint32_t single = make_group(ACL_MODE_SINGLE), dbl = make_group(ACL_MODE_DOUBLE);
+    const uint32_t single = group(), dbl = group(128, ACL_MODE_DOUBLE);
     Traffic t(0);
     for (const TemplateCase &c : template_cases()) {
         SCOPED_TRACE(c.name);
