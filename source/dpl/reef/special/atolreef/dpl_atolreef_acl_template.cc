@@ -58,7 +58,7 @@ struct ActionSetRow {
     const char *name;
     std::span<const char *const> actions; // the actions the set takes
     const char *ad_table;                 // the action table its fields lie in
-    std::span<const ActionRow> fields;    // how they build; empty: no builder yet
+    std::span<const ActionRow> fields;    // how they build
     const char *valid;                    // field always 1, or NULL
 };
 
