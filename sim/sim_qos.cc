@@ -226,7 +226,7 @@ void QosEngine::install()
     chip_.on_read_range(4, empty_.addr, empty_.addr + empty_.depth * empty_.words * 4,
                         [this](Chip &chip, uint32_t, uint32_t addr) {
                             const uint32_t port = (addr - empty_.addr) / (empty_.words * 4);
-                            chip.set_core_word(addr, never_empty_[port % kPorts] ? 0xFFu : 0u);
+                            chip.set_core_word(addr, port < kPorts && never_empty_[port] ? 0xFFu : 0u);
                         });
 }
 

@@ -463,3 +463,68 @@ TEST_F(Qos, ConfigurationOfAtolreef)
     EXPECT_EQ(i.cfg_pps_len, 2000u);
     EXPECT_EQ(e.cfg_pps_len, 2000u);
 }
+
+TEST_F(Qos, StatisticsAreAssembledFromTheirPartsAndCleared)
+{
+    u64 all[2] = {~0ull, ~0ull};
+    cib_qm_que_fwd_stat_tbl_t fwd{0x1234, 0x0ABCDEF, 0x9, 0x87654321};
+    ASSERT_EQ(csl_reef_cib_qm_que_fwd_stat_tbl_set(0, 0, 77, &fwd, all), 0);
+    qos_counter_key key{0, 0, 77, 0};
+    qos_counter_info info{};
+    ASSERT_EQ(qos_api_counter_info_get(0, 1, &key, &info), 0);
+    EXPECT_EQ(info.valid_mask, 9u);
+    EXPECT_EQ(info.byte_num, 0x0ABCDEFull + (0x1234ull << 28));
+    EXPECT_EQ(info.pkt_num, 0x87654321ull + (0x9ull << 32));
+    qos_clear_key clear{0, 77, 0};
+    ASSERT_EQ(qos_api_counter_status_clear(0, 2, &clear), 0);
+    ASSERT_EQ(qos_api_counter_info_get(0, 1, &key, &info), 0);
+    EXPECT_EQ(info.pkt_num + info.byte_num, 0u);
+
+    // The history watcher: the mode and mask of the type, then the length.
+    cib_qm_qm_que_dbg_t dbg{0x111, 0x222};
+    u8 m4[4] = {0xFF, 0xFF, 0xFF, 0xFF};
+    ASSERT_EQ(csl_reef_cib_qm_qm_que_dbg_set(0, 0, &dbg, m4), 0);
+    ASSERT_EQ(qos_api_counter_info_get(0, 16, &key, &info), 0);
+    EXPECT_EQ(info.cell_num, 0x222u) << "highest over all queues";
+    cib_qm_que_dbg_ctrl_t ctrl{};
+    ASSERT_EQ(csl_reef_cib_qm_que_dbg_ctrl_get(0, 0, &ctrl), 0);
+    EXPECT_EQ(ctrl.queue_dbg_mod_cfg, 0);
+    EXPECT_EQ(ctrl.queue_mask_cfg, 255);
+    key.lport = 9;
+    ASSERT_EQ(qos_api_counter_info_get(0, 14, &key, &info), 0);
+    EXPECT_EQ(info.cell_num, 0x111u) << "lowest of a port";
+    ASSERT_EQ(csl_reef_cib_qm_que_dbg_ctrl_get(0, 0, &ctrl), 0);
+    EXPECT_EQ(ctrl.queue_dbg_mod_cfg, 1);
+    EXPECT_EQ(ctrl.queue_mask_cfg, 0);
+    EXPECT_EQ(ctrl.queue_cfg, 9);
+
+    EXPECT_EQ(qos_api_counter_info_get(0, 4, &key, &info), -24);
+    EXPECT_EQ(qos_api_counter_info_get(0, 10, &key, &info), -24) << "the DP watcher is of chip types 1 and 2";
+    key.queue_id = 256;
+    EXPECT_EQ(qos_api_counter_info_get(0, 1, &key, &info), -4);
+    EXPECT_EQ(qos_api_counter_status_clear(0, 4, &clear), -24);
+    EXPECT_EQ(qos_api_counter_status_clear(0, 1, nullptr), -20);
+}
+
+TEST_F(Qos, PortStatusOfFlushAndEmptiness)
+{
+    qos_status_key key{6, 0, 0};
+    u32 st = 9;
+    ASSERT_EQ(qos_api_status_info_get(0, 10, &key, &st), 0);
+    EXPECT_EQ(st, 0u);
+    qos_flush_cfg f{QOS_FLUSH_PORT_CLOSE, 6, 0};
+    ASSERT_EQ(qos_api_flush_set(0, &f), 0);
+    ASSERT_EQ(qos_api_status_info_get(0, 10, &key, &st), 0);
+    EXPECT_EQ(st, 1u);
+    key.queue_id = 6;
+    ASSERT_EQ(qos_api_status_info_get(0, 0, &key, &st), 0);
+    EXPECT_EQ(st, 0u);
+    ASSERT_EQ(tide_sim_qos_never_empty_set(0, 6, 1), 0);
+    ASSERT_EQ(qos_api_status_info_get(0, 0, &key, &st), 0);
+    EXPECT_EQ(st, 1u);
+    EXPECT_EQ(qos_api_status_info_get(0, 1, &key, &st), -24) << "the port's own flag is of chip types 1 and 2";
+    EXPECT_EQ(qos_api_status_info_get(0, 2, &key, &st), -24) << "no back-pressure registers in this build";
+    key.queue_id = 256;
+    EXPECT_EQ(qos_api_status_info_get(0, 0, &key, &st), -4);
+    EXPECT_EQ(qos_api_status_info_get(0, 0, nullptr, &st), -20);
+}

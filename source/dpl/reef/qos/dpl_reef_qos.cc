@@ -839,6 +839,212 @@ i32 dpl_reef_qos_capture_causeid_get(u32 chip_id, u32 causeid_index, u32 *causei
     return rc != 0 ? rc : _capture_causeid(chip_id, causeid_index, causeid, false);
 }
 
+// ---- statistics and status ------------------------------------------------------------
+
+} // extern "C"
+
+namespace {
+
+
+// Modes of the history watcher: the mode and whether it spans every
+// member, by counter type (9 to 24); mode 8 marks a type without one.
+struct HisMode {
+    u8 mode;
+    u8 all;
+    bool max;
+};
+constexpr HisMode kHis[16] = {
+    {0, 0, true},  {2, 0, true},  {1, 0, true},  {3, 1, true},  {0, 0, false}, {1, 0, false},
+    {3, 1, false}, {0, 1, true},  {2, 1, true},  {1, 1, true},  {0, 1, false}, {1, 1, false},
+    {2, 1, true},  {2, 1, false}, {7, 1, true},  {7, 1, false},
+};
+constexpr u32 kHisFirst = 9, kHisLast = 24;
+
+i32 _his_read(u32 chip_id, u32 type, u32 key, u32 *cells)
+{
+    const HisMode &h = kHis[type - kHisFirst];
+    cib_qm_que_dbg_ctrl_t c{};
+    c.queue_cfg = static_cast<u8>(h.all ? 0 : key);
+    c.queue_dbg_mod_cfg = h.mode;
+    c.queue_mask_cfg = h.all ? 255 : 0;
+    u8 mask[4] = {};
+    for (u32 m : {cib_qm_que_dbg_ctrl__queue_cfg, cib_qm_que_dbg_ctrl__queue_dbg_mod_cfg,
+                  cib_qm_que_dbg_ctrl__queue_mask_cfg}) {
+        dpl_qos_mask_set(mask, m);
+    }
+    i32 rc = csl_reef_cib_qm_que_dbg_ctrl_set(chip_id, 0, &c, mask);
+    cib_qm_qm_que_dbg_t d{};
+    if (rc == 0) {
+        rc = csl_reef_cib_qm_qm_que_dbg_get(chip_id, 0, &d);
+    }
+    *cells = h.max ? d.que_max_len : d.que_min_len;
+    return _hw(chip_id, rc);
+}
+
+// The statistics row of a queue: bytes and packets assembled from their
+// two parts.
+template <typename R>
+void _stat_parts(const R &r, qos_counter_info *info)
+{
+    info->byte_num = r.byte_cnt_l28 + (u64{r.byte_cnt_h16} << 28);
+    info->pkt_num = r.pkt_cnt_l32 + (u64{r.pkt_cnt_h4} << 32);
+    info->valid_mask = QOS_COUNTER_VALID_PKT | QOS_COUNTER_VALID_BYTE;
+}
+
+i32 _counter_key_check(u32 chip_id, u32 type, const qos_counter_key *key)
+{
+    const dpl_reef_qos_cfg *q = g_qos_cfg[chip_id];
+    const bool by_queue = type <= 2 || type == 9 || type == 13;
+    const bool by_port = type == 3 || type == 11 || type == 14;
+    i32 rc = 0;
+    if (by_queue) {
+        rc = _range(chip_id, key->queue_id >= q->queue_num, "queue_id(%u), is out of range 0- %u !\n", key->queue_id,
+                    q->queue_num - 1);
+    }
+    if (rc == 0 && by_port) {
+        rc = _lport_check(chip_id, key->lport, "lport(%u), is out of range !\n");
+    }
+    if (rc == 0 && type == 10) {
+        rc = _range(chip_id, key->dpid >= q->dp_num, "dpid(%u), is out of range !\n", key->dpid, 0);
+    }
+    return rc;
+}
+
+} // namespace
+
+extern "C" {
+
+i32 dpl_reef_qos_counter_info_get(u32 chip_id, u32 type, qos_counter_key *key, qos_counter_info *info)
+{
+    i32 rc = _null(chip_id, key, "key is NULL !\n");
+    if (rc == 0) {
+        rc = _null(chip_id, info, "info is NULL !\n");
+    }
+    if (rc == 0) {
+        rc = _type_check(chip_id, DPL_QOS_FLAG_COUNTER, 25, type, "counter");
+    }
+    if (rc == 0) {
+        rc = _counter_key_check(chip_id, type, key);
+    }
+    if (rc != 0) {
+        return rc;
+    }
+    *info = qos_counter_info{};
+    QOS_LOCK(chip_id);
+    switch (type) {
+    case 0: {
+        // The packets of the queue's buffer; the description has no rows
+        // of the cell counts.
+        cib_qm_fbm_link_rdata_t r{};
+        rc = csl_reef_cib_qm_fbm_link_rdata_get(chip_id, 0, key->queue_id, &r);
+        info->pkt_num = r.data;
+        info->valid_mask = QOS_COUNTER_VALID_PKT;
+        return _hw(chip_id, rc);
+    }
+    case 1: {
+        cib_qm_que_fwd_stat_tbl_t r{};
+        rc = csl_reef_cib_qm_que_fwd_stat_tbl_get(chip_id, 0, key->queue_id, &r);
+        _stat_parts(r, info);
+        return _hw(chip_id, rc);
+    }
+    case 2: {
+        cib_qm_que_drop_stat_tbl_t r{};
+        rc = csl_reef_cib_qm_que_drop_stat_tbl_get(chip_id, 0, key->queue_id, &r);
+        _stat_parts(r, info);
+        return _hw(chip_id, rc);
+    }
+    case 3: {
+        cib_stat_oport_stat_result_tbl_t r{};
+        rc = csl_reef_cib_stat_oport_stat_result_tbl_get(chip_id, 0, key->lport, &r);
+        info->byte_num = r.oport_stat_result_byt_num;
+        info->pkt_num = r.oport_stat_result_pkt_num;
+        info->valid_mask = QOS_COUNTER_VALID_PKT | QOS_COUNTER_VALID_BYTE;
+        return _hw(chip_id, rc);
+    }
+    default: {
+        const u32 k = type == 10 ? key->dpid : (type == 11 || type == 14) ? key->lport : key->queue_id;
+        rc = _his_read(chip_id, type, k, &info->cell_num);
+        info->valid_mask = QOS_COUNTER_VALID_CELL;
+        return rc;
+    }
+    }
+}
+
+i32 dpl_reef_qos_counter_status_clear(u32 chip_id, u32 type, qos_clear_key *key)
+{
+    i32 rc = _null(chip_id, key, "clear_key is NULL !\n");
+    if (rc == 0) {
+        rc = _type_check(chip_id, DPL_QOS_FLAG_CLEAR, 6, type, "clear");
+    }
+    const qos_counter_key k{key != nullptr ? key->lport : 0, 0, key != nullptr ? key->queue_id : 0, 0};
+    if (rc == 0) {
+        rc = _counter_key_check(chip_id, type, &k);
+    }
+    if (rc != 0) {
+        return rc;
+    }
+    u64 all[2] = {~0ull, ~0ull};
+    QOS_LOCK(chip_id);
+    switch (type) {
+    case 1: {
+        cib_stat_oport_stat_result_tbl_t r{};
+        return _hw(chip_id, csl_reef_cib_stat_oport_stat_result_tbl_set(chip_id, 0, key->lport, &r, all));
+    }
+    case 2: {
+        cib_qm_que_fwd_stat_tbl_t r{};
+        return _hw(chip_id, csl_reef_cib_qm_que_fwd_stat_tbl_set(chip_id, 0, key->queue_id, &r, all));
+    }
+    case 3: {
+        cib_qm_que_drop_stat_tbl_t r{};
+        return _hw(chip_id, csl_reef_cib_qm_que_drop_stat_tbl_set(chip_id, 0, key->queue_id, &r, all));
+    }
+    case 5: {
+        cib_qm_qm_que_dbg_t r{};
+        u8 mask[4] = {0xFF, 0xFF, 0xFF, 0xFF};
+        return _hw(chip_id, csl_reef_cib_qm_qm_que_dbg_set(chip_id, 0, &r, mask));
+    }
+    default: // the module statistics of the queue manager
+        return csl_reef_not_in_build(chip_id, SHR_MOD_QOS, SHR_LOG_ERROR, "queue manager module statistics");
+    }
+}
+
+i32 dpl_reef_qos_status_info_get(u32 chip_id, u32 type, qos_status_key *key, u32 *status)
+{
+    if (key == nullptr || status == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "key(%p) or status_info(%p) is NULL !\n", static_cast<void *>(key),
+                    static_cast<void *>(status));
+        return SHR_E_NULL_PTR;
+    }
+    i32 rc = _type_check(chip_id, DPL_QOS_FLAG_STATUS, 11, type, "status");
+    const u32 queues = g_qos_cfg[chip_id]->queue_num;
+    if (rc == 0 && type == 0) {
+        rc = _range(chip_id, key->queue_id >= queues, "queue_id(%u), is out of range 0- %u !\n", key->queue_id,
+                    queues - 1);
+    }
+    if (rc == 0 && type == 10) {
+        rc = _lport_check(chip_id, key->lport, "lport(%u), is out of range !\n");
+    }
+    if (rc != 0) {
+        return rc;
+    }
+    QOS_LOCK(chip_id);
+    if (type == 0) {
+        cib_sch_que_empty_tbl_t r{};
+        rc = csl_reef_cib_sch_que_empty_tbl_get(chip_id, 0, key->queue_id, &r);
+        *status = r.data != 0;
+        return _hw(chip_id, rc);
+    }
+    if (type == 10) {
+        cib_qm_qm_port_flush_en_t r{};
+        rc = csl_reef_cib_qm_qm_port_flush_en_get(chip_id, key->lport >> 5, &r);
+        *status = (r.port_flush_en >> (key->lport & 31)) & 1u;
+        return _hw(chip_id, rc);
+    }
+    // Queue, back-pressure and link states: registers the description of
+    // this build does not name.
+    return csl_reef_not_in_build(chip_id, SHR_MOD_QOS, SHR_LOG_ERROR, "queue manager status registers");
+}
+
 // ---- the checks ----------------------------------------------------------------------
 
 static i32 _check_args(u32 chip_id, const qos_check_key *key, const void *out, u32 base, const char *what)
@@ -1063,8 +1269,9 @@ extern "C" const reef_qos_dispatch_t reef_qos_dispatch = {
     // family), discard controls (55, 56)
     nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
     nullptr, nullptr, nullptr, nullptr,
-    // counter_info_get, status_info_get, counter_status_clear: not yet
-    nullptr, nullptr, nullptr,
+    _hw_op<dpl_reef_qos_counter_info_get>,
+    _hw_op<dpl_reef_qos_status_info_get>,
+    _hw_op<dpl_reef_qos_counter_status_clear>,
     _hw_op<dpl_reef_qos_que_congestion_check>,
     _hw_op<dpl_reef_qos_que_bandwidth_cfg_zero_check>,
 };
