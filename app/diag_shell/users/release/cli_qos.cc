@@ -544,14 +544,20 @@ i32 cli_qos_priority_glb_set(u32 chip_id, u32, i32 argc, char **argv)
     return _failed("qos_api_ctrl_set", qos_api_ctrl_set(chip_id, QOS_CTRL_BA_TAG, v));
 }
 
-i32 cli_qos_priority_glb_show(u32 chip_id, u32, i32, char **)
+// One global switch with the words of its two values.
+i32 _ctrl_show(u32 chip_id, u32 type, const char *label, const char *off, const char *on)
 {
     u32 v = 0;
-    const i32 rc = _failed("qos_api_ctrl_get", qos_api_ctrl_get(chip_id, QOS_CTRL_BA_TAG, &v));
+    const i32 rc = _failed("qos_api_ctrl_get", qos_api_ctrl_get(chip_id, type, &v));
     if (rc == SHR_E_NONE) {
-        cli_output_show("pri-sel : %s\n", v ? "use-remarkd" : "use-original");
+        cli_output_show("%s : %s\n", label, v ? on : off);
     }
     return rc;
+}
+
+i32 cli_qos_priority_glb_show(u32 chip_id, u32, i32, char **)
+{
+    return _ctrl_show(chip_id, QOS_CTRL_BA_TAG, "pri-sel", "use-original", "use-remarkd");
 }
 
 // qos remark WORD intl-pri WORD color COLOR TYPE WORD (WORD|)
@@ -635,12 +641,7 @@ i32 cli_qos_remark_glb_set(u32 chip_id, u32, i32 argc, char **argv)
 
 i32 cli_qos_remark_glb_show(u32 chip_id, u32, i32, char **)
 {
-    u32 v = 0;
-    const i32 rc = _failed("qos_api_ctrl_get", qos_api_ctrl_get(chip_id, QOS_CTRL_PHB_PRI, &v));
-    if (rc == SHR_E_NONE) {
-        cli_output_show("priority : %s\n", v ? "remark-high" : "acl-high");
-    }
-    return rc;
+    return _ctrl_show(chip_id, QOS_CTRL_PHB_PRI, "priority", "acl-high", "remark-high");
 }
 
 // ---- flush, to-CPU enqueue, redirect, capture -------------------------------------------

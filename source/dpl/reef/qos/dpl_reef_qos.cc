@@ -687,9 +687,7 @@ i32 dpl_reef_qos_redirect_glb_set(u32 chip_id, qos_redirect_cfg *cfg)
     r.redir_cpu_flag = cfg->redir_flag == QOS_REDIR_TO_CPU;
     r.queid = static_cast<u8>(queue);
     u8 mask[4] = {};
-    for (u32 m : {cib_qm_redir_cfg__glb_redir_en, cib_qm_redir_cfg__redir_cpu_flag, cib_qm_redir_cfg__queid}) {
-        dpl_qos_mask_set(mask, m);
-    }
+    dpl_qos_mask_set(mask, {cib_qm_redir_cfg__glb_redir_en, cib_qm_redir_cfg__redir_cpu_flag, cib_qm_redir_cfg__queid});
     QOS_LOCK(chip_id);
     return _hw(chip_id, csl_reef_cib_qm_redir_cfg_set(chip_id, 0, &r, mask));
 }
@@ -775,10 +773,8 @@ i32 dpl_reef_qos_capture_set(u32 chip_id, qos_capture_cfg *cfg)
     r.cap_num = static_cast<u8>(cfg->cap_num);
     r.cap_qid = static_cast<u8>(cfg->queue_offset);
     u8 mask[4] = {};
-    for (u32 m : {cib_qm_pkt_cap_ctrl0__cap_en, cib_qm_pkt_cap_ctrl0__cap_pid, cib_qm_pkt_cap_ctrl0__cap_num,
-                  cib_qm_pkt_cap_ctrl0__cap_qid}) {
-        dpl_qos_mask_set(mask, m);
-    }
+    dpl_qos_mask_set(mask, {cib_qm_pkt_cap_ctrl0__cap_en, cib_qm_pkt_cap_ctrl0__cap_pid, cib_qm_pkt_cap_ctrl0__cap_num,
+                  cib_qm_pkt_cap_ctrl0__cap_qid});
     QOS_LOCK(chip_id);
     return _hw(chip_id, csl_reef_cib_qm_pkt_cap_ctrl0_set(chip_id, 0, &r, mask));
 }
@@ -868,10 +864,8 @@ i32 _his_read(u32 chip_id, u32 type, u32 key, u32 *cells)
     c.queue_dbg_mod_cfg = h.mode;
     c.queue_mask_cfg = h.all ? 255 : 0;
     u8 mask[4] = {};
-    for (u32 m : {cib_qm_que_dbg_ctrl__queue_cfg, cib_qm_que_dbg_ctrl__queue_dbg_mod_cfg,
-                  cib_qm_que_dbg_ctrl__queue_mask_cfg}) {
-        dpl_qos_mask_set(mask, m);
-    }
+    dpl_qos_mask_set(mask, {cib_qm_que_dbg_ctrl__queue_cfg, cib_qm_que_dbg_ctrl__queue_dbg_mod_cfg,
+                  cib_qm_que_dbg_ctrl__queue_mask_cfg});
     i32 rc = csl_reef_cib_qm_que_dbg_ctrl_set(chip_id, 0, &c, mask);
     cib_qm_qm_que_dbg_t d{};
     if (rc == 0) {

@@ -136,6 +136,8 @@ u64 dpl_reef_qos_units_rate(u32 bas, u32 exp, u32 rate_mode, u32 pps_len);
 #ifdef __cplusplus
 }
 
+#include <initializer_list>
+
 // The service's feature lock for the scope of a function.
 class QosLock {
 public:
@@ -160,6 +162,13 @@ template <size_t N, typename W>
 inline void dpl_qos_mask_set(W (&mask)[N], u32 member)
 {
     mask[member / (8 * sizeof(W))] |= static_cast<W>(W{1} << (member % (8 * sizeof(W))));
+}
+template <size_t N, typename W>
+inline void dpl_qos_mask_set(W (&mask)[N], std::initializer_list<u32> members)
+{
+    for (const u32 m : members) {
+        dpl_qos_mask_set(mask, m);
+    }
 }
 #endif
 

@@ -59,6 +59,39 @@ CarCfg _from_double(const R &r)
                   r.cburst_exp, r.cband_bas, r.cband_exp, r.cburst_bas, r.value, r.bps_type};
 }
 
+// The ingress and egress tables of a kind share one layout: an access
+// picks the table of the pair by the policer type, and converts the
+// record by `to` or `from`, generic over both.
+template <typename V, typename Rin, typename Rout, typename To>
+i32 _pair_set(u32 chip_id, u32 type, u32 id, const V &v, u64 *mask, int (*set_in)(u32, u32, u32, Rin *, u64 *),
+              int (*set_out)(u32, u32, u32, Rout *, u64 *), To to)
+{
+    if (type == QOS_POLICER_SPORT) {
+        Rin r{};
+        to(v, &r);
+        return set_in(chip_id, 0, id, &r, mask);
+    }
+    Rout r{};
+    to(v, &r);
+    return set_out(chip_id, 0, id, &r, mask);
+}
+
+template <typename V, typename Rin, typename Rout, typename From>
+i32 _pair_get(u32 chip_id, u32 type, u32 id, V *v, int (*get_in)(u32, u32, u32, Rin *),
+              int (*get_out)(u32, u32, u32, Rout *), From from)
+{
+    if (type == QOS_POLICER_SPORT) {
+        Rin r{};
+        const i32 rc = get_in(chip_id, 0, id, &r);
+        *v = from(r);
+        return rc;
+    }
+    Rout r{};
+    const i32 rc = get_out(chip_id, 0, id, &r);
+    *v = from(r);
+    return rc;
+}
+
 // The single-bucket table's member of a double-bucket field, or none.
 constexpr i32 kSingleMember[] = {cib_ecar_cause_id_car_cfg_tbl__valid, -1, -1,
                                  cib_ecar_cause_id_car_cfg_tbl__pband_bas, cib_ecar_cause_id_car_cfg_tbl__pband_exp,
@@ -81,34 +114,21 @@ i32 _cfg_write(u32 chip_id, u32 type, u32 id, const CarCfg &c, u32 bits)
         return csl_reef_cib_ecar_cause_id_car_cfg_tbl_set(chip_id, 0, id, &r, mask);
     }
     mask[0] = bits;
-    if (type == QOS_POLICER_SPORT) {
-        cib_icar_port_car_cfg_tbl_t r{};
-        _to_double(c, &r);
-        return csl_reef_cib_icar_port_car_cfg_tbl_set(chip_id, 0, id, &r, mask);
-    }
-    cib_ecar_port_car_cfg_tbl_t r{};
-    _to_double(c, &r);
-    return csl_reef_cib_ecar_port_car_cfg_tbl_set(chip_id, 0, id, &r, mask);
+    return _pair_set(chip_id, type, id, c, mask, csl_reef_cib_icar_port_car_cfg_tbl_set,
+                     csl_reef_cib_ecar_port_car_cfg_tbl_set, [](const CarCfg &v, auto *r) { _to_double(v, r); });
 }
 
 i32 _cfg_read(u32 chip_id, u32 type, u32 id, CarCfg *c)
 {
-    i32 rc = 0;
     if (type == QOS_POLICER_TOCPU_CAUSEID) {
         cib_ecar_cause_id_car_cfg_tbl_t r{};
-        rc = csl_reef_cib_ecar_cause_id_car_cfg_tbl_get(chip_id, 0, id, &r);
+        const i32 rc = csl_reef_cib_ecar_cause_id_car_cfg_tbl_get(chip_id, 0, id, &r);
         *c = CarCfg{r.valid, 0, 0, r.pband_bas, r.pband_exp, r.pburst_bas, r.pburst_exp, 0, 0, 0, 0, r.value,
                     r.bps_type};
-    } else if (type == QOS_POLICER_SPORT) {
-        cib_icar_port_car_cfg_tbl_t r{};
-        rc = csl_reef_cib_icar_port_car_cfg_tbl_get(chip_id, 0, id, &r);
-        *c = _from_double(r);
-    } else {
-        cib_ecar_port_car_cfg_tbl_t r{};
-        rc = csl_reef_cib_ecar_port_car_cfg_tbl_get(chip_id, 0, id, &r);
-        *c = _from_double(r);
+        return rc;
     }
-    return rc;
+    return _pair_get(chip_id, type, id, c, csl_reef_cib_icar_port_car_cfg_tbl_get,
+                     csl_reef_cib_ecar_port_car_cfg_tbl_get, [](const auto &r) { return _from_double(r); });
 }
 
 // The action table: three fields per colour, green first.
@@ -130,29 +150,14 @@ static_assert(cib_icar_port_car_action_tbl__yopr == 3 && cib_ecar_port_car_actio
 i32 _act_write(u32 chip_id, u32 type, u32 id, const ActCfg &a, u64 bits)
 {
     u64 mask[2] = {bits, 0};
-    if (type == QOS_POLICER_SPORT) {
-        cib_icar_port_car_action_tbl_t r{};
-        _to_act(a, &r);
-        return csl_reef_cib_icar_port_car_action_tbl_set(chip_id, 0, id, &r, mask);
-    }
-    cib_ecar_port_car_action_tbl_t r{};
-    _to_act(a, &r);
-    return csl_reef_cib_ecar_port_car_action_tbl_set(chip_id, 0, id, &r, mask);
+    return _pair_set(chip_id, type, id, a, mask, csl_reef_cib_icar_port_car_action_tbl_set,
+                     csl_reef_cib_ecar_port_car_action_tbl_set, [](const ActCfg &v, auto *r) { _to_act(v, r); });
 }
 
 i32 _act_read(u32 chip_id, u32 type, u32 id, ActCfg *a)
 {
-    i32 rc = 0;
-    if (type == QOS_POLICER_SPORT) {
-        cib_icar_port_car_action_tbl_t r{};
-        rc = csl_reef_cib_icar_port_car_action_tbl_get(chip_id, 0, id, &r);
-        *a = _from_act(r);
-    } else {
-        cib_ecar_port_car_action_tbl_t r{};
-        rc = csl_reef_cib_ecar_port_car_action_tbl_get(chip_id, 0, id, &r);
-        *a = _from_act(r);
-    }
-    return rc;
+    return _pair_get(chip_id, type, id, a, csl_reef_cib_icar_port_car_action_tbl_get,
+                     csl_reef_cib_ecar_port_car_action_tbl_get, [](const auto &r) { return _from_act(r); });
 }
 
 u32 _count(u32 chip_id, u32 type)
@@ -163,6 +168,16 @@ u32 _count(u32 chip_id, u32 type)
     return counts[type];
 }
 
+// The group policers of chip types 1 and 2 keep a shadow entry per
+// profile; no chip of this build has them.
+i32 _no_group(u32 chip_id, u32 type)
+{
+    return type == QOS_POLICER_SPORT_TOCPU_GROUP
+               ? csl_reef_not_in_build(chip_id, SHR_MOD_QOS, SHR_LOG_ERROR, "sport-tocpu-causeid-group policers")
+               : 0;
+}
+
+// The type must exist on the chip, and in this build.
 i32 _type_check(u32 chip_id, u32 type)
 {
     if (dpl_reef_chip_flag_get(chip_id, DPL_QOS_FLAG_POLICER, kTypes, type) == 0) {
@@ -170,7 +185,7 @@ i32 _type_check(u32 chip_id, u32 type)
                     type);
         return SHR_E_NOT_SUPPORT;
     }
-    return 0;
+    return _no_group(chip_id, type);
 }
 
 // Type, then id below the type's count.
@@ -348,14 +363,27 @@ i32 _hw(u32 chip_id, i32 rc)
     return rc;
 }
 
-// The group policers of chip types 1 and 2 keep a shadow entry per
-// profile; no chip of this build has them.
-i32 _no_group(u32 chip_id, u32 type)
+// -7 with a line when the profile does not exist; under the lock.
+i32 _created(u32 chip_id, u32 type, u32 id)
 {
-    return type == QOS_POLICER_SPORT_TOCPU_GROUP
-               ? csl_reef_not_in_build(chip_id, SHR_MOD_QOS, SHR_LOG_ERROR, "sport-tocpu-causeid-group policers")
-               : 0;
+    if (_find(chip_id, type, id) == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Policer not created type(%d), id(%u)\n", (int)type, id);
+        return SHR_E_NOT_FOUND;
+    }
+    return 0;
 }
+
+// The type and id of an action call; only the port types have actions.
+i32 _action_check(u32 chip_id, u32 type, u32 id)
+{
+    const i32 rc = _type_id_check(chip_id, type, id, "policer id(%u) is out of range 0-%u \n");
+    if (rc == 0 && !_double(type)) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Not support policer type(%d) !\n", (int)type);
+        return SHR_E_NOT_SUPPORT;
+    }
+    return rc;
+}
+
 
 } // namespace
 
@@ -451,9 +479,6 @@ i32 dpl_reef_qos_policer_create(u32 chip_id, u32 with_id, u32 type, u32 *id)
         return SHR_E_NULL_PTR;
     }
     i32 rc = _type_check(chip_id, type);
-    if (rc == 0) {
-        rc = _no_group(chip_id, type);
-    }
     if (rc != 0) {
         return rc;
     }
@@ -515,9 +540,6 @@ i32 dpl_reef_qos_policer_create(u32 chip_id, u32 with_id, u32 type, u32 *id)
 i32 dpl_reef_qos_policer_destroy(u32 chip_id, u32 type, u32 id)
 {
     i32 rc = _type_id_check(chip_id, type, id, "policer id(%u) is out of range 0-%u \n");
-    if (rc == 0) {
-        rc = _no_group(chip_id, type);
-    }
     if (rc != 0) {
         return rc;
     }
@@ -570,18 +592,14 @@ i32 dpl_reef_qos_policer_set(u32 chip_id, u32 type, u32 id, qos_policer_cfg *cfg
     }
     i32 rc = _type_id_check(chip_id, type, id, "policer id(%u) is out of range 0-%u \n");
     if (rc == 0) {
-        rc = _no_group(chip_id, type);
-    }
-    if (rc == 0) {
         rc = _param_check(chip_id, type, cfg);
     }
     if (rc != 0) {
         return rc;
     }
     QOS_LOCK(chip_id);
-    if (_find(chip_id, type, id) == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Policer not created type(%d), id(%u)\n", (int)type, id);
-        return SHR_E_NOT_FOUND;
+    if (rc = _created(chip_id, type, id); rc != 0) {
+        return rc;
     }
     const u32 len = _pps_len(chip_id, type);
     const bool dbl = _double(type);
@@ -626,16 +644,12 @@ i32 dpl_reef_qos_policer_get(u32 chip_id, u32 type, u32 id, qos_policer_cfg *cfg
         return SHR_E_NULL_PTR;
     }
     i32 rc = _type_id_check(chip_id, type, id, "policer id(%u) is out of range 0-%u \n");
-    if (rc == 0) {
-        rc = _no_group(chip_id, type);
-    }
     if (rc != 0) {
         return rc;
     }
     QOS_LOCK(chip_id);
-    if (_find(chip_id, type, id) == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Policer not created type(%d), id(%u)\n", (int)type, id);
-        return SHR_E_NOT_FOUND;
+    if (rc = _created(chip_id, type, id); rc != 0) {
+        return rc;
     }
     CarCfg c{};
     rc = _cfg_read(chip_id, type, id, &c);
@@ -665,13 +679,9 @@ i32 dpl_reef_qos_policer_action_set(u32 chip_id, u32 type, u32 id, qos_policer_a
         SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "action is NULL !\n");
         return SHR_E_NULL_PTR;
     }
-    i32 rc = _type_id_check(chip_id, type, id, "policer id(%u) is out of range 0-%u \n");
+    i32 rc = _action_check(chip_id, type, id);
     if (rc != 0) {
         return rc;
-    }
-    if (!_double(type)) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Not support policer type(%d) !\n", (int)type);
-        return SHR_E_NOT_SUPPORT;
     }
     const u32 a = act->action;
     if (a > QOS_POLICER_ACT_NEW_INTL_PRI_COLOR) {
@@ -693,9 +703,8 @@ i32 dpl_reef_qos_policer_action_set(u32 chip_id, u32 type, u32 id, qos_policer_a
         return SHR_E_PARAM;
     }
     QOS_LOCK(chip_id);
-    if (_find(chip_id, type, id) == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Policer not created type(%d), id(%u)\n", (int)type, id);
-        return SHR_E_NOT_FOUND;
+    if (rc = _created(chip_id, type, id); rc != 0) {
+        return rc;
     }
     ActCfg v{};
     const u32 k = act->color;
@@ -711,18 +720,13 @@ i32 dpl_reef_qos_policer_action_get(u32 chip_id, u32 type, u32 id, qos_policer_a
         SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "action is NULL !\n");
         return SHR_E_NULL_PTR;
     }
-    i32 rc = _type_id_check(chip_id, type, id, "policer id(%u) is out of range 0-%u \n");
+    i32 rc = _action_check(chip_id, type, id);
     if (rc != 0) {
         return rc;
     }
-    if (!_double(type)) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Not support policer type(%d) !\n", (int)type);
-        return SHR_E_NOT_SUPPORT;
-    }
     QOS_LOCK(chip_id);
-    if (_find(chip_id, type, id) == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "Policer not created type(%d), id(%u)\n", (int)type, id);
-        return SHR_E_NOT_FOUND;
+    if (rc = _created(chip_id, type, id); rc != 0) {
+        return rc;
     }
     ActCfg v{};
     rc = _act_read(chip_id, type, id, &v);
@@ -737,9 +741,6 @@ i32 dpl_reef_qos_policer_action_get(u32 chip_id, u32 type, u32 id, qos_policer_a
 i32 dpl_reef_qos_policer_bind(u32 chip_id, qos_bind_info *info)
 {
     i32 rc = _bind_param_check(chip_id, info);
-    if (rc == 0) {
-        rc = _no_group(chip_id, info->type);
-    }
     if (rc != 0) {
         return rc;
     }
@@ -755,9 +756,6 @@ i32 dpl_reef_qos_policer_bind(u32 chip_id, qos_bind_info *info)
 i32 dpl_reef_qos_policer_unbind(u32 chip_id, qos_bind_info *info)
 {
     i32 rc = _bind_param_check(chip_id, info);
-    if (rc == 0) {
-        rc = _no_group(chip_id, info->type);
-    }
     if (rc != 0) {
         return rc;
     }
@@ -768,9 +766,6 @@ i32 dpl_reef_qos_policer_unbind(u32 chip_id, qos_bind_info *info)
 i32 dpl_reef_qos_policer_bind_get(u32 chip_id, qos_bind_info *info)
 {
     i32 rc = _bind_param_check(chip_id, info);
-    if (rc == 0) {
-        rc = _no_group(chip_id, info->type);
-    }
     if (rc != 0) {
         return rc;
     }

@@ -58,6 +58,10 @@ extern "C" {
 
 i32 dpl_atolreef_qos_ba_index(u32 chip_id, u32 type, u32 map_id, const qos_map_cfg *cfg, u32 *entry, u32 *pair)
 {
+    if (cfg == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "map_cfg is NULL \n");
+        return SHR_E_NULL_PTR;
+    }
     if (map_id > QOS_MAP_ID_MAX) {
         return _bad(chip_id, "map_id(%u) is out of range 0-%u !\n", map_id, QOS_MAP_ID_MAX);
     }
@@ -98,10 +102,6 @@ i32 dpl_atolreef_qos_ba_index(u32 chip_id, u32 type, u32 map_id, const qos_map_c
 
 i32 dpl_atolreef_qos_priority_map_set(u32 chip_id, u32 type, u32 map_id, qos_map_cfg *cfg)
 {
-    if (cfg == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "map_cfg is NULL \n");
-        return SHR_E_NULL_PTR;
-    }
     u32 entry = 0, pair = 0;
     i32 rc = dpl_atolreef_qos_ba_index(chip_id, type, map_id, cfg, &entry, &pair);
     if (rc != 0) {
@@ -129,10 +129,6 @@ i32 dpl_atolreef_qos_priority_map_set(u32 chip_id, u32 type, u32 map_id, qos_map
 
 i32 dpl_atolreef_qos_priority_map_get(u32 chip_id, u32 type, u32 map_id, qos_map_cfg *cfg)
 {
-    if (cfg == nullptr) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_QOS, "map_cfg is NULL \n");
-        return SHR_E_NULL_PTR;
-    }
     u32 entry = 0, pair = 0;
     i32 rc = dpl_atolreef_qos_ba_index(chip_id, type, map_id, cfg, &entry, &pair);
     if (rc != 0) {

@@ -18,8 +18,9 @@ i32 dpl_atolreef_qos_priority_map_set(u32 chip_id, u32 type, u32 map_id, qos_map
 i32 dpl_atolreef_qos_priority_map_get(u32 chip_id, u32 type, u32 map_id, qos_map_cfg *cfg);
 i32 dpl_atolreef_qos_hw_init(u32 chip_id);
 
-/* Entry of icar_ba_tbl and pair in it of a map key; -4 or -24 (with a
- * line) for a key out of range or a type the table does not have. */
+/* Entry of icar_ba_tbl and pair in it of a map key; -20 for NULL, -4 or
+ * -24 (with a line) for a key out of range or a type the table does not
+ * have. */
 i32 dpl_atolreef_qos_ba_index(u32 chip_id, u32 type, u32 map_id, const qos_map_cfg *cfg, u32 *entry, u32 *pair);
 
 #ifdef __cplusplus
