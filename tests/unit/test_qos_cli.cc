@@ -4,6 +4,7 @@
 #include <tide/cli.h>
 #include <tide/qos.h>
 
+#include "atolreef_cib.h"
 #include "support/mode_cli.h"
 
 namespace {
@@ -131,8 +132,37 @@ TEST_F(QosCli, MapsRemarkAndTheQueuesOfTheCpu)
     EXPECT_TRUE(said("capture      : start")) << out_;
     EXPECT_TRUE(said("num          : 15")) << out_;
     ASSERT_EQ(run("qos flush ports 4,6"), 0) << out_;
+    qos_flush_cfg closing{QOS_FLUSH_PORT_CLOSE, 5, 0};
     ASSERT_EQ(run("show qos band-zero-check queues 8-9"), 0) << out_;
     EXPECT_TRUE(said("queue 9     : ok")) << out_;
+    ASSERT_EQ(run("show qos status port-flush"), 0) << out_;
+    EXPECT_FALSE(said("port 4")) << out_ << "a full flush opens the port again";
+    ASSERT_EQ(qos_api_flush_set(0, &closing), 0);
+    ASSERT_EQ(run("show qos status port-flush"), 0) << out_;
+    EXPECT_TRUE(said("port 5      : port-flush")) << out_;
+    EXPECT_EQ(run("show qos status backpressure"), -24) << out_;
+}
+
+TEST_F(QosCli, CountersShownAndCleared)
+{
+    u64 all[2] = {~0ull, ~0ull};
+    cib_qm_que_drop_stat_tbl_t drop{0, 3000, 0, 3};
+    ASSERT_EQ(csl_reef_cib_qm_que_drop_stat_tbl_set(0, 0, 42, &drop, all), 0);
+    ASSERT_EQ(run("show qos cnt fwd-drop queues 42 clear"), 0) << out_;
+    EXPECT_TRUE(said("dropped    42     packets 3")) << out_;
+    qos_counter_key key{0, 0, 42, 0};
+    qos_counter_info info{};
+    ASSERT_EQ(qos_api_counter_info_get(0, 2, &key, &info), 0);
+    EXPECT_EQ(info.pkt_num, 0u) << "cleared";
+    cib_qm_qm_que_dbg_t dbg{7, 99};
+    u8 m4[4] = {0xFF, 0xFF, 0xFF, 0xFF};
+    ASSERT_EQ(csl_reef_cib_qm_qm_que_dbg_set(0, 0, &dbg, m4), 0);
+    ASSERT_EQ(run("show qos cnt his-min-max queue 3"), 0) << out_;
+    EXPECT_TRUE(said("highest    3      cells 99")) << out_;
+    EXPECT_TRUE(said("lowest     3      cells 7")) << out_;
+    ASSERT_EQ(run("show qos cnt fwd-drop ports 2"), 0) << out_;
+    EXPECT_TRUE(said("port-out")) << out_;
+    EXPECT_EQ(run("show qos cnt his-min-max dpid 1"), -24) << out_;
 }
 
 } // namespace

@@ -873,6 +873,156 @@ i32 cli_qos_capture_show(u32 chip_id, u32, i32, char **)
     return rc;
 }
 
+// ---- statistics and status ---------------------------------------------------------------
+
+// One counter of a key, printed as "<what> <id> : packets bytes" or as a
+// cell count.
+i32 _cnt_line(u32 chip_id, u32 type, const char *what, u32 id, qos_counter_key key)
+{
+    qos_counter_info i{};
+    const i32 rc = _failed("qos_api_counter_info_get", qos_api_counter_info_get(chip_id, type, &key, &i));
+    if (rc != SHR_E_NONE) {
+        return rc;
+    }
+    if (i.valid_mask & QOS_COUNTER_VALID_CELL) {
+        cli_output_show("%-10s %-6u cells %u\n", what, id, i.cell_num);
+    } else {
+        cli_output_show("%-10s %-6u packets %-14lu bytes %lu\n", what, id, (unsigned long)i.pkt_num,
+                        (unsigned long)i.byte_num);
+    }
+    return SHR_E_NONE;
+}
+
+i32 _clear(u32 chip_id, u32 type, qos_clear_key key)
+{
+    return _failed("qos_api_counter_status_clear", qos_api_counter_status_clear(chip_id, type, &key));
+}
+
+// The history watcher's types of a member word: highest and lowest of one
+// member, and of all members; 0 for none.
+struct HisWords {
+    const char *word;
+    u32 one_max, one_min, all_max, all_min;
+};
+constexpr HisWords k_his[] = {{"queue", 9, 13, 16, 19},  {"port", 11, 14, 18, 20},   {"dpid", 10, 0, 17, 0},
+                              {"glb-mc", 0, 0, 21, 22}, {"glb-share", 0, 0, 12, 15}, {"fbm-left", 0, 0, 23, 24}};
+
+i32 _his_show(u32 chip_id, i32 argc, char **argv)
+{
+    const HisWords *h = nullptr;
+    for (const HisWords &w : k_his) {
+        h = _is(argv[1], w.word) ? &w : h;
+    }
+    if (h == nullptr) {
+        return _bad_word(argv[1]);
+    }
+    const bool one = argc > 2 && !_is(argv[2], "all") && !_is(argv[2], "clear");
+    const u32 types[2] = {one ? h->one_max : h->all_max, one ? h->one_min : h->all_min};
+    u32 id = 0;
+    if (one && _u32(argv[2], &id) != SHR_E_NONE) {
+        return SHR_E_PARAM;
+    }
+    const qos_counter_key key{id, id, id, 0};
+    i32 rc = SHR_E_NONE;
+    for (u32 k = 0; k < 2 && rc == SHR_E_NONE; k++) {
+        if (types[k] != 0) {
+            rc = _cnt_line(chip_id, types[k], k == 0 ? "highest" : "lowest", id, key);
+        }
+    }
+    if (rc == SHR_E_NONE && _is(argv[argc - 1], "clear")) {
+        rc = _clear(chip_id, 5, qos_clear_key{});
+    }
+    return rc;
+}
+
+// show qos cnt (queues-not-empty (WORD|all) | fwd-drop (ports WORD | queues WORD) | his-min-max (...)) (clear|)
+i32 cli_qos_counter_show(u32 chip_id, u32, i32 argc, char **argv)
+{
+    if (argc < 2) {
+        return _bad_argc();
+    }
+    const bool clear = _is(argv[argc - 1], "clear");
+    if (_is(argv[0], "his-min-max")) {
+        return _his_show(chip_id, argc, argv);
+    }
+    if (_is(argv[0], "queues-not-empty")) {
+        auto one = [&](u32 q) -> i32 {
+            qos_counter_key key{0, 0, q, 0};
+            qos_counter_info i{};
+            const i32 rc = _failed("qos_api_counter_info_get", qos_api_counter_info_get(chip_id, 0, &key, &i));
+            if (rc == SHR_E_NONE && i.pkt_num != 0) {
+                cli_output_show("queue %-6u packets %lu\n", q, (unsigned long)i.pkt_num);
+            }
+            return rc;
+        };
+        if (!_is(argv[1], "all")) {
+            return _ids(argv[1], one);
+        }
+        i32 rc = SHR_E_NONE;
+        for (u32 q = 0; q < 256 && rc == SHR_E_NONE; q++) {
+            rc = one(q);
+        }
+        return rc;
+    }
+    if (argc < 3) {
+        return _bad_argc();
+    }
+    if (_is(argv[1], "queues")) {
+        return _ids(argv[2], [&](u32 q) -> i32 {
+            const qos_counter_key key{0, 0, q, 0};
+            i32 rc = _cnt_line(chip_id, 1, "forwarded", q, key);
+            if (rc == SHR_E_NONE) {
+                rc = _cnt_line(chip_id, 2, "dropped", q, key);
+            }
+            if (rc == SHR_E_NONE && clear) {
+                rc = _clear(chip_id, 2, qos_clear_key{0, q, 0});
+            }
+            return rc == SHR_E_NONE && clear ? _clear(chip_id, 3, qos_clear_key{0, q, 0}) : rc;
+        });
+    }
+    return cli_pport_list_walk(chip_id, argv[2], [&](u32 lport, const char *) -> i32 {
+        const i32 rc = _cnt_line(chip_id, 3, "port-out", lport, qos_counter_key{lport, 0, 0, 0});
+        return rc == SHR_E_NONE && clear ? _clear(chip_id, 1, qos_clear_key{lport, 0, 0}) : rc;
+    });
+}
+
+// show qos status (port-not-empty | queue-not-empty | backpressure | ram-share-mode | port-flush)
+i32 cli_qos_status_show(u32 chip_id, u32, i32 argc, char **argv)
+{
+    if (argc < 1) {
+        return _bad_argc();
+    }
+    if (_is(argv[0], "ram-share-mode")) {
+        return _ctrl_show(chip_id, QOS_CTRL_FBM_SHARE_RAM, "ram-share-mode", "0", "1");
+    }
+    const bool queues = _is(argv[0], "queue-not-empty");
+    const u32 type = queues ? 0 : _is(argv[0], "port-flush") ? 10 : _is(argv[0], "port-not-empty") ? 1 : 2;
+    auto one = [&](u32 id, const char *name) -> i32 {
+        qos_status_key key{id, id, 0};
+        u32 st = 0;
+        const i32 rc = _failed("qos_api_status_info_get", qos_api_status_info_get(chip_id, type, &key, &st));
+        if (rc == SHR_E_NONE && st != 0) {
+            cli_output_show("%s %-6s : %s\n", queues ? "queue" : "port", name, argv[0]);
+        }
+        return rc;
+    };
+    i32 rc = SHR_E_NONE;
+    char name[CLI_PPORT_SIZE] = "";
+    if (queues) {
+        for (u32 q = 0; q < 256 && rc == SHR_E_NONE; q++) {
+            snprintf(name, sizeof(name), "%u", q);
+            rc = one(q, name);
+        }
+        return rc;
+    }
+    u32 lport = 0;
+    for (i32 prev = -1; rc == SHR_E_NONE && cli_port_list_next_lport_get(chip_id, 0, prev, &lport, name) == 0;
+         prev = static_cast<i32>(lport)) {
+        rc = one(lport, name);
+    }
+    return rc;
+}
+
 // ---- checks ------------------------------------------------------------------------------
 
 // show qos congestion queue WORD
@@ -997,6 +1147,13 @@ const char *const k_help_que_congestion_show[] = {"Show", "Quality of service", 
 const char *const k_help_que_band_zero_show[] = {"Show", "Quality of service", "Shapers with nothing to give",
     "Queues", "Value", nullptr};
 
+const char *const k_help_counter_show[] = {"Show", "Quality of service", "Counters", "Packets held by queues",
+    "Queue ids", "All queues", "Forwarded and dropped", "Ports", "Ports", "Queues", "Queue ids",
+    "Highest and lowest cell counts", "Queue", "Queue id", "All queues", "Port", "Port", "All ports", "DP", "DP id",
+    "All DPs", "Global multicast", "Global share pool", "Free buffers", "Clear what was shown", nullptr};
+const char *const k_help_status_show[] = {"Show", "Quality of service", "Status", "Ports not empty",
+    "Queues not empty", "Back-pressure", "Shared RAM mode", "Ports closed by flush", nullptr};
+
 #define POLICER_TYPES "(sport | dport | sport-tocpu-causeid-group | tocpu-causeid)"
 #define COLORS "(green | yellow | red)"
 cli_cmd_desc g_qos_desc[] = {
@@ -1056,6 +1213,11 @@ cli_cmd_desc g_qos_desc[] = {
      "snooping-drop (enable | disable) | time-en (enable | disable) )",
      -1, cli_qos_tocpu_enqueue_cfg_set, k_help_tocpu_enqueue_cfg_set, 0},
     {"show qos tocpu-enqueue-cfg cpu-causeids WORD", -1, cli_qos_tocpu_enqueue_cfg_show, k_help_tocpu_enqueue_cfg_show, 0},
+    {"show qos cnt ( queues-not-empty (WORD|all) | fwd-drop (ports WORD | queues WORD) | his-min-max ( queue "
+     "(WORD |all ) | port (WORD | all) | dpid (WORD | all) | glb-mc | glb-share | fbm-left )) (clear|)",
+     -1, cli_qos_counter_show, k_help_counter_show, 0},
+    {"show qos status (port-not-empty | queue-not-empty | backpressure | ram-share-mode | port-flush)", -1,
+     cli_qos_status_show, k_help_status_show, 0},
     {"show qos congestion queue WORD", -1, cli_qos_que_congestion_show, k_help_que_congestion_show, 0},
     {"show qos band-zero-check queues WORD", -1, cli_qos_que_band_zero_show, k_help_que_band_zero_show, 0},
 };
