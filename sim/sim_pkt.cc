@@ -2,6 +2,7 @@
 // packet, the copies, the capture queues, the model's clock and aging, and
 // the capture file.
 #include "sim/sim_pkt.h"
+#include "sim/sim_qos.h"
 
 #include <cstring>
 #include <string>
@@ -250,10 +251,8 @@ void Pipeline::read(const TableView &tv, uint32_t index, uint32_t *words) const
     }
 }
 
-namespace {
-
 // One packet of `bytes` more in a statistics entry of two counts.
-void _count(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, FieldRef bytes, uint32_t n)
+void count_entry(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, FieldRef bytes, uint32_t n)
 {
     if (entry >= tv.depth) {
         return;
@@ -270,16 +269,14 @@ void _count(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, Fiel
     }
 }
 
-} // namespace
-
 void Pipeline::count_cause(uint32_t entry, uint32_t bytes)
 {
-    _count(chip_, t.stat, entry, stat_pkts, stat_bytes, bytes);
+    count_entry(chip_, t.stat, entry, stat_pkts, stat_bytes, bytes);
 }
 
 void Pipeline::count_mgid(uint32_t mrt, uint32_t bytes)
 {
-    _count(chip_, t.mgid_stat, mrt, mgid_pkts, mgid_bytes, bytes);
+    count_entry(chip_, t.mgid_stat, mrt, mgid_pkts, mgid_bytes, bytes);
 }
 
 uint32_t Pipeline::move_priority(uint32_t port) const
@@ -320,9 +317,14 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
     if (pcap_ != nullptr) {
         pcap_->frame(port, true, now_ms_ * kMsPerSecond, frame, len, note);
     }
-    if (p.to_cpu) {
+    uint32_t queue = 0, to = 0;
+    if (p.dropped && qos().redirect(*this, p, &to, &queue)) {
+        // The cause redirects what it drops to one queue of the chip.
+        send(to, frame, len, port, to == kCpuPort ? p.drop_cause : TIDE_SIM_CAUSE_NONE, queue);
+    }
+    if (p.to_cpu && qos().cpu_copy(*this, p, &queue)) {
         count_cause(kCpuCauseBase + p.cpu_cause, wire);
-        send(kCpuPort, frame, len, port, p.cpu_cause);
+        send(kCpuPort, frame, len, port, p.cpu_cause, queue);
     }
     if (!p.forward) {
         return;
@@ -347,7 +349,12 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
     }
 }
 
-void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause)
+QosEngine &Pipeline::qos()
+{
+    return *chip_.qos;
+}
+
+void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause, uint32_t queue)
 {
     PortState &out = ports_[port];
     out.stats.tx_frames++;
@@ -379,6 +386,7 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     f.src_port = src;
     f.cause = cause;
     f.time_ms = now_ms_;
+    f.queue = queue;
 }
 
 // ---- what left the chip ------------------------------------------------------
@@ -407,7 +415,7 @@ int Pipeline::peek(uint32_t port, uint32_t index, uint8_t *buf, uint32_t size, t
     }
     const SentFrame &f = q[index];
     if (info != nullptr) {
-        *info = tide_sim_frame_info{static_cast<uint32_t>(f.bytes.size()), f.src_port, f.cause, f.time_ms};
+        *info = tide_sim_frame_info{static_cast<uint32_t>(f.bytes.size()), f.src_port, f.cause, f.time_ms, f.queue};
     }
     if (buf != nullptr) {
         memcpy(buf, f.bytes.data(), f.bytes.size() < size ? f.bytes.size() : size);

@@ -7,8 +7,7 @@
 // survive the ingress stages run the egress stages one by one and land in
 // the capture queue of their port, where a test or an operator reads them.
 //
-// Later stages (translation, ACL, replication, mirror, QoS, counters,
-// trace) slot into the two stage lists of sim_pkt_stages.cc.
+// Later stages (translation, ACL, mirror, counters, trace) slot into the two stage lists of sim_pkt_stages.cc.
 #ifndef TIDE_SIM_PKT_H
 #define TIDE_SIM_PKT_H
 
@@ -29,6 +28,7 @@ namespace tide::sim {
 class Chip;
 class MccEngine;
 class PcapWriter;
+class QosEngine;
 
 // Causes the packet path gives.  Forward and drop causes count in entries
 // 0 to 1023 of the cause statistics, to-CPU causes in 1024 + cause.
@@ -121,6 +121,10 @@ struct Packet {
     uint32_t ivlan[kMaxEntryWords] = {};
     uint32_t members = 0; // ingress members of the VLAN
 
+    // QoS: the internal priority and colour (0 green, 1 yellow, 2 red).
+    uint32_t intl_pri = 0;
+    uint32_t color = 0;
+
     // ARL.
     DaKind da = DaKind::kUnicast;
     bool da_hit = false;
@@ -169,6 +173,7 @@ struct SentFrame {
     uint32_t src_port = 0;
     uint32_t cause = TIDE_SIM_CAUSE_NONE;
     uint64_t time_ms = 0;
+    uint32_t queue = 0;
 };
 
 // One copy on its way through the egress stages.
@@ -178,6 +183,10 @@ struct EgressCopy {
     bool untag = false;
     const uint32_t *elb = nullptr;         // the egress edit of a replicated copy
     std::vector<uint8_t> *frame = nullptr; // built by EPRO, sent by MAC TX
+    // QoS of the copy after the egress policer, and its queue.
+    uint32_t intl_pri = 0;
+    uint32_t color = 0;
+    uint32_t queue = 0;
 };
 
 class Pipeline;
@@ -199,6 +208,9 @@ struct TableView {
     uint32_t depth = 0;
     bool ok() const { return words != 0; }
 };
+
+// One packet of `n` bytes more in a statistics entry of two counts.
+void count_entry(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, FieldRef bytes, uint32_t n);
 
 // A register and its instances.
 struct RegView {
@@ -298,7 +310,8 @@ private:
 public:
     // MAC TX: the frame leaves `port` into the pcap and into its TAP, or
     // its capture queue when the port is not bound.
-    void send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause);
+    void send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause, uint32_t queue = 0);
+    QosEngine &qos();
 };
 
 } // namespace tide::sim

@@ -1,13 +1,14 @@
 // The stages of the packet path, in the chip's order.
 //
 // Ingress: RSM (length checks), TTI (tags), IPRO (port and VLAN rows),
-// ARL (learning, moves, the destination lookup and flooding), MCC (the copy
+// ICAR (internal priority and colour, source port policer), ARL (learning, moves, the destination lookup and flooding), MCC (the copy
 // list).  Egress, per copy: EPRO (port row, egress controls, VLAN check,
-// tag edit), QM (port flush), MAC TX (padding, delivery).
+// tag edit), ECAR (destination port policer, queue, remark), QM (port flush), MAC TX (padding, delivery).
 //
 // A stage returns false to end the packet (ingress) or the copy (egress);
 // the verdict in the packet record says why.
 #include "sim/sim_pkt.h"
+#include "sim/sim_qos.h"
 
 namespace tide::sim {
 
@@ -380,8 +381,14 @@ struct IngressStage {
     bool (*run)(Pipeline &, Packet &);
 };
 
+// ICAR: internal priority and colour, and the source port's policer.
+bool _icar(Pipeline &pl, Packet &p)
+{
+    return pl.qos().ingress(pl, p);
+}
+
 constexpr IngressStage kIngress[] = {
-    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"arl", _arl}, {"mcc", mcc_stage},
+    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"icar", _icar}, {"arl", _arl}, {"mcc", mcc_stage},
 };
 
 // ---- egress ------------------------------------------------------------------
@@ -458,6 +465,12 @@ bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
     return true;
 }
 
+// ECAR: the destination port's policer, the queue and the remark.
+bool _ecar(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
+{
+    return pl.qos().egress(pl, p, c, cause);
+}
+
 // QM: a flushed port drops what it would send.
 bool _qm(Pipeline &pl, const Packet &, EgressCopy &c, uint16_t *cause)
 {
@@ -475,7 +488,7 @@ bool _mac_tx(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *)
     if (f.size() + kFcs < kMinWire) {
         f.resize(kMinWire - kFcs, 0);
     }
-    pl.send(c.port, f.data(), static_cast<uint32_t>(f.size()), p.src, TIDE_SIM_CAUSE_NONE);
+    pl.send(c.port, f.data(), static_cast<uint32_t>(f.size()), p.src, TIDE_SIM_CAUSE_NONE, c.queue);
     return true;
 }
 
@@ -485,7 +498,7 @@ struct EgressStage {
 };
 
 constexpr EgressStage kEgress[] = {
-    {"epro", _epro}, {"qm", _qm}, {"mac_tx", _mac_tx},
+    {"epro", _epro}, {"ecar", _ecar}, {"qm", _qm}, {"mac_tx", _mac_tx},
 };
 
 } // namespace

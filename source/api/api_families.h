@@ -16,6 +16,7 @@
 #include <tide/interrupt.h>
 #include <tide/l2.h>
 #include <tide/port.h>
+#include <tide/qos.h>
 #include <tide/serdes.h>
 
 #include "api/api_guard.h"
@@ -361,5 +362,72 @@ API_DECLARE_FAMILY(interrupt, TIDE_INTERRUPT_OPS)
        (chip_id, serdes_id, buffer, len), ctle_offset_calibrate_result)
 
 API_DECLARE_FAMILY(serdes, TIDE_SERDES_OPS)
+
+/* ---- qos: 62 slots ------------------------------------------------------ */
+#define TIDE_QOS_OPS(OP)                                                                                                             \
+    OP(priority_map_set, (u32 chip_id, u32 type, u32 map_id, qos_map_cfg *cfg), (chip_id, type, map_id, cfg))                        \
+    OP(priority_map_get, (u32 chip_id, u32 type, u32 map_id, qos_map_cfg *cfg), (chip_id, type, map_id, cfg))                        \
+    OP(remark_set, (u32 chip_id, u32 type, u32 remark_id, qos_remark_cfg *cfg), (chip_id, type, remark_id, cfg))                     \
+    OP(remark_get, (u32 chip_id, u32 type, u32 remark_id, qos_remark_cfg *cfg), (chip_id, type, remark_id, cfg))                     \
+    OP(ctrl_set, (u32 chip_id, u32 type, u32 value), (chip_id, type, value))                                                         \
+    OP(ctrl_get, (u32 chip_id, u32 type, u32 *value), (chip_id, type, value))                                                        \
+    OP(policer_create, (u32 chip_id, u32 with_id, u32 type, u32 *id), (chip_id, with_id, type, id))                                  \
+    OP(policer_destroy, (u32 chip_id, u32 type, u32 id), (chip_id, type, id))                                                        \
+    OP(policer_created_get, (u32 chip_id, u32 type, u32 id, u32 *created), (chip_id, type, id, created))                             \
+    OP(policer_set, (u32 chip_id, u32 type, u32 id, qos_policer_cfg *cfg), (chip_id, type, id, cfg))                                 \
+    OP(policer_get, (u32 chip_id, u32 type, u32 id, qos_policer_cfg *cfg), (chip_id, type, id, cfg))                                 \
+    OP(policer_action_set, (u32 chip_id, u32 type, u32 id, qos_policer_action *act), (chip_id, type, id, act))                       \
+    OP(policer_action_get, (u32 chip_id, u32 type, u32 id, qos_policer_actions *acts), (chip_id, type, id, acts))                    \
+    OP(policer_bind, (u32 chip_id, qos_bind_info *info), (chip_id, info))                                                            \
+    OP(policer_unbind, (u32 chip_id, qos_bind_info *info), (chip_id, info))                                                          \
+    OP(policer_bind_get, (u32 chip_id, qos_bind_info *info), (chip_id, info))                                                        \
+    OP(common_map_ctrl_set, (u32 chip_id, qos_common_map_cfg *cfg), (chip_id, cfg))                                                  \
+    OP(common_map_ctrl_get, (u32 chip_id, qos_common_map_cfg *cfg), (chip_id, cfg))                                                  \
+    OP(bandwidth_enable_set, (u32 chip_id, qos_bandwidth_en_key *key, u32 enable), (chip_id, key, enable))                           \
+    OP(bandwidth_enable_get, (u32 chip_id, qos_bandwidth_en_key *key, u32 *enable), (chip_id, key, enable))                          \
+    OP(bandwidth_rate_mode_set, (u32 chip_id, qos_bandwidth_key *key, u8 mode), (chip_id, key, mode))                                \
+    OP(bandwidth_set, (u32 chip_id, qos_bandwidth_cfg *cfg), (chip_id, cfg))                                                         \
+    OP(bandwidth_get, (u32 chip_id, qos_bandwidth_cfg *cfg), (chip_id, cfg))                                                         \
+    OP(bandwidth_len_adj_set, (u32 chip_id, qos_bandwidth_key *key), (chip_id, key))                                                 \
+    OP(bandwidth_len_adj_get, (u32 chip_id, qos_bandwidth_key *key), (chip_id, key))                                                 \
+    OP(sched_set, (u32 chip_id, qos_sch_key *key, qos_sch_cfg *cfg), (chip_id, key, cfg))                                            \
+    OP(sched_get, (u32 chip_id, qos_sch_key *key, qos_sch_cfg *cfg), (chip_id, key, cfg))                                            \
+    OP(sched_set_by_queue_profile, (u32 chip_id, u32 profile_id, qos_sch_profile_cfg *cfg), (chip_id, profile_id, cfg))              \
+    OP(sched_get_by_queue_profile, (u32 chip_id, u32 profile_id, qos_sch_profile_cfg *cfg), (chip_id, profile_id, cfg))              \
+    OP(sched_bind_queue_profile, (u32 chip_id, u32 queue_group_id, u32 profile_id), (chip_id, queue_group_id, profile_id))           \
+    OP(sched_queue_profile_bind_info_get, (u32 chip_id, u32 queue_group_id, u32 *profile_id), (chip_id, queue_group_id, profile_id)) \
+    OP(topo_add, (u32 chip_id, qos_topo_cfg *cfg), (chip_id, cfg))                                                                   \
+    OP(topo_del, (u32 chip_id, qos_topo_cfg *cfg), (chip_id, cfg))                                                                   \
+    OP(topo_get, (u32 chip_id, qos_topo_cfg *cfg), (chip_id, cfg))                                                                   \
+    OP(flush_set, (u32 chip_id, qos_flush_cfg *cfg), (chip_id, cfg))                                                                 \
+    OP(tocpu_enqueue_set, (u32 chip_id, u32 type, qos_tocpu_key *key, qos_tocpu_cfg *cfg), (chip_id, type, key, cfg))                \
+    OP(tocpu_enqueue_get, (u32 chip_id, qos_tocpu_key *key, qos_tocpu_cfg *cfg), (chip_id, key, cfg))                                \
+    OP(redirect_glb_set, (u32 chip_id, qos_redirect_cfg *cfg), (chip_id, cfg))                                                       \
+    OP(redirect_glb_get, (u32 chip_id, qos_redirect_cfg *cfg), (chip_id, cfg))                                                       \
+    OP(redirect_cause_enable_set, (u32 chip_id, u32 causeid, u32 is_enable), (chip_id, causeid, is_enable))                          \
+    OP(redirect_cause_enable_get, (u32 chip_id, u32 causeid, u32 *is_enable), (chip_id, causeid, is_enable))                         \
+    OP(capture_set, (u32 chip_id, qos_capture_cfg *cfg), (chip_id, cfg))                                                             \
+    OP(capture_status_get, (u32 chip_id, qos_capture_info *info), (chip_id, info))                                                   \
+    OP(capture_causeid_set, (u32 chip_id, u32 causeid_index, u32 causeid), (chip_id, causeid_index, causeid))                        \
+    OP(capture_causeid_get, (u32 chip_id, u32 causeid_index, u32 *causeid), (chip_id, causeid_index, causeid))                       \
+    OP(discard_profile_create, (u32 chip_id, u32 with_id, u32 type, u32 *id), (chip_id, with_id, type, id))                          \
+    OP(discard_profile_destroy, (u32 chip_id, u32 type, u32 id), (chip_id, type, id))                                                \
+    OP(discard_profile_created_get, (u32 chip_id, u32 type, u32 id, u32 *created), (chip_id, type, id, created))                     \
+    OP(discard_profile_set, (u32 chip_id, qos_discard_profile_key *key, qos_discard_profile_cfg *cfg), (chip_id, key, cfg))          \
+    OP(discard_profile_get, (u32 chip_id, qos_discard_profile_key *key, qos_discard_profile_cfg *cfg), (chip_id, key, cfg))          \
+    OP(discard_profile_bind, (u32 chip_id, qos_discard_bind_key *key, u32 type, u32 id), (chip_id, key, type, id))                   \
+    OP(discard_profile_unbind, (u32 chip_id, qos_discard_bind_key *key, u32 type), (chip_id, key, type))                             \
+    OP(discard_profile_bind_get, (u32 chip_id, qos_discard_bind_key *key, u32 type, u32 *id), (chip_id, key, type, id))              \
+    OP(discard_set, (u32 chip_id, qos_discard_cfg *cfg), (chip_id, cfg))                                                             \
+    OP(discard_get, (u32 chip_id, qos_discard_cfg *cfg), (chip_id, cfg))                                                             \
+    OP(discard_ctrl_set, (u32 chip_id, qos_discard_ctrl *ctrl), (chip_id, ctrl))                                                     \
+    OP(discard_ctrl_get, (u32 chip_id, qos_discard_ctrl *ctrl), (chip_id, ctrl))                                                     \
+    OP(counter_info_get, (u32 chip_id, u32 type, qos_counter_key *key, qos_counter_info *info), (chip_id, type, key, info))          \
+    OP(status_info_get, (u32 chip_id, u32 type, qos_status_key *key, u32 *status), (chip_id, type, key, status))                     \
+    OP(counter_status_clear, (u32 chip_id, u32 type, qos_clear_key *key), (chip_id, type, key))                                      \
+    OP(que_congestion_check, (u32 chip_id, qos_check_key *key, qos_check_result *result), (chip_id, key, result))                    \
+    OP(que_bandwidth_cfg_zero_check, (u32 chip_id, qos_check_key *key, u32 *zero), (chip_id, key, zero))
+
+API_DECLARE_FAMILY(qos, TIDE_QOS_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

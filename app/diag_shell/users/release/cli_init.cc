@@ -92,6 +92,7 @@ void cli_cmd_init_all(void)
     cli_cmd_init_base();
     cli_cmd_init_debug_reef_mcc();
     cli_cmd_init_interrupt();
+    cli_cmd_init_qos();
     cli_cmd_init_sim();
     cli_cmd_init_view();
 }

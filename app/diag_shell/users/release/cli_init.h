@@ -77,6 +77,7 @@ i32 cli_base_plane_check(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 void cli_cmd_init_debug_reef_mcc(void);
 /* Mode `interrupt`, and the interrupt commands of mode `debug`. */
 void cli_cmd_init_interrupt(void);
+void cli_cmd_init_qos(void);
 void cli_cmd_init_debug_interrupt(void);
 
 /* The commands of the chip model, in mode "sim". */
