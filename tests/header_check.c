@@ -11,6 +11,7 @@
 #include <tide/sim.h>
 #include <tide/stub.h>
 #include <tide/tide.h>
+#include <tide/vlan.h>
 #include <tide/xsal.h>
 
 int tide_header_check(void);
@@ -20,6 +21,7 @@ int tide_header_check(void)
     port_config config = {0};
     l2_addr addr = {0};
     serdes_eye eye = {0};
+    vlan_control vc = {0};
     return (int)sizeof(cfg) + (int)sizeof(hal_devio) + (int)sizeof(config.pbmp[0]) + (int)sizeof(addr) +
-           (int)sizeof(eye);
+           (int)sizeof(eye) + (int)sizeof(vc);
 }
