@@ -45,6 +45,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseSrcBlk, "ARL_SRC_BLK"},
     {kCauseGlbLmt, "ARL_GLB_LMT"},
     {kCausePortLmt, "ARL_PORT_LMT"},
+    {kCauseVlanLmt, "ARL_VLAN_LMT"},
     {kCauseDynFloat, "ARL_DYN_FLOAT"},
     {kCauseStaFloat, "ARL_STA_FLOAT"},
     {kCauseHashFull, "ARL_HASH_FULL"},
@@ -71,6 +72,7 @@ constexpr CauseName kCpuNames[] = {
     {kCpuUnknownUc, "TOCPU_ARL_UNKNOW_UC"},
     {kCpuGlbLmt, "TOCPU_ARL_GLB_LMT"},
     {kCpuPortLmt, "TOCPU_ARL_PORT_LMT"},
+    {kCpuVlanLmt, "TOCPU_ARL_VLAN_LMT"},
     {kCpuNoLearn, "TOCPU_ARL_NO_LRN"},
     {kCpuStaFloat, "TOCPU_ARL_STA_FLOAT"},
     {kCpuSoftLearn, "TOCPU_ARL_SOFT_LRN"},
@@ -212,7 +214,9 @@ void Pipeline::resolve()
                {&ivlan.unmc_broad, "unmc_broad"},
                {&ivlan.unmc_tocp, "unmc_tocp"},
                {&ivlan.unuc_broad, "unuc_broad"},
-               {&ivlan.unuc_tocp, "unuc_tocp"}});
+               {&ivlan.unuc_tocp, "unuc_tocp"},
+               {&ivlan.vlan_lrn_lmt, "vlan_lrn_lmt"},
+               {&ivlan.mac_lmt_dlf, "mac_lmt_dlf"}});
     t.vmap = need_tab("ipro_vmap_tbl", &tab);
     need(tab, {{&vlan.vmap_vld, "vld"}, {&vlan.vmap_idx, "vlan_idx"}});
     t.vbmp = need_tab("ipro_vbmp_tbl", &tab);

@@ -50,6 +50,7 @@ enum Cause : uint16_t {
     kCauseSrcBlk = 589,         // ARL_SRC_BLK
     kCauseGlbLmt = 590,         // ARL_GLB_LMT
     kCausePortLmt = 591,        // ARL_PORT_LMT
+    kCauseVlanLmt = 592,        // ARL_VLAN_LMT
     kCauseDynFloat = 593,       // ARL_DYN_FLOAT
     kCauseStaFloat = 594,       // ARL_STA_FLOAT
     kCauseHashFull = 595,       // ARL_HASH_FULL
@@ -77,6 +78,7 @@ enum CpuCause : uint16_t {
     kCpuUnknownUc = 306,  // TOCPU_ARL_UNKNOW_UC
     kCpuGlbLmt = 307,     // TOCPU_ARL_GLB_LMT
     kCpuPortLmt = 309,    // TOCPU_ARL_PORT_LMT
+    kCpuVlanLmt = 308,    // TOCPU_ARL_VLAN_LMT
     kCpuNoLearn = 310,    // TOCPU_ARL_NO_LRN
     kCpuStaFloat = 311,   // TOCPU_ARL_STA_FLOAT
     kCpuSoftLearn = 312,  // TOCPU_ARL_SOFT_LRN
@@ -259,7 +261,8 @@ public:
             mac_lmt_dlf;
     } ipat;
     struct IvlanFields {
-        FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp;
+        FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp, vlan_lrn_lmt,
+            mac_lmt_dlf;
     } ivlan;
     struct VlanFields {
         FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld;

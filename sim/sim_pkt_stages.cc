@@ -167,9 +167,17 @@ bool _move_allowed(Pipeline &pl, uint32_t from, uint32_t to)
     return (n_from & 4) == 0 || (n_to & 3) >= (n_from & 3);
 }
 
-// The outcome of a refused learn or move.
+// The outcome of a refused learn or move.  A VLAN row with its over-limit
+// enable (`vlan_lrn_lmt`) set answers for every learn refused by a limit in
+// that VLAN, before the global and port actions: the chip keeps no count
+// per VLAN, only this action.
 void _refused(Pipeline &pl, Packet &p, const ArlEngine::Result &r)
 {
+    const bool limit = r.cause == ArlEngine::kGlobalLimit || r.cause == ArlEngine::kPortLimit;
+    if (limit && bits_get(p.ivlan, pl.ivlan.vlan_lrn_lmt) != 0) {
+        _over_limit(p, static_cast<uint32_t>(bits_get(p.ivlan, pl.ivlan.mac_lmt_dlf)), kCauseVlanLmt, kCpuVlanLmt);
+        return;
+    }
     switch (r.cause) {
     case ArlEngine::kGlobalLimit:
         _over_limit(p, word_get(pl.reg(pl.r.lrn_cfg), pl.r.glb_lmt_act), kCauseGlbLmt, kCpuGlbLmt);

@@ -13,6 +13,7 @@
 #include "atolreef_cib.h"
 #include "dpl/reef/vlan/dpl_reef_vlan.h"
 #include "support/fixture.h"
+#include <tide/l2.h>
 #include "support/vlan_ports.h"
 #include "support/wait.h"
 
@@ -526,6 +527,78 @@ TEST_F(Vlan, FramesTakeThePvidAreFilteredAndUntaggedByTheRows)
     inject(1, frame(-1));
     EXPECT_TRUE(sent().empty());
     EXPECT_EQ(drops(570), vmap + 1);
+}
+
+
+TEST_F(Vlan, L2ControlsAndLearnLimitsOfAVlanAreItsRecord)
+{
+    // VLANs 30 and 31 on ports 1 and 2, both taking 30 as their PVID.
+    ASSERT_EQ(tide::test::vlan_ports(0, 30, 0x6, 0x6), 0);
+    ASSERT_EQ(tide::test::vlan_ports(0, 31, 0x6, 0x6), 0);
+    for (uint32_t p : {1u, 2u}) {
+        ASSERT_EQ(port_ctrl(p, VLAN_PORT_CTRL_PVID, 30), 0);
+    }
+    const uint32_t shared = model_row(30);
+    ASSERT_EQ(model_row(31), shared);
+
+    // Broadcast dropped in VLAN 30 only: it takes a row of its own.
+    ASSERT_EQ(l2_api_vlan_control_set(0, 30, L2_VLAN_BCAST_ACT, 0), 0);
+    EXPECT_NE(model_row(30), shared);
+    uint32_t v = 9;
+    ASSERT_EQ(l2_api_vlan_control_get(0, 30, L2_VLAN_BCAST_ACT, &v), 0);
+    EXPECT_EQ(v, 0u);
+    const uint64_t bc = drops(585);
+    inject(1, frame(-1));
+    EXPECT_TRUE(sent().empty());
+    EXPECT_EQ(drops(585), bc + 1);
+    ASSERT_EQ(l2_api_vlan_control_set(0, 30, L2_VLAN_BCAST_ACT, 1), 0);
+    EXPECT_EQ(model_row(30), shared);
+    inject(1, frame(-1));
+    EXPECT_EQ(sent(), (std::map<uint32_t, int>{{2, -1}}));
+
+    // Learning off in the VLAN's record.
+    ASSERT_EQ(l2_api_vlan_control_set(0, 30, L2_VLAN_LEARN, 0), 0);
+    ASSERT_EQ(l2_api_vlan_control_get(0, 30, L2_VLAN_LEARN, &v), 0);
+    EXPECT_EQ(v, 0u);
+    ASSERT_EQ(l2_api_vlan_control_set(0, 30, L2_VLAN_LEARN, 1), 0);
+
+    // A VLAN's over-limit action: a port limit of 1 on port 1 refuses the
+    // second station; the VLAN asks for a drop with its own cause.
+    l2_learn_limit lim{};
+    lim.flags = L2_LIMIT_PORT | L2_LIMIT_ENABLE | L2_LIMIT_VALUE;
+    lim.port = 1;
+    lim.limit_en = 1;
+    lim.limit_value = 1;
+    ASSERT_EQ(l2_api_learn_limit_set(0, &lim), 0);
+    l2_learn_limit vl{};
+    vl.flags = L2_LIMIT_VLAN | L2_LIMIT_OVER_LIMIT_EN | L2_LIMIT_OVER_ACT;
+    vl.vlan = 30;
+    vl.over_limit_en = 1;
+    vl.over_act = 0;
+    ASSERT_EQ(l2_api_learn_limit_set(0, &vl), 0);
+    EXPECT_NE(model_row(30), shared);
+    l2_learn_limit got{};
+    got.flags = L2_LIMIT_VLAN;
+    got.vlan = 30;
+    ASSERT_EQ(l2_api_learn_limit_get(0, &got), 0);
+    EXPECT_EQ(got.over_limit_en, 1u);
+    EXPECT_EQ(got.over_act, 0u);
+    Frame first = frame(-1), second = frame(-1);
+    second[11] = 0x0B;
+    inject(1, first);
+    EXPECT_EQ(sent().size(), 1u);
+    const uint64_t vlan_lmt = drops(592);
+    inject(1, second);
+    EXPECT_TRUE(sent().empty());
+    EXPECT_EQ(drops(592), vlan_lmt + 1);
+
+    // Refusals: no count or enable per VLAN; no such VLAN.
+    vl.flags = L2_LIMIT_VLAN | L2_LIMIT_ENABLE;
+    EXPECT_EQ(l2_api_learn_limit_set(0, &vl), -24);
+    vl.flags = L2_LIMIT_VLAN | L2_LIMIT_OVER_ACT;
+    vl.vlan = 33;
+    EXPECT_EQ(l2_api_learn_limit_set(0, &vl), -7);
+    EXPECT_EQ(l2_api_vlan_control_set(0, 33, L2_VLAN_LEARN, 0), -7);
 }
 
 } // namespace
