@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
 #include "sim/sim_tap.h"
@@ -62,6 +63,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseEgressBc, "DISCARD_BC"},
     {kCauseVlanCheck, "DISCARD_VLANCHECK"},
     {kCauseEvlanInvalid, "DISCARD_EVLAN_UNVLD"},
+    {kCauseVtMissDrop, "DISCARD_VTMISSDROP"},
     {kCauseOpcodeAbnormal, "DISCARD_OPCODE_ABNORMAL"},
     {kCauseQmFlush, "QM_FLUSH_DROP"},
 };
@@ -228,7 +230,20 @@ void Pipeline::resolve()
                {&egr.unuc_ctrl, "unuc_ctrl"},
                {&egr.unmc_ctrl, "unmc_ctrl"},
                {&egr.mc_ctrl, "mc_ctrl"},
-               {&egr.bc_ctrl, "bc_ctrl"}});
+               {&egr.bc_ctrl, "bc_ctrl"},
+               {&egr.sit1, "sit1"},
+               {&egr.sit2, "sit2"},
+               {&egr.vtmiss_drop, "vtmiss_drop"},
+               {&egr.hash_opc, "hash_opc"}});
+    t.ecib = need_tab("epro_ecib_table", &tab);
+    need(tab, {{&ecib.vld, "vld"},
+               {&ecib.ivid, "ivid"},
+               {&ecib.ovid, "ovid"},
+               {&ecib.outer_pri, "outer_pri"},
+               {&ecib.outer_cfi, "outer_cfi"},
+               {&ecib.inner_pri, "inner_pri"},
+               {&ecib.inner_cfi, "inner_cfi"},
+               {&ecib.vlan_opc, "vlan_opc"}});
     t.evlan = need_tab("epro_evlan_table", &tab);
     need(tab, {{&vlan.evlan_vld, "vld"}});
     t.vlanbmp = need_tab("epro_vlanbitmap_table", &tab);
@@ -294,6 +309,11 @@ uint32_t Pipeline::move_priority(uint32_t port) const
 ArlEngine &Pipeline::arl()
 {
     return *chip_.arl;
+}
+
+EmEngine &Pipeline::em()
+{
+    return *chip_.em;
 }
 
 MccEngine &Pipeline::mcc()

@@ -28,6 +28,7 @@ namespace tide::sim {
 
 class Chip;
 class MccEngine;
+class EmEngine;
 class PcapWriter;
 
 // Causes the packet path gives.  Forward and drop causes count in entries
@@ -66,6 +67,7 @@ enum Cause : uint16_t {
     kCauseEgressMc = 713,       // DISCARD_MC
     kCauseEgressBc = 714,       // DISCARD_BC
     kCauseVlanCheck = 723,      // DISCARD_VLANCHECK
+    kCauseVtMissDrop = 728,     // DISCARD_VTMISSDROP
     kCauseEvlanInvalid = 724,   // DISCARD_EVLAN_UNVLD
     kCauseOpcodeAbnormal = 733, // DISCARD_OPCODE_ABNORMAL
     kCauseQmFlush = 749,        // QM_FLUSH_DROP
@@ -253,7 +255,7 @@ public:
         FieldRef lrn_mode, mac_float_pfe, sta_float_act, mac_float_fail_act, hash_conflict_act;
     } r;
     struct Tables {
-        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat;
+        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat, ecib;
     } t;
     struct IpatFields {
         FieldRef vld, pvid, discard_untag, discard_tag, vlan_check_en, mac_lrn_mode, nolrn_tocp, nolrn_discard,
@@ -268,8 +270,13 @@ public:
         FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld;
     } vlan;
     struct EgressFields {
-        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl;
+        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl, sit1, sit2,
+            vtmiss_drop, hash_opc;
     } egr;
+    // The action rows of the egress translation.
+    struct EcibFields {
+        FieldRef vld, ivid, ovid, outer_pri, outer_cfi, inner_pri, inner_cfi, vlan_opc;
+    } ecib;
     FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes;
 
     uint32_t reg(const RegView &r, uint32_t instance = 0) const;
@@ -282,6 +289,7 @@ public:
     uint32_t move_priority(uint32_t port) const;
     ArlEngine &arl();
     MccEngine &mcc();
+    EmEngine &em();
 
 private:
     void resolve();

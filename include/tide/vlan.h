@@ -89,7 +89,7 @@ enum vlan_port_ctrl_key {
     VLAN_PORT_CTRL_EGRESS_MIN = 57,
     VLAN_PORT_CTRL_HASH_OPC = 57,
     VLAN_PORT_CTRL_DEFAULT_DP = 58,
-    VLAN_PORT_CTRL_SIT1 = 60,
+    VLAN_PORT_CTRL_SIT1 = 60,               /* key type of the first egress translation lookup, 0 none */
     VLAN_PORT_CTRL_SIT2 = 61,
     VLAN_PORT_CTRL_VTMISS_DROP = 62,        /* an egress translation miss drops */
     VLAN_PORT_CTRL_TPID_INDEX = 63,         /* the TPID of the sent outer tag, 0..3 */
@@ -188,6 +188,71 @@ TIDE_API int32_t vlan_api_port_tpid_bitmap_get(uint32_t chip_id, uint32_t lport,
 
 TIDE_API int32_t vlan_api_translation_global_cfg_set(uint32_t chip_id, vlan_control *cfg);
 TIDE_API int32_t vlan_api_translation_global_cfg_get(uint32_t chip_id, vlan_control *cfg);
+
+/* ---- egress translation ------------------------------------------------------- */
+
+/* Key types of an egress translation. */
+enum vlan_egress_translate_key_type {
+    VLAN_EVT_KEY_PORT_OVID_IVID = 1,  /* port, outer VID, inner VID */
+    VLAN_EVT_KEY_PORT_OVID_DOT1P = 2, /* port, outer VID, priority in inner_vlan_id (0..7) */
+    VLAN_EVT_KEY_PORT_OVID = 3        /* port, outer VID */
+};
+
+/* What a frame leaving by a port (or trunk) must carry to be translated. */
+typedef struct vlan_egress_translate_key {
+    uint32_t key_type; /* 0..3, enum vlan_egress_translate_key_type */
+    uint32_t lport;
+    uint32_t tgid;
+    uint32_t trunk_flag; /* 1: tgid instead of lport */
+    uint16_t outer_vlan_id;
+    uint16_t inner_vlan_id;
+} vlan_egress_translate_key;
+
+/* Tag actions of a translation. */
+enum vlan_tag_action {
+    VLAN_TAG_ACT_NONE = 0,
+    VLAN_TAG_ACT_ADD = 1,
+    VLAN_TAG_ACT_REPLACE = 2,
+    VLAN_TAG_ACT_DELETE = 3
+};
+
+/* What a translation does.  A priority or CFI action of 2 replaces the
+ * field with the new value; 0 keeps it. */
+typedef struct vlan_translate_action {
+    uint16_t new_outer_vlan;
+    uint16_t new_inner_vlan;
+    uint8_t new_outer_pri;
+    uint8_t new_outer_cfi;
+    uint8_t new_inner_pri;
+    uint8_t new_inner_cfi;
+    uint8_t dscp;
+    uint32_t multi_mapping_flag;
+    uint32_t dpid; /* egress: below 128 */
+    uint32_t dpid_en;
+    uint32_t otag_action; /* enum vlan_tag_action */
+    uint32_t itag_action;
+    uint32_t outer_pri_act;
+    uint32_t outer_cfi_act;
+    uint32_t inner_pri_act;
+    uint32_t inner_cfi_act;
+    uint32_t fwdtype;
+    uint32_t fwdinfo;
+    uint32_t action_idx;
+} vlan_translate_action;
+
+typedef int32_t (*vlan_egress_translate_traverse_cb)(uint32_t chip_id, vlan_egress_translate_key *key,
+                                                     vlan_translate_action *action, void *user);
+
+/* An add of an existing key replaces its action. */
+TIDE_API int32_t vlan_api_egress_translate_add(uint32_t chip_id, vlan_egress_translate_key *key,
+                                              vlan_translate_action *action);
+TIDE_API int32_t vlan_api_egress_translate_delete(uint32_t chip_id, vlan_egress_translate_key *key);
+TIDE_API int32_t vlan_api_egress_translate_get(uint32_t chip_id, vlan_egress_translate_key *key,
+                                              vlan_translate_action *action);
+/* Every entry, in the order of the table's places; a failing callback
+ * does not stop the walk, its status is OR-ed into the result. */
+TIDE_API int32_t vlan_api_egress_translate_traverse(uint32_t chip_id, vlan_egress_translate_traverse_cb fn,
+                                                   void *user);
 
 TIDE_END_DECLS
 

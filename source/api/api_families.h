@@ -223,7 +223,14 @@ API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
     OP(port_tpid_bitmap_set, (u32 chip_id, u32 lport, u32 bitmap), (chip_id, lport, bitmap))                   \
     OP(port_tpid_bitmap_get, (u32 chip_id, u32 lport, u32 *bitmap), (chip_id, lport, bitmap))                  \
     OP(translation_global_cfg_set, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                           \
-    OP(translation_global_cfg_get, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))
+    OP(translation_global_cfg_get, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                           \
+    OP(egress_translate_add, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
+       (chip_id, key, action))                                                                                 \
+    OP(egress_translate_delete, (u32 chip_id, vlan_egress_translate_key *key), (chip_id, key))                 \
+    OP(egress_translate_get, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
+       (chip_id, key, action))                                                                                 \
+    OP(egress_translate_traverse, (u32 chip_id, vlan_egress_translate_traverse_cb fn, void *user),             \
+       (chip_id, fn, user))
 
 API_DECLARE_FAMILY(vlan, TIDE_VLAN_OPS)
 

@@ -601,4 +601,94 @@ TEST_F(Vlan, L2ControlsAndLearnLimitsOfAVlanAreItsRecord)
     EXPECT_EQ(l2_api_vlan_control_set(0, 33, L2_VLAN_LEARN, 0), -7);
 }
 
+
+TEST_F(Vlan, EgressTranslationRewritesTheOuterTagAndAMissDropsWhenAsked)
+{
+    // VLAN 40 on ports 1 (untagged, PVID 40) and 2 (tagged).
+    ASSERT_EQ(tide::test::vlan_ports(0, 40, 0x6, 0x2), 0);
+    ASSERT_EQ(port_ctrl(1, VLAN_PORT_CTRL_PVID, 40), 0);
+
+    vlan_egress_translate_key k{};
+    k.key_type = VLAN_EVT_KEY_PORT_OVID;
+    k.lport = 2;
+    k.outer_vlan_id = 40;
+    vlan_translate_action a{};
+    a.otag_action = VLAN_TAG_ACT_REPLACE;
+    a.new_outer_vlan = 400;
+    a.new_outer_pri = 6;
+    a.outer_pri_act = 2;
+    ASSERT_EQ(vlan_api_egress_translate_add(0, &k, &a), 0);
+    vlan_translate_action got{};
+    ASSERT_EQ(vlan_api_egress_translate_get(0, &k, &got), 0);
+    EXPECT_EQ(got.new_outer_vlan, 400u);
+    EXPECT_EQ(got.new_outer_pri, 6u);
+    EXPECT_EQ(got.otag_action, 2u);
+    EXPECT_EQ(got.outer_pri_act, 2u);
+
+    // The port looks up key type 3 (port and outer VID).
+    ASSERT_EQ(port_ctrl(2, VLAN_PORT_CTRL_SIT1, VLAN_EVT_KEY_PORT_OVID), 0);
+    inject(1, frame(-1));
+    uint8_t buf[TIDE_SIM_FRAME_MAX];
+    uint32_t len = 0;
+    ASSERT_EQ(tide_sim_packet_capture(0, 2, buf, sizeof(buf), &len), 0);
+    EXPECT_EQ(buf[12], 0x81);
+    EXPECT_EQ((buf[14] & 0xF) << 8 | buf[15], 400);
+    EXPECT_EQ(buf[14] >> 5, 6);
+    EXPECT_TRUE(sent().empty());
+
+    // A frame of another VLAN misses; with vtmiss_drop the copy is dropped.
+    ASSERT_EQ(tide::test::vlan_ports(0, 41, 0x6, 0x2), 0);
+    ASSERT_EQ(port_ctrl(1, VLAN_PORT_CTRL_PVID, 41), 0);
+    inject(1, frame(-1));
+    EXPECT_EQ(sent(), (std::map<uint32_t, int>{{2, 41}}));
+    ASSERT_EQ(port_ctrl(2, VLAN_PORT_CTRL_VTMISS_DROP, 1), 0);
+    const uint64_t miss = drops(728);
+    inject(1, frame(-1));
+    EXPECT_TRUE(sent().empty());
+    EXPECT_EQ(drops(728), miss + 1);
+
+    // The walk finds the entry; a delete and a clear empty the table.
+    std::vector<vlan_egress_translate_key> keys;
+    auto collect = [](uint32_t, vlan_egress_translate_key *key, vlan_translate_action *, void *user) -> int32_t {
+        static_cast<std::vector<vlan_egress_translate_key> *>(user)->push_back(*key);
+        return 0;
+    };
+    ASSERT_EQ(vlan_api_egress_translate_traverse(0, collect, &keys), 0);
+    ASSERT_EQ(keys.size(), 1u);
+    EXPECT_EQ(keys[0].lport, 2u);
+    EXPECT_EQ(keys[0].outer_vlan_id, 40u);
+    vlan_egress_translate_key k2 = k;
+    k2.outer_vlan_id = 41;
+    ASSERT_EQ(vlan_api_egress_translate_add(0, &k2, &a), 0);
+    ASSERT_EQ(vlan_api_egress_translate_delete(0, &k), 0);
+    EXPECT_EQ(vlan_api_egress_translate_get(0, &k, &got), -7);
+    ASSERT_EQ(dpl_reef_vlan_egress_translate_clear(0), 0);
+    keys.clear();
+    ASSERT_EQ(vlan_api_egress_translate_traverse(0, collect, &keys), 0);
+    EXPECT_TRUE(keys.empty());
+
+    // Refusals.
+    Capture::clear();
+    k.key_type = 4;
+    EXPECT_EQ(vlan_api_egress_translate_add(0, &k, &a), -4);
+    EXPECT_TRUE(Capture::has("input key_type : 4 is invalid param!!!"));
+    k.key_type = VLAN_EVT_KEY_PORT_OVID_DOT1P;
+    k.inner_vlan_id = 8;
+    EXPECT_EQ(vlan_api_egress_translate_add(0, &k, &a), -4);
+    k.inner_vlan_id = 0;
+    a.outer_pri_act = 1;
+    EXPECT_EQ(vlan_api_egress_translate_add(0, &k, &a), -4);
+    EXPECT_TRUE(Capture::has("input opri-action : 1 is invalid param!!!"));
+    a.outer_pri_act = 0;
+    a.dpid = 128;
+    EXPECT_EQ(vlan_api_egress_translate_add(0, &k, &a), -4);
+    EXPECT_TRUE(Capture::has("dpid is invalid!!!"));
+    k.trunk_flag = 1;
+    k.tgid = 8;
+    a.dpid = 0;
+    EXPECT_EQ(vlan_api_egress_translate_add(0, &k, &a), -4);
+    EXPECT_TRUE(Capture::has("tgid (8) is out of range!!!"));
+    EXPECT_EQ(vlan_api_egress_translate_add(0, nullptr, &a), -20);
+}
+
 } // namespace

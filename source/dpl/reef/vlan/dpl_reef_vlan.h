@@ -110,6 +110,8 @@ i32 dpl_reef_vlan_egress_control_software_info_get(u32 chip_id, u32 vid, dpl_ree
 i32 dpl_reef_vlan_forward_bitmap_set(u32 chip_id, const port_bitmap *bitmap, u32 all);
 /* The shared row of a VID. */
 i32 dpl_reef_vlan_map_index_get(u32 chip_id, u32 vid, u32 *index);
+/* Every egress translation deleted; goes on past a -7 and ORs other codes. */
+i32 dpl_reef_vlan_egress_translate_clear(u32 chip_id);
 /* -4 for a trunk id above the chip's highest (7 on atolreef, 127 else). */
 i32 dpl_reef_check_tgid(u32 chip_id, u32 tgid);
 
