@@ -750,6 +750,15 @@ constexpr VlanAct kVlanActs[] = {
     {&dpl_reef_ivlan_key::bc_tocp, &dpl_reef_ivlan_key::bc_broad},
 };
 
+// The checks of a per-VLAN control, then the VLAN's ingress record.  The
+// per-VLAN controls read and rewrite it through the VLAN service, which
+// moves the VLAN between shared rows as the record demands.
+i32 _vlan_record(u32 chip_id, u32 vid, u32 id, const u32 *value, dpl_reef_ivlan_key *rec)
+{
+    const i32 rc = _vlan_control_check(chip_id, vid, id, value);
+    return rc != 0 ? rc : dpl_reef_vlan_ingress_control_get(chip_id, vid, rec);
+}
+
 } // namespace
 
 extern "C" {
@@ -1522,16 +1531,10 @@ i32 dpl_reef_l2_port_control_get(u32 chip_id, u32 port, u32 id, u32 *value)
     return rc;
 }
 
-// The per-VLAN controls: the VLAN's ingress record read, changed and
-// rewritten through the VLAN service, which moves the VLAN between shared
-// rows as the record demands.
 i32 dpl_reef_l2_vlan_control_set(u32 chip_id, u32 vid, u32 id, u32 value)
 {
-    i32 rc = _vlan_control_check(chip_id, vid, id, &value);
     dpl_reef_ivlan_key rec{};
-    if (rc == 0) {
-        rc = dpl_reef_vlan_ingress_control_get(chip_id, vid, &rec);
-    }
+    const i32 rc = _vlan_record(chip_id, vid, id, &value, &rec);
     if (rc != 0) {
         return rc;
     }
@@ -1549,11 +1552,8 @@ i32 dpl_reef_l2_vlan_control_set(u32 chip_id, u32 vid, u32 id, u32 value)
 
 i32 dpl_reef_l2_vlan_control_get(u32 chip_id, u32 vid, u32 id, u32 *value)
 {
-    i32 rc = _vlan_control_check(chip_id, vid, id, nullptr);
     dpl_reef_ivlan_key rec{};
-    if (rc == 0) {
-        rc = dpl_reef_vlan_ingress_control_get(chip_id, vid, &rec);
-    }
+    const i32 rc = _vlan_record(chip_id, vid, id, nullptr, &rec);
     if (rc != 0) {
         return rc;
     }

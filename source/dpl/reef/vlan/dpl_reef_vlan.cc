@@ -20,18 +20,6 @@ extern "C" {
 reef_vlan_special_t reef_vlan_special[SHR_MAX_CHIPS];
 }
 
-VlanLock::VlanLock(u32 chip_id, const char *function, u32 line)
-    : chip_(chip_id), rc_(dpl_lock_take(chip_id, DPL_LOCK_VLAN, function, line))
-{
-}
-
-VlanLock::~VlanLock()
-{
-    if (rc_ == 0) {
-        dpl_lock_give(chip_, DPL_LOCK_VLAN, __func__, __LINE__);
-    }
-}
-
 namespace {
 
 u32 g_vlan_init[SHR_MAX_CHIPS];

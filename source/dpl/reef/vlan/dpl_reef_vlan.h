@@ -9,6 +9,7 @@
 #define TIDE_DPL_REEF_VLAN_H
 
 #include "api/api_families.h"
+#include "dpl/common/dpl_init_pre.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -119,18 +120,7 @@ i32 dpl_reef_check_tgid(u32 chip_id, u32 tgid);
 }
 
 /* Holds the service's feature lock for a scope. */
-class VlanLock {
-public:
-    VlanLock(u32 chip_id, const char *function, u32 line);
-    ~VlanLock();
-    VlanLock(const VlanLock &) = delete;
-    VlanLock &operator=(const VlanLock &) = delete;
-    i32 status() const { return rc_; }
-
-private:
-    u32 chip_;
-    i32 rc_;
-};
+using VlanLock = DplLockHold<DPL_LOCK_VLAN>;
 #define VLAN_LOCK(chip_id) VlanLock vlan_lock_hold_((chip_id), __func__, __LINE__)
 #endif
 

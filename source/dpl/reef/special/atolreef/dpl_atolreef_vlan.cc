@@ -639,8 +639,10 @@ i32 _record_vlan(u32 chip_id, u32 vid, dpl_atolreef_vlan_node **vn)
     return 0;
 }
 
-template <typename Key>
-i32 _record_get(u32 chip_id, u32 vid, Key *record)
+// `fn(node)` for an existing VID under the lock, after the checks of a
+// record call.
+template <typename Fn>
+i32 _with_vlan(u32 chip_id, u32 vid, const void *record, Fn fn)
 {
     i32 rc = _record_check(chip_id, vid, record);
     if (rc != 0) {
@@ -649,39 +651,33 @@ i32 _record_get(u32 chip_id, u32 vid, Key *record)
     VLAN_LOCK(chip_id);
     dpl_atolreef_vlan_node *vn = nullptr;
     rc = vlan_lock_hold_.status() != 0 ? vlan_lock_hold_.status() : _record_vlan(chip_id, vid, &vn);
-    if (rc == 0) {
+    return rc != 0 ? rc : fn(vn);
+}
+
+template <typename Key>
+i32 _record_get(u32 chip_id, u32 vid, Key *record)
+{
+    return _with_vlan(chip_id, vid, record, [&](const dpl_atolreef_vlan_node *vn) {
         *record = Side<Key>::nodes(_info(chip_id))[vn->index].key;
-    }
-    return rc;
+        return 0;
+    });
 }
 
 template <typename Key>
 i32 _record_set(u32 chip_id, u32 vid, const Key *record)
 {
-    i32 rc = _record_check(chip_id, vid, record);
-    if (rc != 0) {
-        return rc;
-    }
-    VLAN_LOCK(chip_id);
-    dpl_atolreef_vlan_node *vn = nullptr;
-    rc = vlan_lock_hold_.status() != 0 ? vlan_lock_hold_.status() : _record_vlan(chip_id, vid, &vn);
-    return rc != 0 ? rc : _entry_check(chip_id, _info(chip_id), vn, *record);
+    return _with_vlan(chip_id, vid, record, [&](dpl_atolreef_vlan_node *vn) {
+        return _entry_check(chip_id, _info(chip_id), vn, *record);
+    });
 }
 
 template <typename Node>
 i32 _node_get(u32 chip_id, u32 vid, Node *node)
 {
-    i32 rc = _record_check(chip_id, vid, node);
-    if (rc != 0) {
-        return rc;
-    }
-    VLAN_LOCK(chip_id);
-    dpl_atolreef_vlan_node *vn = nullptr;
-    rc = vlan_lock_hold_.status() != 0 ? vlan_lock_hold_.status() : _record_vlan(chip_id, vid, &vn);
-    if (rc == 0) {
+    return _with_vlan(chip_id, vid, node, [&](const dpl_atolreef_vlan_node *vn) {
         *node = Side<decltype(node->key)>::nodes(_info(chip_id))[vn->index];
-    }
-    return rc;
+        return 0;
+    });
 }
 
 // The per-VLAN control keys: one field of one record, its range.
@@ -745,10 +741,31 @@ i32 _ctrl_key(u32 chip_id, u32 vid, const vlan_control *control, const CtrlKey *
     return SHR_E_NOT_SUPPORT;
 }
 
+// One field of a VID's record of kind `Key` merged into a copy of the
+// record, which is then rewritten as a whole: the row sharing follows.
+template <typename Key>
+i32 _field_merge(u32 chip_id, u32 vid, const CtrlKey &k, u32 value)
+{
+    VLAN_LOCK(chip_id);
+    Key rec{};
+    const i32 rc = _record_get(chip_id, vid, &rec);
+    _field_set(&rec, k, value);
+    return rc != 0 ? rc : _record_set(chip_id, vid, &rec);
+}
+
+template <typename Key>
+i32 _field_read(u32 chip_id, u32 vid, const CtrlKey &k, u32 *value)
+{
+    Key rec{};
+    const i32 rc = _record_get(chip_id, vid, &rec);
+    *value = _field_get(&rec, k);
+    return rc;
+}
+
 i32 _atolreef_vlan_control_set(u32 chip_id, u32 vid, vlan_control *control)
 {
     const CtrlKey *k = nullptr;
-    i32 rc = _ctrl_key(chip_id, vid, control, &k);
+    const i32 rc = _ctrl_key(chip_id, vid, control, &k);
     if (rc != 0) {
         return rc;
     }
@@ -760,38 +777,19 @@ i32 _atolreef_vlan_control_set(u32 chip_id, u32 vid, vlan_control *control)
         SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "key:%u , input value:%u is invalid!!!\n", control->key, control->value);
         return SHR_E_PARAM;
     }
-    // One field merged into the present record, which is then rewritten
-    // as a whole: the row sharing follows.
-    VLAN_LOCK(chip_id);
-    if (k->egress) {
-        dpl_reef_evlan_key e{};
-        rc = _record_get(chip_id, vid, &e);
-        _field_set(&e, *k, control->value);
-        return rc != 0 ? rc : _record_set(chip_id, vid, &e);
-    }
-    dpl_reef_ivlan_key i{};
-    rc = _record_get(chip_id, vid, &i);
-    _field_set(&i, *k, control->value);
-    return rc != 0 ? rc : _record_set(chip_id, vid, &i);
+    return k->egress ? _field_merge<dpl_reef_evlan_key>(chip_id, vid, *k, control->value)
+                     : _field_merge<dpl_reef_ivlan_key>(chip_id, vid, *k, control->value);
 }
 
 i32 _atolreef_vlan_control_get(u32 chip_id, u32 vid, vlan_control *control)
 {
     const CtrlKey *k = nullptr;
-    i32 rc = _ctrl_key(chip_id, vid, control, &k);
+    const i32 rc = _ctrl_key(chip_id, vid, control, &k);
     if (rc != 0) {
         return rc;
     }
-    if (k->egress) {
-        dpl_reef_evlan_key e{};
-        rc = _record_get(chip_id, vid, &e);
-        control->value = _field_get(&e, *k);
-    } else {
-        dpl_reef_ivlan_key i{};
-        rc = _record_get(chip_id, vid, &i);
-        control->value = _field_get(&i, *k);
-    }
-    return rc;
+    return k->egress ? _field_read<dpl_reef_evlan_key>(chip_id, vid, *k, &control->value)
+                     : _field_read<dpl_reef_ivlan_key>(chip_id, vid, *k, &control->value);
 }
 
 i32 _atolreef_vlan_forward_bitmap_set(u32 chip_id, const port_bitmap *bitmap, u32 all)
