@@ -6,6 +6,7 @@
 #include <tide/tide.h>
 
 #include "bench_chip.h"
+#include "tide_int.h"
 
 namespace {
 
