@@ -8,6 +8,7 @@
 #include <map>
 #include <random>
 #include <set>
+#include <thread>
 #include <vector>
 
 #include "atolreef_cib.h"
@@ -689,6 +690,38 @@ TEST_F(Vlan, EgressTranslationRewritesTheOuterTagAndAMissDropsWhenAsked)
     EXPECT_EQ(vlan_api_egress_translate_add(0, &k, &a), -4);
     EXPECT_TRUE(Capture::has("tgid (8) is out of range!!!"));
     EXPECT_EQ(vlan_api_egress_translate_add(0, nullptr, &a), -20);
+}
+
+
+TEST_F(Vlan, ControlsOfOnePortFromSeveralThreadsLoseNoChange)
+{
+    // Two fields of the VLAN service and one of the L2 service in the same
+    // port row, each changed by its own thread: every change reads the row,
+    // so a change made between another's read and write would be lost.
+    constexpr u32 kRounds = 200;
+    std::thread pvid([] {
+        for (u32 i = 1; i <= kRounds; i++) {
+            port_ctrl(6, VLAN_PORT_CTRL_PVID, i);
+        }
+    });
+    std::thread gid([] {
+        for (u32 i = 0; i < kRounds; i++) {
+            port_ctrl(6, VLAN_PORT_CTRL_GID, i % 16);
+        }
+    });
+    std::thread bridge([] {
+        for (u32 i = 0; i < kRounds; i++) {
+            l2_api_port_control_set(0, 6, L2_PORT_BRIDGE, i & 1);
+        }
+    });
+    pvid.join();
+    gid.join();
+    bridge.join();
+    EXPECT_EQ(port_ctrl_get(6, VLAN_PORT_CTRL_PVID), kRounds);
+    EXPECT_EQ(port_ctrl_get(6, VLAN_PORT_CTRL_GID), (kRounds - 1) % 16);
+    u32 v = 9;
+    ASSERT_EQ(l2_api_port_control_get(0, 6, L2_PORT_BRIDGE, &v), 0);
+    EXPECT_EQ(v, (kRounds - 1) & 1);
 }
 
 } // namespace

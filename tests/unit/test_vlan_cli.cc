@@ -5,7 +5,9 @@
 #include <tide/cli.h>
 #include <tide/vlan.h>
 
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "app/diag_shell/shell/cli/cli_core.h"
 #include "support/mode_cli.h"
@@ -104,6 +106,23 @@ TEST_F(VlanCli, PortSettingsTpidsAndGlobalActions)
     ASSERT_EQ(run("vlan vlan-check-drop-action forward"), 0) << out_;
     ASSERT_EQ(run("show vlan glb-info"), 0) << out_;
     EXPECT_TRUE(has("vlan-check-drop-action     forward")) << out_;
+
+    ASSERT_EQ(run("vlan pvid-add all add-after-del"), 0) << out_;
+    ASSERT_EQ(run("vlan remark-level voice-vlan-opri iacl"), 0) << out_;
+    ASSERT_EQ(run("vlan pa-immune-lag-blk-action tocpu-pkt drop"), 0) << out_;
+    ASSERT_EQ(run("vlan inner-tpid 2 disable"), 0) << out_;
+    ASSERT_EQ(run("vlan vlan-switch-pritag-tagnum 1"), 0) << out_;
+    for (const auto &[key, want] : std::initializer_list<std::pair<u32, u32>>{
+             {VLAN_GLB_PVID_ADD_MODE, 1}, {VLAN_GLB_PRI_TAG_ADD_MODE, 1}, {5, 2}, {32, 1},
+             {VLAN_GLB_INNER_TPID0 + 2, 0}, {VLAN_GLB_PRI_TAG_TAGNUM, 1}}) {
+        vlan_control g{key, 9};
+        ASSERT_EQ(vlan_api_global_cfg_get(0, &g), 0) << key;
+        EXPECT_EQ(g.value, want) << key;
+    }
+    ASSERT_EQ(run("show vlan glb-info"), 0) << out_;
+    EXPECT_TRUE(has("voice-vlan-opri            iacl")) << out_;
+    EXPECT_NE(run("vlan vacl-vt-action-mode action-pri"), 0); // not on this chip
+    EXPECT_TRUE(has("vlan_api_global_cfg_set failed")) << out_;
 
     EXPECT_NE(run("vlan ports 4 pvid 4096"), 0);
     EXPECT_TRUE(has("vlan_api_port_control_set failed")) << out_;

@@ -455,18 +455,111 @@ i32 cli_vlan_global_action_set(u32 chip_id, u32, i32, char **argv)
     return rc != 0 ? _fail("vlan_api_global_cfg_set", rc) : 0;
 }
 
+i32 _glb_set(u32 chip_id, u32 key, u32 value)
+{
+    vlan_control c{key, value};
+    const i32 rc = vlan_api_global_cfg_set(chip_id, &c);
+    return rc != 0 ? _fail("vlan_api_global_cfg_set", rc) : 0;
+}
+
+// vlan (pvid-add (untag | all) (add | add-after-del) | vacl-vt-action-mode (cross-effect | action-pri) |
+//       after-vt-untag-vid-sel (zero | from-pkt-ovid) | stp-learn-drop-mode (learn | not-learn) |
+//       vlan-switch-pritag-tagnum WORD | loopback-tnl-sp-mode (sp | sp-rsm))
+// Each setting is a key of vlan_api_global_cfg_set and its value words.
+const cli_word k_glb_values[] = {{0, "untag"}, {1, "all"},           {0, "add"},      {1, "add-after-del"},
+                                 {0, "cross-effect"}, {1, "action-pri"}, {0, "zero"}, {1, "from-pkt-ovid"},
+                                 {0, "not-learn"}, {1, "learn"},     {0, "sp"},       {1, "sp-rsm"}};
+const cli_word k_glb_cfg_keys[] = {{8, "after-vt-untag-vid-sel"}, {9, "vacl-vt-action-mode"},
+                                   {VLAN_GLB_MSTP_LRN_DROP_MODE, "stp-learn-drop-mode"},
+                                   {VLAN_GLB_PRI_TAG_TAGNUM, "vlan-switch-pritag-tagnum"},
+                                   {VLAN_GLB_LP_TNL_SP_MODE, "loopback-tnl-sp-mode"}};
+
+i32 cli_vlan_global_cfg_set(u32 chip_id, u32, i32 argc, char **argv)
+{
+    u32 first = 0, second = 0, key = 0;
+    if (std::strcmp(argv[0], "pvid-add") == 0 && argc > 2) {
+        cli_word_id_get(k_glb_values, argv[1], &first);
+        cli_word_id_get(k_glb_values, argv[2], &second);
+        const i32 rc = _glb_set(chip_id, VLAN_GLB_PVID_ADD_MODE, first);
+        return rc != 0 ? rc : _glb_set(chip_id, VLAN_GLB_PRI_TAG_ADD_MODE, second);
+    }
+    cli_word_id_get(k_glb_cfg_keys, argv[0], &key);
+    if (key == VLAN_GLB_PRI_TAG_TAGNUM ? !_num(argv[1], &first) : !cli_word_id_get(k_glb_values, argv[1], &first)) {
+        return SHR_E_PARAM;
+    }
+    return _glb_set(chip_id, key, first);
+}
+
+// vlan remark-level (voice-vlan-dscp | voice-vlan-ocfi | voice-vlan-opri | voice-vlan-icfi | voice-vlan-ipri)
+//      (not-modify | vacl | iacl | voice-vlan)
+const cli_word k_remark_keys[] = {{VLAN_GLB_VOICE_DSCP_RMK, "voice-vlan-dscp"}, {4, "voice-vlan-ocfi"},
+                                  {5, "voice-vlan-opri"}, {6, "voice-vlan-icfi"}, {7, "voice-vlan-ipri"}};
+const cli_word k_remark_levels[] = {{0, "not-modify"}, {1, "vacl"}, {2, "iacl"}, {3, "voice-vlan"}};
+
+i32 cli_vlan_global_remark_level_set(u32 chip_id, u32, i32, char **argv)
+{
+    u32 key = 0, level = 0;
+    cli_word_id_get(k_remark_keys, argv[0], &key);
+    cli_word_id_get(k_remark_levels, argv[1], &level);
+    return _glb_set(chip_id, key, level);
+}
+
+// vlan (pa-immune-stp-learn-action | ... ) (forward-pkt | tocpu-pkt) (none | drop): the immune actions
+// are keys 25..29 for forwarded frames and 30..34 for frames to the CPU, in the order of the words.
+const cli_word k_immune_keys[] = {{0, "pa-immune-stp-learn-action"}, {1, "pa-immune-stp-block-action"},
+                                  {2, "pa-immune-lag-blk-action"}, {3, "pa-immune-iblk-action"},
+                                  {4, "pa-immune-erps-blk-action"}};
+
+i32 cli_vlan_global_immune_action_set(u32 chip_id, u32, i32, char **argv)
+{
+    u32 which = 0;
+    cli_word_id_get(k_immune_keys, argv[0], &which);
+    const u32 base = std::strcmp(argv[1], "forward-pkt") == 0 ? VLAN_GLB_IMMUNE_FWD_STP_LRN : VLAN_GLB_IMMUNE_FWD_STP_LRN + 5;
+    return _glb_set(chip_id, base + which, std::strcmp(argv[2], "drop") == 0 ? 1 : 0);
+}
+
+// vlan (inner-tpid WORD | low-power | cp-mode WORD (...)) (enable | disable)
+i32 cli_vlan_global_enable_set(u32 chip_id, u32, i32 argc, char **argv)
+{
+    const u32 on = _enable(argv[argc - 1]) ? 1 : 0;
+    if (std::strcmp(argv[0], "low-power") == 0) {
+        return _glb_set(chip_id, VLAN_GLB_LOW_POWER, on);
+    }
+    u32 index = 0;
+    if (std::strcmp(argv[0], "inner-tpid") == 0) {
+        if (!_num(argv[1], &index) || index >= VLAN_TPID_COUNT) {
+            cli_output_show("tpid index %s is out of range 0~3\n", argv[1]);
+            return SHR_E_PARAM;
+        }
+        return _glb_set(chip_id, VLAN_GLB_INNER_TPID0 + index, on);
+    }
+    cli_output_show("cp-mode is not supported in this build\n");
+    return SHR_E_NOT_SUPPORT;
+}
+
 // show vlan glb-info
 i32 cli_vlan_global_cfg_show(u32 chip_id, u32, i32, char **)
 {
+    auto value = [&](u32 key) {
+        vlan_control c{key, 0};
+        return vlan_api_global_cfg_get(chip_id, &c) == 0 ? static_cast<i32>(c.value) : -1;
+    };
     for (const cli_word &k : k_glb_action_keys) {
-        vlan_control c{k.id, 0};
-        const i32 rc = vlan_api_global_cfg_get(chip_id, &c);
-        cli_output_show("%-26s %s\n", k.name, rc == 0 ? cli_word_name_get(k_glb_actions, c.value, "?") : "-");
+        const i32 v = value(k.id);
+        cli_output_show("%-26s %s\n", k.name, v >= 0 ? cli_word_name_get(k_glb_actions, static_cast<u32>(v), "?") : "-");
     }
+    for (const cli_word &k : k_remark_keys) {
+        const i32 v = value(k.id);
+        cli_output_show("%-26s %s\n", k.name, v >= 0 ? cli_word_name_get(k_remark_levels, static_cast<u32>(v), "?") : "-");
+    }
+    cli_output_show("%-26s %d %d\n", "pvid-add", value(VLAN_GLB_PVID_ADD_MODE), value(VLAN_GLB_PRI_TAG_ADD_MODE));
+    cli_output_show("%-26s %d\n", "stp-learn-drop-mode", value(VLAN_GLB_MSTP_LRN_DROP_MODE));
+    cli_output_show("%-26s %d\n", "vlan-switch-pritag-tagnum", value(VLAN_GLB_PRI_TAG_TAGNUM));
+    cli_output_show("%-26s %d\n", "low-power", value(VLAN_GLB_LOW_POWER));
     for (u32 id = 0; id < VLAN_TPID_COUNT; id++) {
-        u32 value = 0;
-        vlan_api_tpid_get(chip_id, id, &value);
-        cli_output_show("tpid%-22u 0x%04x\n", id, value);
+        u32 tpid = 0;
+        vlan_api_tpid_get(chip_id, id, &tpid);
+        cli_output_show("tpid%-22u 0x%04x inner %d\n", id, tpid, value(VLAN_GLB_INNER_TPID0 + id));
     }
     return 0;
 }
@@ -498,6 +591,21 @@ const char *const k_cfg_show_help[] = {"Show", "VLAN", "VLAN id list", "Settings
 const char *const k_action_help[] = {"VLAN", "Ingress filtering failure", "VLAN not existing", "STP disabled",
                                      "STP learning", "STP blocking", "Forward", "Drop", "Copy to CPU",
                                      "Redirect to CPU", nullptr};
+const char *const k_glb_cfg_help[] = {"VLAN", "PVID add mode", "Untagged frames", "All frames", "Add",
+                                      "Add after delete", "VACL and translation action mode", "Cross effect",
+                                      "Action priority", "VID after translation untag", "Zero", "From the outer VID",
+                                      "STP learn drop mode", "Learn", "Not learn", "Priority-tagged tag number",
+                                      "Value", "Loopback tunnel SP mode", "SP", "SP and RSM", nullptr};
+const char *const k_remark_help[] = {"VLAN", "Remark level", "Voice VLAN DSCP", "Voice VLAN outer CFI",
+                                     "Voice VLAN outer priority", "Voice VLAN inner CFI", "Voice VLAN inner priority",
+                                     "Not modify", "VACL", "IACL", "Voice VLAN", nullptr};
+const char *const k_immune_help[] = {"VLAN", "STP learn", "STP block", "ERPS block", "Isolation block", "LAG block",
+                                     "Forwarded frames", "Frames to the CPU", "None", "Drop", nullptr};
+const char *const k_enable_help[] = {"VLAN", "Inner TPID", "Index 0~3", "Low power", "Copy mode", "Tag number",
+                                     "Priority-tagged outer priority", "Priority-tagged outer CFI",
+                                     "Priority-tagged inner priority", "Priority-tagged inner CFI", "Tag number",
+                                     "Value", "Outer priority", "Outer CFI", "Inner priority", "Inner CFI", "Enable",
+                                     "Disable", nullptr};
 const char *const k_glb_show_help[] = {"Show", "VLAN", "Global settings", nullptr};
 const char *const k_port_value_help[] = {"VLAN", "Ports", "Port list", "Trust dot1p pointer", "Value",
                                          "Egress translation group", "Value", "Class id", "Value", "Hash id",
@@ -532,6 +640,19 @@ cli_cmd_desc g_vlan_desc[] = {
     {"vlan (vlan-check-drop-action | vlan-no-exist-action | stp-disable-drop-action | stp-learn-drop-action | "
      "stp-block-drop-action) (forward | drop | copy-to-cpu | redirect-to-cpu)",
      -1, cli_vlan_global_action_set, k_action_help, 0},
+    {"vlan (pvid-add (untag | all) (add | add-after-del) | vacl-vt-action-mode (cross-effect | action-pri) | "
+     "after-vt-untag-vid-sel (zero | from-pkt-ovid) | stp-learn-drop-mode (learn | not-learn) | "
+     "vlan-switch-pritag-tagnum WORD | loopback-tnl-sp-mode (sp | sp-rsm))",
+     -1, cli_vlan_global_cfg_set, k_glb_cfg_help, 0},
+    {"vlan remark-level (voice-vlan-dscp | voice-vlan-ocfi | voice-vlan-opri | voice-vlan-icfi | voice-vlan-ipri) "
+     "(not-modify | vacl | iacl | voice-vlan)",
+     -1, cli_vlan_global_remark_level_set, k_remark_help, 0},
+    {"vlan (pa-immune-stp-learn-action | pa-immune-stp-block-action | pa-immune-erps-blk-action | "
+     "pa-immune-iblk-action | pa-immune-lag-blk-action) (forward-pkt | tocpu-pkt) (none | drop)",
+     -1, cli_vlan_global_immune_action_set, k_immune_help, 0},
+    {"vlan (inner-tpid WORD | low-power | cp-mode WORD (pritag-opri | pritag-ocfi | pritag-ipri | pritag-icfi | "
+     "tag-num WORD (opri | ocfi | ipri | icfi))) (enable | disable)",
+     -1, cli_vlan_global_enable_set, k_enable_help, 0},
     {"show vlan glb-info", -1, cli_vlan_global_cfg_show, k_glb_show_help, 0},
     {"vlan ports WORD (trust-dot1p-ptr WORD | egr-vt-group WORD | class-id WORD | hash-id WORD | gid WORD | "
      "protocol-bmp WORD | egr-hash-opc WORD | egr-tpid-index WORD | remark-phb-tid WORD | (port-cnt-type | "
