@@ -129,4 +129,35 @@ TEST_F(VlanCli, PortSettingsTpidsAndGlobalActions)
     EXPECT_NE(run("vlan ports 4 outer-tpid-index 4 enable"), 0);
 }
 
+
+TEST_F(VlanCli, EgressTranslationsAreAddedShownAndDeleted)
+{
+    ASSERT_EQ(run("egress-vlan-translate add key-type port-ovid port 2 match-vlan ovid 40 action otag-action "
+                  "replace new-ovid 400 new-opri 6"),
+              0)
+        << out_;
+    vlan_egress_translate_key k{};
+    k.key_type = VLAN_EVT_KEY_PORT_OVID;
+    k.lport = 2;
+    k.outer_vlan_id = 40;
+    vlan_translate_action a{};
+    ASSERT_EQ(vlan_api_egress_translate_get(0, &k, &a), 0);
+    EXPECT_EQ(a.otag_action, u32{VLAN_TAG_ACT_REPLACE});
+    EXPECT_EQ(a.new_outer_vlan, 400u);
+    EXPECT_EQ(a.new_outer_pri, 6u);
+    EXPECT_EQ(a.outer_pri_act, 2u);
+    ASSERT_EQ(run("show egress-vlan-translate all"), 0) << out_;
+    EXPECT_TRUE(has("port-ovid")) << out_;
+    EXPECT_TRUE(has("new-ovid 400")) << out_;
+    ASSERT_EQ(run("show egress-vlan-translate key-type port-ovid port 2 match-vlan ovid 40"), 0) << out_;
+    EXPECT_TRUE(has("otag replace")) << out_;
+    ASSERT_EQ(run("egress-vlan-translate del key-type port-ovid port 2 match-vlan ovid 40"), 0) << out_;
+    EXPECT_EQ(vlan_api_egress_translate_get(0, &k, &a), -7);
+    EXPECT_NE(run("egress-vlan-translate del key-type port-ovid port 2 match-vlan ovid 40"), 0);
+    EXPECT_TRUE(has("vlan_api_egress_translate_delete failed")) << out_;
+    EXPECT_NE(run("egress-vlan-translate del key-type vp-ovid-ivid vp 1 match-vlan ovid 40"), 0);
+    EXPECT_TRUE(has("vp-ovid-ivid is not supported")) << out_;
+    EXPECT_NE(run("egress-vlan-translate add key-type port-ovid port 2 match-vlan ovid 4096 action new-ovid 1"), 0);
+}
+
 } // namespace

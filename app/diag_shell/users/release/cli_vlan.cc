@@ -564,6 +564,147 @@ i32 cli_vlan_global_cfg_show(u32 chip_id, u32, i32, char **)
     return 0;
 }
 
+// ---- egress translation ------------------------------------------------------------------
+
+const cli_word k_evt_key_types[] = {{VLAN_EVT_KEY_PORT_OVID_IVID, "port-ovid-ivid"},
+                                   {VLAN_EVT_KEY_PORT_OVID_DOT1P, "port-ovid-dot1p"},
+                                   {VLAN_EVT_KEY_PORT_OVID, "port-ovid"}};
+const cli_word k_tag_actions[] = {{VLAN_TAG_ACT_NONE, "none"}, {VLAN_TAG_ACT_ADD, "add"},
+                                  {VLAN_TAG_ACT_REPLACE, "replace"}, {VLAN_TAG_ACT_DELETE, "delete"}};
+
+// The words of an egress translation command after its key type: each a
+// keyword and its value, into the key and the action.  A new priority or
+// CFI also asks for its replacement.
+bool _evt_words(u32 chip_id, i32 argc, char **argv, vlan_egress_translate_key *k, vlan_translate_action *a)
+{
+    for (i32 i = 1; i + 1 < argc; i += 2) {
+        // The literal words of a group stand alone.
+        while (i + 1 < argc && (std::strcmp(argv[i], "match-vlan") == 0 || std::strcmp(argv[i], "action") == 0)) {
+            i++;
+        }
+        if (i + 1 >= argc) {
+            break;
+        }
+        const char *w = argv[i];
+        const char *v = argv[i + 1];
+        u32 n = 0;
+        if (std::strcmp(w, "otag-action") == 0 || std::strcmp(w, "itag-action") == 0) {
+            cli_word_id_get(k_tag_actions, v, w[0] == 'o' ? &a->otag_action : &a->itag_action);
+            continue;
+        }
+        if (std::strcmp(w, "port") == 0) {
+            if (cli_pport_to_lport_checked(chip_id, v, &k->lport) != 0) {
+                return false;
+            }
+            continue;
+        }
+        if (!_num(v, &n)) {
+            return false;
+        }
+        if (std::strcmp(w, "tgid") == 0) {
+            k->trunk_flag = 1;
+            k->tgid = n;
+        } else if (std::strcmp(w, "ovid") == 0) {
+            k->outer_vlan_id = static_cast<u16>(n > 0xFFFF ? 0xFFFF : n);
+        } else if (std::strcmp(w, "ivid") == 0 || std::strcmp(w, "opri") == 0) {
+            k->inner_vlan_id = static_cast<u16>(n > 0xFFFF ? 0xFFFF : n);
+        } else if (std::strcmp(w, "new-ovid") == 0) {
+            a->new_outer_vlan = static_cast<u16>(n > 0xFFFF ? 0xFFFF : n);
+        } else if (std::strcmp(w, "new-ivid") == 0) {
+            a->new_inner_vlan = static_cast<u16>(n > 0xFFFF ? 0xFFFF : n);
+        } else if (std::strcmp(w, "dpid") == 0) {
+            a->dpid = n;
+            a->dpid_en = 1;
+        } else {
+            // new-opri, new-ocfi, new-ipri, new-icfi
+            const bool outer = w[4] == 'o';
+            const bool pri = std::strcmp(w + 5, "pri") == 0;
+            u8 *field = outer ? (pri ? &a->new_outer_pri : &a->new_outer_cfi) : (pri ? &a->new_inner_pri : &a->new_inner_cfi);
+            *field = static_cast<u8>(n > 0xFF ? 0xFF : n);
+            (outer ? (pri ? a->outer_pri_act : a->outer_cfi_act) : (pri ? a->inner_pri_act : a->inner_cfi_act)) = 2;
+        }
+    }
+    return true;
+}
+
+// The key type of argv[0]; false after a line for the types this chip lacks.
+bool _evt_key_type(const char *word, vlan_egress_translate_key *k)
+{
+    if (!cli_word_id_get(k_evt_key_types, word, &k->key_type)) {
+        cli_output_show("%s is not supported on this chip\n", word);
+        return false;
+    }
+    return true;
+}
+
+// egress-vlan-translate add key-type (...) (port WORD | tgid WORD) match-vlan {...} action {...}
+i32 cli_vlan_egress_vt_add(u32 chip_id, u32, i32 argc, char **argv)
+{
+    vlan_egress_translate_key k{};
+    vlan_translate_action a{};
+    if (!_evt_key_type(argv[0], &k)) {
+        return SHR_E_NOT_SUPPORT;
+    }
+    if (!_evt_words(chip_id, argc, argv, &k, &a)) {
+        return SHR_E_PARAM;
+    }
+    const i32 rc = vlan_api_egress_translate_add(chip_id, &k, &a);
+    return rc != 0 ? _fail("vlan_api_egress_translate_add", rc) : 0;
+}
+
+// egress-vlan-translate del key-type (...) (port WORD | tgid WORD | vp WORD | port-group WORD) match-vlan {...}
+i32 cli_vlan_egress_vt_delete(u32 chip_id, u32, i32 argc, char **argv)
+{
+    vlan_egress_translate_key k{};
+    vlan_translate_action a{};
+    if (!_evt_key_type(argv[0], &k)) {
+        return SHR_E_NOT_SUPPORT;
+    }
+    if (!_evt_words(chip_id, argc, argv, &k, &a)) {
+        return SHR_E_PARAM;
+    }
+    const i32 rc = vlan_api_egress_translate_delete(chip_id, &k);
+    return rc != 0 ? _fail("vlan_api_egress_translate_delete", rc) : 0;
+}
+
+i32 _evt_show_one(u32, vlan_egress_translate_key *k, vlan_translate_action *a, void *)
+{
+    cli_output_show("%-16s %-4s %-4u %-5u %-5u | otag %-7s itag %-7s new-ovid %u new-ivid %u opri %u%s\n",
+                    cli_word_name_get(k_evt_key_types, k->key_type, "-"), k->trunk_flag != 0 ? "tgid" : "port",
+                    k->trunk_flag != 0 ? k->tgid : k->lport, k->outer_vlan_id, k->inner_vlan_id,
+                    cli_word_name_get(k_tag_actions, a->otag_action, "?"),
+                    cli_word_name_get(k_tag_actions, a->itag_action, "?"), a->new_outer_vlan, a->new_inner_vlan,
+                    a->new_outer_pri, a->outer_pri_act != 0 ? " (replace)" : "");
+    return 0;
+}
+
+// show egress-vlan-translate (key-type (...) (port WORD | ...) match-vlan {...} | all)
+i32 cli_vlan_egress_vt_show(u32 chip_id, u32, i32 argc, char **argv)
+{
+    cli_output_show("%-16s %-4s %-4s %-5s %-5s | action\n", "Key type", "", "Id", "OVID", "IVID");
+    if (argc == 0 || std::strcmp(argv[0], "all") == 0) {
+        const i32 rc = vlan_api_egress_translate_traverse(chip_id, _evt_show_one, nullptr);
+        return rc != 0 ? _fail("vlan_api_egress_translate_traverse", rc) : 0;
+    }
+    vlan_egress_translate_key k{};
+    vlan_translate_action a{};
+    // The key type, after "key-type" when the parser keeps that word.
+    const bool word = std::strcmp(argv[0], "key-type") == 0;
+    char **rest = argv + (word ? 1 : 0);
+    argc -= word ? 1 : 0;
+    if (!_evt_key_type(rest[0], &k)) {
+        return SHR_E_NOT_SUPPORT;
+    }
+    if (!_evt_words(chip_id, argc, rest, &k, &a)) {
+        return SHR_E_PARAM;
+    }
+    const i32 rc = vlan_api_egress_translate_get(chip_id, &k, &a);
+    if (rc != 0) {
+        return _fail("vlan_api_egress_translate_get", rc);
+    }
+    return _evt_show_one(chip_id, &k, &a, nullptr);
+}
+
 // ---- the table of the mode ---------------------------------------------------------------
 
 const char *const k_create_help[] = {"VLAN", "Create", "VLAN id list", "Member ports", "Port list",
@@ -606,6 +747,25 @@ const char *const k_enable_help[] = {"VLAN", "Inner TPID", "Index 0~3", "Low pow
                                      "Priority-tagged inner priority", "Priority-tagged inner CFI", "Tag number",
                                      "Value", "Outer priority", "Outer CFI", "Inner priority", "Inner CFI", "Enable",
                                      "Disable", nullptr};
+const char *const k_evt_add_help[] = {"Egress VLAN translation", "Add", "Key type", "Port, outer and inner VID",
+                                      "Port and outer VID", "Port, outer VID and priority", "Port", "Port",
+                                      "Trunk", "Trunk id", "Match", "Outer VID", "VID", "Inner VID", "VID",
+                                      "Outer priority", "0~7", "Action", "Outer tag action", "None", "Add",
+                                      "Replace", "Delete", "Inner tag action", "None", "Add", "Replace", "Delete",
+                                      "New outer VID", "VID", "New inner VID", "VID", "New outer priority", "0~7",
+                                      "New outer CFI", "0~1", "New inner priority", "0~7", "New inner CFI", "0~1",
+                                      "Destination port", "0~127", nullptr};
+const char *const k_evt_del_help[] = {"Egress VLAN translation", "Delete", "Key type", "Port, outer and inner VID",
+                                      "Port and outer VID", "Port, outer VID and priority", "VP, outer and inner VID",
+                                      "Port group, outer and inner VID", "Port", "Port", "Trunk", "Trunk id", "VP",
+                                      "VP id", "Port group", "Group id", "Match", "Outer VID", "VID", "Inner VID",
+                                      "VID", "Outer priority", "0~7", nullptr};
+const char *const k_evt_show_help[] = {"Show", "Egress VLAN translation", "Key type", "Port, outer and inner VID",
+                                       "Port and outer VID", "Port, outer VID and priority",
+                                       "VP, outer and inner VID", "Port group, outer and inner VID", "Port", "Port",
+                                       "Trunk", "Trunk id", "VP", "VP id", "Port group", "Group id", "Match",
+                                       "Outer VID", "VID", "Inner VID", "VID", "Outer priority", "0~7", "All",
+                                       nullptr};
 const char *const k_glb_show_help[] = {"Show", "VLAN", "Global settings", nullptr};
 const char *const k_port_value_help[] = {"VLAN", "Ports", "Port list", "Trust dot1p pointer", "Value",
                                          "Egress translation group", "Value", "Class id", "Value", "Hash id",
@@ -662,6 +822,19 @@ cli_cmd_desc g_vlan_desc[] = {
      "opri-cfi | ipri | ipri-cfi) map-id WORD)",
      -1, cli_vlan_port_trust_set, k_trust_help, 0},
     {"show vlan port WORD info", -1, cli_vlan_port_cfg_show, k_port_show_help, 0},
+    {"egress-vlan-translate add key-type (port-ovid-ivid | port-ovid | port-ovid-dot1p) (port WORD | tgid WORD) "
+     "match-vlan {ovid WORD | ivid WORD | opri WORD} action {otag-action (none | add | replace | delete) | "
+     "itag-action (none | add | replace | delete) | new-ovid WORD | new-ivid WORD | new-opri WORD | new-ocfi WORD "
+     "| new-ipri WORD | new-icfi WORD | dpid WORD}",
+     -1, cli_vlan_egress_vt_add, k_evt_add_help, 0},
+    {"egress-vlan-translate del key-type (port-ovid-ivid | port-ovid | port-ovid-dot1p | vp-ovid-ivid | "
+     "port-group-ovid-ivid) (port WORD | tgid WORD | vp WORD | port-group WORD) match-vlan {ovid WORD | ivid WORD "
+     "| opri WORD}",
+     -1, cli_vlan_egress_vt_delete, k_evt_del_help, 0},
+    {"show egress-vlan-translate (key-type (port-ovid-ivid | port-ovid | port-ovid-dot1p | vp-ovid-ivid | "
+     "port-group-ovid-ivid) (port WORD | tgid WORD | vp WORD | port-group WORD) match-vlan {ovid WORD | ivid WORD "
+     "| opri WORD} | all)",
+     -1, cli_vlan_egress_vt_show, k_evt_show_help, 0},
 };
 
 constexpr u32 k_vlan_commands = sizeof(g_vlan_desc) / sizeof(g_vlan_desc[0]);
