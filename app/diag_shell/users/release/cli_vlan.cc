@@ -575,9 +575,10 @@ const cli_word k_tag_actions[] = {{VLAN_TAG_ACT_NONE, "none"}, {VLAN_TAG_ACT_ADD
 // The words of an egress translation command after its key type: each a
 // keyword and its value, into the key and the action.  A new priority or
 // CFI also asks for its replacement.
-bool _evt_words(u32 chip_id, i32 argc, char **argv, vlan_egress_translate_key *k, vlan_translate_action *a)
+bool _evt_words(u32 chip_id, i32 first, i32 argc, char **argv, vlan_egress_translate_key *k,
+                vlan_translate_action *a)
 {
-    for (i32 i = 1; i + 1 < argc; i += 2) {
+    for (i32 i = first; i + 1 < argc; i += 2) {
         // The literal words of a group stand alone.
         while (i + 1 < argc && (std::strcmp(argv[i], "match-vlan") == 0 || std::strcmp(argv[i], "action") == 0)) {
             i++;
@@ -637,15 +638,15 @@ bool _evt_key_type(const char *word, vlan_egress_translate_key *k)
     return true;
 }
 
-// egress-vlan-translate add key-type (...) (port WORD | tgid WORD) match-vlan {...} action {...}
+// egress-vlan-translate add key-type <type> (port WORD | tgid WORD) match-vlan {...} action {...}: one
+// handler per key type, the words after the type all in pairs.
+template <u32 KeyType>
 i32 cli_vlan_egress_vt_add(u32 chip_id, u32, i32 argc, char **argv)
 {
     vlan_egress_translate_key k{};
     vlan_translate_action a{};
-    if (!_evt_key_type(argv[0], &k)) {
-        return SHR_E_NOT_SUPPORT;
-    }
-    if (!_evt_words(chip_id, argc, argv, &k, &a)) {
+    k.key_type = KeyType;
+    if (!_evt_words(chip_id, 0, argc, argv, &k, &a)) {
         return SHR_E_PARAM;
     }
     const i32 rc = vlan_api_egress_translate_add(chip_id, &k, &a);
@@ -660,7 +661,7 @@ i32 cli_vlan_egress_vt_delete(u32 chip_id, u32, i32 argc, char **argv)
     if (!_evt_key_type(argv[0], &k)) {
         return SHR_E_NOT_SUPPORT;
     }
-    if (!_evt_words(chip_id, argc, argv, &k, &a)) {
+    if (!_evt_words(chip_id, 1, argc, argv, &k, &a)) {
         return SHR_E_PARAM;
     }
     const i32 rc = vlan_api_egress_translate_delete(chip_id, &k);
@@ -695,7 +696,7 @@ i32 cli_vlan_egress_vt_show(u32 chip_id, u32, i32 argc, char **argv)
     if (!_evt_key_type(rest[0], &k)) {
         return SHR_E_NOT_SUPPORT;
     }
-    if (!_evt_words(chip_id, argc, rest, &k, &a)) {
+    if (!_evt_words(chip_id, 1, argc, rest, &k, &a)) {
         return SHR_E_PARAM;
     }
     const i32 rc = vlan_api_egress_translate_get(chip_id, &k, &a);
@@ -747,10 +748,9 @@ const char *const k_enable_help[] = {"VLAN", "Inner TPID", "Index 0~3", "Low pow
                                      "Priority-tagged inner priority", "Priority-tagged inner CFI", "Tag number",
                                      "Value", "Outer priority", "Outer CFI", "Inner priority", "Inner CFI", "Enable",
                                      "Disable", nullptr};
-const char *const k_evt_add_help[] = {"Egress VLAN translation", "Add", "Key type", "Port, outer and inner VID",
-                                      "Port and outer VID", "Port, outer VID and priority", "Port", "Port",
-                                      "Trunk", "Trunk id", "Match", "Outer VID", "VID", "Inner VID", "VID",
-                                      "Outer priority", "0~7", "Action", "Outer tag action", "None", "Add",
+const char *const k_evt_add_help[] = {"Egress VLAN translation", "Add", "Key type", "Key type", "Port", "Port",
+                                      "Trunk", "Trunk id", "Match", "Outer VID", "VID", "Inner VID or priority",
+                                      "Value", "Action", "Outer tag action", "None", "Add",
                                       "Replace", "Delete", "Inner tag action", "None", "Add", "Replace", "Delete",
                                       "New outer VID", "VID", "New inner VID", "VID", "New outer priority", "0~7",
                                       "New outer CFI", "0~1", "New inner priority", "0~7", "New inner CFI", "0~1",
@@ -822,11 +822,17 @@ cli_cmd_desc g_vlan_desc[] = {
      "opri-cfi | ipri | ipri-cfi) map-id WORD)",
      -1, cli_vlan_port_trust_set, k_trust_help, 0},
     {"show vlan port WORD info", -1, cli_vlan_port_cfg_show, k_port_show_help, 0},
-    {"egress-vlan-translate add key-type (port-ovid-ivid | port-ovid | port-ovid-dot1p) (port WORD | tgid WORD) "
-     "match-vlan {ovid WORD | ivid WORD | opri WORD} action {otag-action (none | add | replace | delete) | "
-     "itag-action (none | add | replace | delete) | new-ovid WORD | new-ivid WORD | new-opri WORD | new-ocfi WORD "
-     "| new-ipri WORD | new-icfi WORD | dpid WORD}",
-     -1, cli_vlan_egress_vt_add, k_evt_add_help, 0},
+#define CLI_VLAN_EVT_ADD(type, match)                                                                            \
+    "egress-vlan-translate add key-type " type " (port WORD | tgid WORD) match-vlan {" match "} action "           \
+    "{otag-action (none | add | replace | delete) | itag-action (none | add | replace | delete) | new-ovid WORD | " \
+    "new-ivid WORD | new-opri WORD | new-ocfi WORD | new-ipri WORD | new-icfi WORD | dpid WORD}"
+    {CLI_VLAN_EVT_ADD("port-ovid-ivid", "ovid WORD | ivid WORD"), -1,
+     cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID_IVID>, k_evt_add_help, 0},
+    {CLI_VLAN_EVT_ADD("port-ovid", "ovid WORD"), -1, cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID>, k_evt_add_help,
+     0},
+    {CLI_VLAN_EVT_ADD("port-ovid-dot1p", "ovid WORD | opri WORD"), -1,
+     cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID_DOT1P>, k_evt_add_help, 0},
+#undef CLI_VLAN_EVT_ADD
     {"egress-vlan-translate del key-type (port-ovid-ivid | port-ovid | port-ovid-dot1p | vp-ovid-ivid | "
      "port-group-ovid-ivid) (port WORD | tgid WORD | vp WORD | port-group WORD) match-vlan {ovid WORD | ivid WORD "
      "| opri WORD}",
