@@ -748,13 +748,18 @@ const char *const k_enable_help[] = {"VLAN", "Inner TPID", "Index 0~3", "Low pow
                                      "Priority-tagged inner priority", "Priority-tagged inner CFI", "Tag number",
                                      "Value", "Outer priority", "Outer CFI", "Inner priority", "Inner CFI", "Enable",
                                      "Disable", nullptr};
-const char *const k_evt_add_help[] = {"Egress VLAN translation", "Add", "Key type", "Key type", "Port", "Port",
-                                      "Trunk", "Trunk id", "Match", "Outer VID", "VID", "Inner VID or priority",
-                                      "Value", "Action", "Outer tag action", "None", "Add",
-                                      "Replace", "Delete", "Inner tag action", "None", "Add", "Replace", "Delete",
-                                      "New outer VID", "VID", "New inner VID", "VID", "New outer priority", "0~7",
-                                      "New outer CFI", "0~1", "New inner priority", "0~7", "New inner CFI", "0~1",
-                                      "Destination port", "0~127", nullptr};
+// The help of an add: its words up to the match, the match's words, then
+// the action's.
+#define CLI_VLAN_EVT_ADD_HELP(...)                                                                               \
+    {"Egress VLAN translation", "Add", "Key type", "Key type", "Port", "Port", "Trunk", "Trunk id", "Match",      \
+     __VA_ARGS__, "Action", "Outer tag action", "None", "Add", "Replace", "Delete", "Inner tag action", "None",     \
+     "Add", "Replace", "Delete", "New outer VID", "VID", "New inner VID", "VID", "New outer priority", "0~7",       \
+     "New outer CFI", "0~1", "New inner priority", "0~7", "New inner CFI", "0~1", "Destination port", "0~127",     \
+     nullptr}
+const char *const k_evt_add_ovid_ivid_help[] = CLI_VLAN_EVT_ADD_HELP("Outer VID", "VID", "Inner VID", "VID");
+const char *const k_evt_add_ovid_help[] = CLI_VLAN_EVT_ADD_HELP("Outer VID", "VID");
+const char *const k_evt_add_ovid_dot1p_help[] = CLI_VLAN_EVT_ADD_HELP("Outer VID", "VID", "Outer priority", "0~7");
+#undef CLI_VLAN_EVT_ADD_HELP
 const char *const k_evt_del_help[] = {"Egress VLAN translation", "Delete", "Key type", "Port, outer and inner VID",
                                       "Port and outer VID", "Port, outer VID and priority", "VP, outer and inner VID",
                                       "Port group, outer and inner VID", "Port", "Port", "Trunk", "Trunk id", "VP",
@@ -827,11 +832,11 @@ cli_cmd_desc g_vlan_desc[] = {
     "{otag-action (none | add | replace | delete) | itag-action (none | add | replace | delete) | new-ovid WORD | " \
     "new-ivid WORD | new-opri WORD | new-ocfi WORD | new-ipri WORD | new-icfi WORD | dpid WORD}"
     {CLI_VLAN_EVT_ADD("port-ovid-ivid", "ovid WORD | ivid WORD"), -1,
-     cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID_IVID>, k_evt_add_help, 0},
-    {CLI_VLAN_EVT_ADD("port-ovid", "ovid WORD"), -1, cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID>, k_evt_add_help,
-     0},
+     cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID_IVID>, k_evt_add_ovid_ivid_help, 0},
+    {CLI_VLAN_EVT_ADD("port-ovid", "ovid WORD"), -1, cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID>,
+     k_evt_add_ovid_help, 0},
     {CLI_VLAN_EVT_ADD("port-ovid-dot1p", "ovid WORD | opri WORD"), -1,
-     cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID_DOT1P>, k_evt_add_help, 0},
+     cli_vlan_egress_vt_add<VLAN_EVT_KEY_PORT_OVID_DOT1P>, k_evt_add_ovid_dot1p_help, 0},
 #undef CLI_VLAN_EVT_ADD
     {"egress-vlan-translate del key-type (port-ovid-ivid | port-ovid | port-ovid-dot1p | vp-ovid-ivid | "
      "port-group-ovid-ivid) (port WORD | tgid WORD | vp WORD | port-group WORD) match-vlan {ovid WORD | ivid WORD "
