@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
 #include "sim/sim_tap.h"
@@ -46,6 +47,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseSrcBlk, "ARL_SRC_BLK"},
     {kCauseGlbLmt, "ARL_GLB_LMT"},
     {kCausePortLmt, "ARL_PORT_LMT"},
+    {kCauseVlanLmt, "ARL_VLAN_LMT"},
     {kCauseDynFloat, "ARL_DYN_FLOAT"},
     {kCauseStaFloat, "ARL_STA_FLOAT"},
     {kCauseHashFull, "ARL_HASH_FULL"},
@@ -62,6 +64,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseEgressBc, "DISCARD_BC"},
     {kCauseVlanCheck, "DISCARD_VLANCHECK"},
     {kCauseEvlanInvalid, "DISCARD_EVLAN_UNVLD"},
+    {kCauseVtMissDrop, "DISCARD_VTMISSDROP"},
     {kCauseOpcodeAbnormal, "DISCARD_OPCODE_ABNORMAL"},
     {kCauseQmFlush, "QM_FLUSH_DROP"},
 };
@@ -72,6 +75,7 @@ constexpr CauseName kCpuNames[] = {
     {kCpuUnknownUc, "TOCPU_ARL_UNKNOW_UC"},
     {kCpuGlbLmt, "TOCPU_ARL_GLB_LMT"},
     {kCpuPortLmt, "TOCPU_ARL_PORT_LMT"},
+    {kCpuVlanLmt, "TOCPU_ARL_VLAN_LMT"},
     {kCpuNoLearn, "TOCPU_ARL_NO_LRN"},
     {kCpuStaFloat, "TOCPU_ARL_STA_FLOAT"},
     {kCpuSoftLearn, "TOCPU_ARL_SOFT_LRN"},
@@ -213,7 +217,9 @@ void Pipeline::resolve()
                {&ivlan.unmc_broad, "unmc_broad"},
                {&ivlan.unmc_tocp, "unmc_tocp"},
                {&ivlan.unuc_broad, "unuc_broad"},
-               {&ivlan.unuc_tocp, "unuc_tocp"}});
+               {&ivlan.unuc_tocp, "unuc_tocp"},
+               {&ivlan.vlan_lrn_lmt, "vlan_lrn_lmt"},
+               {&ivlan.mac_lmt_dlf, "mac_lmt_dlf"}});
     t.vmap = need_tab("ipro_vmap_tbl", &tab);
     need(tab, {{&vlan.vmap_vld, "vld"}, {&vlan.vmap_idx, "vlan_idx"}});
     t.vbmp = need_tab("ipro_vbmp_tbl", &tab);
@@ -225,7 +231,20 @@ void Pipeline::resolve()
                {&egr.unuc_ctrl, "unuc_ctrl"},
                {&egr.unmc_ctrl, "unmc_ctrl"},
                {&egr.mc_ctrl, "mc_ctrl"},
-               {&egr.bc_ctrl, "bc_ctrl"}});
+               {&egr.bc_ctrl, "bc_ctrl"},
+               {&egr.sit1, "sit1"},
+               {&egr.sit2, "sit2"},
+               {&egr.vtmiss_drop, "vtmiss_drop"},
+               {&egr.hash_opc, "hash_opc"}});
+    t.ecib = need_tab("epro_ecib_table", &tab);
+    need(tab, {{&ecib.vld, "vld"},
+               {&ecib.ivid, "ivid"},
+               {&ecib.ovid, "ovid"},
+               {&ecib.outer_pri, "outer_pri"},
+               {&ecib.outer_cfi, "outer_cfi"},
+               {&ecib.inner_pri, "inner_pri"},
+               {&ecib.inner_cfi, "inner_cfi"},
+               {&ecib.vlan_opc, "vlan_opc"}});
     t.evlan = need_tab("epro_evlan_table", &tab);
     need(tab, {{&vlan.evlan_vld, "vld"}});
     t.vlanbmp = need_tab("epro_vlanbitmap_table", &tab);
@@ -287,6 +306,11 @@ uint32_t Pipeline::move_priority(uint32_t port) const
 ArlEngine &Pipeline::arl()
 {
     return *chip_.arl;
+}
+
+EmEngine &Pipeline::em()
+{
+    return *chip_.em;
 }
 
 MccEngine &Pipeline::mcc()

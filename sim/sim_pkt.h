@@ -27,6 +27,7 @@ namespace tide::sim {
 
 class Chip;
 class MccEngine;
+class EmEngine;
 class PcapWriter;
 class QosEngine;
 
@@ -50,6 +51,7 @@ enum Cause : uint16_t {
     kCauseSrcBlk = 589,         // ARL_SRC_BLK
     kCauseGlbLmt = 590,         // ARL_GLB_LMT
     kCausePortLmt = 591,        // ARL_PORT_LMT
+    kCauseVlanLmt = 592,        // ARL_VLAN_LMT
     kCauseDynFloat = 593,       // ARL_DYN_FLOAT
     kCauseStaFloat = 594,       // ARL_STA_FLOAT
     kCauseHashFull = 595,       // ARL_HASH_FULL
@@ -65,6 +67,7 @@ enum Cause : uint16_t {
     kCauseEgressMc = 713,       // DISCARD_MC
     kCauseEgressBc = 714,       // DISCARD_BC
     kCauseVlanCheck = 723,      // DISCARD_VLANCHECK
+    kCauseVtMissDrop = 728,     // DISCARD_VTMISSDROP
     kCauseEvlanInvalid = 724,   // DISCARD_EVLAN_UNVLD
     kCauseOpcodeAbnormal = 733, // DISCARD_OPCODE_ABNORMAL
     kCauseQmFlush = 749,        // QM_FLUSH_DROP
@@ -77,6 +80,7 @@ enum CpuCause : uint16_t {
     kCpuUnknownUc = 306,  // TOCPU_ARL_UNKNOW_UC
     kCpuGlbLmt = 307,     // TOCPU_ARL_GLB_LMT
     kCpuPortLmt = 309,    // TOCPU_ARL_PORT_LMT
+    kCpuVlanLmt = 308,    // TOCPU_ARL_VLAN_LMT
     kCpuNoLearn = 310,    // TOCPU_ARL_NO_LRN
     kCpuStaFloat = 311,   // TOCPU_ARL_STA_FLOAT
     kCpuSoftLearn = 312,  // TOCPU_ARL_SOFT_LRN
@@ -263,7 +267,7 @@ public:
         FieldRef lrn_mode, mac_float_pfe, sta_float_act, mac_float_fail_act, hash_conflict_act;
     } r;
     struct Tables {
-        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat;
+        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat, ecib;
     } t;
     struct IpatFields {
         FieldRef vld, pvid, discard_untag, discard_tag, vlan_check_en, mac_lrn_mode, nolrn_tocp, nolrn_discard,
@@ -271,14 +275,20 @@ public:
             mac_lmt_dlf;
     } ipat;
     struct IvlanFields {
-        FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp;
+        FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp, vlan_lrn_lmt,
+            mac_lmt_dlf;
     } ivlan;
     struct VlanFields {
         FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld;
     } vlan;
     struct EgressFields {
-        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl;
+        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl, sit1, sit2,
+            vtmiss_drop, hash_opc;
     } egr;
+    // The action rows of the egress translation.
+    struct EcibFields {
+        FieldRef vld, ivid, ovid, outer_pri, outer_cfi, inner_pri, inner_cfi, vlan_opc;
+    } ecib;
     FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes;
 
     uint32_t reg(const RegView &r, uint32_t instance = 0) const;
@@ -291,6 +301,7 @@ public:
     uint32_t move_priority(uint32_t port) const;
     ArlEngine &arl();
     MccEngine &mcc();
+    EmEngine &em();
 
 private:
     void resolve();

@@ -12,6 +12,7 @@
 #include <tide/sim.h>
 #include <tide/stub.h>
 #include <tide/tide.h>
+#include <tide/vlan.h>
 #include <tide/xsal.h>
 
 int tide_header_check(void);
@@ -22,6 +23,7 @@ int tide_header_check(void)
     l2_addr addr = {0};
     qos_policer_cfg policer = {0};
     serdes_eye eye = {0};
+    vlan_control vc = {0};
     return (int)sizeof(cfg) + (int)sizeof(hal_devio) + (int)sizeof(config.pbmp[0]) + (int)sizeof(addr) +
-           (int)sizeof(eye) + (int)sizeof(policer);
+           (int)sizeof(eye) + (int)sizeof(policer) + (int)sizeof(vc);
 }

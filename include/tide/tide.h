@@ -15,6 +15,7 @@
 #include <tide/serdes.h>
 #include <tide/shr.h>
 #include <tide/stub.h>
+#include <tide/vlan.h>
 #include <tide/property.h>
 #include <tide/xsal.h>
 

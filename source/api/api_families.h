@@ -18,6 +18,7 @@
 #include <tide/port.h>
 #include <tide/qos.h>
 #include <tide/serdes.h>
+#include <tide/vlan.h>
 
 #include "api/api_guard.h"
 
@@ -201,6 +202,38 @@ API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
        (chip_id, buf, len, out, count), )
 
 API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
+
+/* ---- vlan: the operations of VLANs, ports, TPIDs and global settings --- */
+#define TIDE_VLAN_OPS(OP)                                                                                        \
+    OP(port_trust_type_set, (u32 chip_id, u32 lport, u32 type, vlan_trust_info *info), (chip_id, lport, type, info)) \
+    OP(port_trust_type_get, (u32 chip_id, u32 lport, u32 *type, vlan_trust_info *info), (chip_id, lport, type, info)) \
+    OP(port_control_set, (u32 chip_id, u32 lport, vlan_control *control), (chip_id, lport, control))           \
+    OP(port_control_get, (u32 chip_id, u32 lport, vlan_control *control), (chip_id, lport, control))           \
+    OP(control_set, (u32 chip_id, u32 vid, vlan_control *control), (chip_id, vid, control))                    \
+    OP(control_get, (u32 chip_id, u32 vid, vlan_control *control), (chip_id, vid, control))                    \
+    OP(global_cfg_set, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                                       \
+    OP(global_cfg_get, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                                       \
+    OP(create, (u32 chip_id, u32 vid), (chip_id, vid))                                                         \
+    OP(destroy, (u32 chip_id, u32 vid), (chip_id, vid))                                                        \
+    OP(port_add, (u32 chip_id, u32 vid, port_bitmap *members, port_bitmap *untagged), (chip_id, vid, members, untagged)) \
+    OP(port_set, (u32 chip_id, u32 vid, port_bitmap *members, port_bitmap *untagged), (chip_id, vid, members, untagged)) \
+    OP(port_delete, (u32 chip_id, u32 vid, port_bitmap *ports), (chip_id, vid, ports))                         \
+    OP(port_get, (u32 chip_id, u32 vid, port_bitmap *members, port_bitmap *untagged), (chip_id, vid, members, untagged)) \
+    OP(tpid_set, (u32 chip_id, u32 id, u32 value), (chip_id, id, value))                                       \
+    OP(tpid_get, (u32 chip_id, u32 id, u32 *value), (chip_id, id, value))                                      \
+    OP(port_tpid_bitmap_set, (u32 chip_id, u32 lport, u32 bitmap), (chip_id, lport, bitmap))                   \
+    OP(port_tpid_bitmap_get, (u32 chip_id, u32 lport, u32 *bitmap), (chip_id, lport, bitmap))                  \
+    OP(translation_global_cfg_set, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                           \
+    OP(translation_global_cfg_get, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                           \
+    OP(egress_translate_add, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
+       (chip_id, key, action))                                                                                 \
+    OP(egress_translate_delete, (u32 chip_id, vlan_egress_translate_key *key), (chip_id, key))                 \
+    OP(egress_translate_get, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
+       (chip_id, key, action))                                                                                 \
+    OP(egress_translate_traverse, (u32 chip_id, vlan_egress_translate_traverse_cb fn, void *user),             \
+       (chip_id, fn, user))
+
+API_DECLARE_FAMILY(vlan, TIDE_VLAN_OPS)
 
 /* ---- acl: the operations of groups, entries, lookups and controls, in the
  * order of the family's slots; PTRS marks those whose pointer arguments

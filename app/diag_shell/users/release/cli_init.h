@@ -46,6 +46,7 @@ void cli_cmd_init_serdes(void);
 void cli_cmd_init_config(void);
 void cli_cmd_init_common(void);
 void cli_cmd_init_base(void);
+void cli_cmd_init_vlan(void);
 
 /* Handlers of mode `config`. */
 i32 cli_terminal_monitor_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
