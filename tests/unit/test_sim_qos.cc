@@ -7,7 +7,7 @@
 
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "atolreef_cib.h"
 #include "support/fixture.h"
 
@@ -62,7 +62,7 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
-        ASSERT_EQ(bootstrap_vlan(0, 1, kFront, 0), 0); // every port a tagged member
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, kFront, 0), 0); // every port a tagged member
         l2_addr a{};
         a.flags = L2_FLAG_KEY_VID | L2_FLAG_DEST_PORT;
         for (int i = 5; i >= 0; i--) {
