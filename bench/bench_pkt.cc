@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "bench_chip.h"
 
 namespace {
@@ -32,7 +32,7 @@ constexpr uint64_t kA = 0x02000000000Aull, kB = 0x02000000000Bull;
 std::vector<uint8_t> _known_unicast()
 {
     chip();
-    bootstrap_vlan(0, 1, 0x0FFFFFFF, 0x0FFFFFFF);
+    tide::test::vlan_ports(0, 1, 0x0FFFFFFF, 0x0FFFFFFF);
     const std::vector<uint8_t> a = _frame(0xFFFFFFFFFFFFull, kA), b = _frame(0xFFFFFFFFFFFFull, kB);
     tide_sim_packet_inject(0, 1, a.data(), static_cast<uint32_t>(a.size()));
     tide_sim_packet_inject(0, 2, b.data(), static_cast<uint32_t>(b.size()));

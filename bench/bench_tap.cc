@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "bench_chip.h"
 #include "support/netns.h"
 
@@ -42,7 +42,7 @@ struct Lab {
         if (!error.empty()) {
             return;
         }
-        bootstrap_vlan(0, 1, 0x6, 0x6);
+        tide::test::vlan_ports(0, 1, 0x6, 0x6);
         for (int h = 0; h < 2; h++) {
             const std::string tap = tide::test::unique_name("tb", std::to_string(h));
             ns[h] = std::make_unique<NetNs>(tide::test::unique_name("tidebench", std::to_string(h)));

@@ -16,6 +16,7 @@
 #include "sim/sim_int.h"
 #include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
+#include "sim/sim_qos.h"
 #include "sim/sim_serdes.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
@@ -323,6 +324,14 @@ int tide_sim_engine_stall_set(uint32_t chip, tide_sim_engine engine, int stall)
     std::lock_guard<std::mutex> lock(c->mutex);
     c->stalled[engine] = stall != 0;
     return 0;
+}
+
+int tide_sim_qos_never_empty_set(uint32_t chip, uint32_t lport, int on)
+{
+    return _on_packet_path(chip, lport, true, [&](tide::sim::Pipeline &pl) {
+        pl.qos().never_empty(lport, on != 0);
+        return 0;
+    });
 }
 
 int tide_sim_write_log_get(uint32_t chip, tide_sim_write *entries, uint32_t max, uint32_t *count)

@@ -9,6 +9,7 @@
 #include "sim/sim_mcc.h"
 #include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
+#include "sim/sim_qos.h"
 #include "sim/sim_regmap.h"
 #include "sim/sim_serdes.h"
 #include "sim/sim_tap.h"
@@ -53,6 +54,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number, SerdesFabric *fabric) : id_(id), bu
     tcam = std::make_unique<TcamEngine>(*this);
     em = std::make_unique<EmEngine>(*this);
     mcc = std::make_unique<MccEngine>(*this);
+    qos = std::make_unique<QosEngine>(*this);
     pkt = std::make_unique<Pipeline>(*this);
     tap = std::make_unique<TapPorts>(*this);
     intr = std::make_unique<IntrTree>(*this);
@@ -73,6 +75,7 @@ Chip::~Chip()
     intr.reset();
     serdes.reset();
     pkt.reset();
+    qos.reset();
     tcam.reset();
     em.reset();
     mcc.reset();
@@ -93,7 +96,7 @@ bool Chip::ok() const
     }
     return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (em == nullptr || em->ok()) &&
            (mcc == nullptr || mcc->ok()) && (pkt == nullptr || pkt->ok()) && (intr == nullptr || intr->ok()) &&
-           (serdes == nullptr || serdes->ok());
+           (serdes == nullptr || serdes->ok()) && (qos == nullptr || qos->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -329,6 +332,9 @@ void Chip::reset_core()
     if (serdes) {
         serdes->clear();
     }
+    if (qos) {
+        qos->clear();
+    }
     if (intr) {
         intr->update();
     }
@@ -343,6 +349,7 @@ void Chip::install_engines()
     em->install();
     intr->install();
     serdes->install();
+    qos->install();
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,

@@ -8,6 +8,9 @@
 // bit at a time.
 #include "sim/sim_em.h"
 
+#include <initializer_list>
+#include <utility>
+
 #include "sim/sim_int.h"
 
 namespace tide::sim {
@@ -92,6 +95,11 @@ EmEngine::EmEngine(Chip &chip) : chip_(chip)
         if (t != nullptr && m == 2) {
             s_ad_ = needs_.field(t->fields, t->field_count, "ad");
             s_vld_ = needs_.field(t->fields, t->field_count, "vld");
+            k_tid_ = needs_.field(t->fields, t->field_count, "tid");
+            k_trunk_ = needs_.field(t->fields, t->field_count, "trunk_flag");
+            k_port_ = needs_.field(t->fields, t->field_count, "portid_trunkid");
+            k_ovid_ = needs_.field(t->fields, t->field_count, "ovid");
+            k_ivid_ = needs_.field(t->fields, t->field_count, "ivid_opri");
         }
     }
     slot_bits_ = s_vld_.low + 1;
@@ -191,6 +199,32 @@ uint32_t EmEngine::hit_word(uint32_t mem, uint32_t row, uint64_t key) const
         }
     }
     return 0;
+}
+
+uint64_t EmEngine::key_of(uint32_t tid, uint32_t trunk_flag, uint32_t port, uint32_t ovid, uint32_t ivid_opri) const
+{
+    uint64_t key = 0;
+    const std::pair<FieldRef, uint32_t> parts[] = {
+        {k_tid_, tid}, {k_trunk_, trunk_flag}, {k_port_, port}, {k_ovid_, ovid}, {k_ivid_, ivid_opri}};
+    for (const auto &[f, v] : parts) {
+        key |= (static_cast<uint64_t>(v) & width_mask(f.width)) << f.low;
+    }
+    return key;
+}
+
+bool EmEngine::lookup(uint64_t key, uint32_t hash_id, uint32_t *ad) const
+{
+    key &= width_mask(key_bits_);
+    uint32_t rows[kMems] = {0, 0, 0};
+    buckets(key, hash_id, &rows[0], &rows[1]);
+    for (uint32_t mem : {2u, 0u, 1u}) {
+        const uint32_t w = hit_word(mem, rows[mem], key);
+        if (w != 0) {
+            *ad = (w >> row_bits_[mem]) & static_cast<uint32_t>(width_mask(s_ad_.width));
+            return true;
+        }
+    }
+    return false;
 }
 
 void EmEngine::search()

@@ -43,6 +43,12 @@ public:
 
     // The bucket rows of a key with a hash id, as the search computes them.
     void buckets(uint64_t key, uint32_t hash_id, uint32_t *bar0, uint32_t *bar1) const;
+    // The lookup of the egress stage: the AD row of the entry holding `key`
+    // (the CAM first, then the key's rows of barrel 0 and barrel 1), as
+    // the search command finds it; false for a miss.
+    bool lookup(uint64_t key, uint32_t hash_id, uint32_t *ad) const;
+    // A key from its fields, placed as a slot of the description holds them.
+    uint64_t key_of(uint32_t tid, uint32_t trunk_flag, uint32_t port, uint32_t ovid, uint32_t ivid_opri) const;
 
 private:
     Chip &chip_;
@@ -58,6 +64,7 @@ private:
     // key is every bit below the AD row.
     uint32_t slot_bits_ = 0;
     FieldRef s_ad_, s_vld_;
+    FieldRef k_tid_, k_trunk_, k_port_, k_ovid_, k_ivid_;
     uint32_t key_bits_ = 0;
     uint32_t hash_id_bits_ = 0;
 

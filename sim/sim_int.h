@@ -60,6 +60,7 @@ class TapPorts;
 class IntrTree;
 class SerdesEngine;
 class SerdesFabric;
+class QosEngine;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 // Runs before a CPU read of the address: the chip's logic brings the word
 // up to date.
@@ -175,6 +176,8 @@ public:
     std::unique_ptr<IntrTree> intr;
     // The SerDes lanes.
     std::unique_ptr<SerdesEngine> serdes;
+    // Classification, policers, queues and remark.
+    std::unique_ptr<QosEngine> qos;
 
     // Microseconds the SDK waited for the chip to settle.
     std::atomic<uint64_t> waited_us{0};

@@ -2,11 +2,13 @@
 // packet, the copies, the capture queues, the model's clock and aging, and
 // the capture file.
 #include "sim/sim_pkt.h"
+#include "sim/sim_qos.h"
 
 #include <cstring>
 #include <string>
 
 #include "sim/sim_acl.h"
+#include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
 #include "sim/sim_tap.h"
@@ -47,6 +49,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseSrcBlk, "ARL_SRC_BLK"},
     {kCauseGlbLmt, "ARL_GLB_LMT"},
     {kCausePortLmt, "ARL_PORT_LMT"},
+    {kCauseVlanLmt, "ARL_VLAN_LMT"},
     {kCauseDynFloat, "ARL_DYN_FLOAT"},
     {kCauseStaFloat, "ARL_STA_FLOAT"},
     {kCauseHashFull, "ARL_HASH_FULL"},
@@ -63,6 +66,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseEgressBc, "DISCARD_BC"},
     {kCauseVlanCheck, "DISCARD_VLANCHECK"},
     {kCauseEvlanInvalid, "DISCARD_EVLAN_UNVLD"},
+    {kCauseVtMissDrop, "DISCARD_VTMISSDROP"},
     {kCauseOpcodeAbnormal, "DISCARD_OPCODE_ABNORMAL"},
     {kCauseQmFlush, "QM_FLUSH_DROP"},
 };
@@ -73,6 +77,7 @@ constexpr CauseName kCpuNames[] = {
     {kCpuUnknownUc, "TOCPU_ARL_UNKNOW_UC"},
     {kCpuGlbLmt, "TOCPU_ARL_GLB_LMT"},
     {kCpuPortLmt, "TOCPU_ARL_PORT_LMT"},
+    {kCpuVlanLmt, "TOCPU_ARL_VLAN_LMT"},
     {kCpuNoLearn, "TOCPU_ARL_NO_LRN"},
     {kCpuStaFloat, "TOCPU_ARL_STA_FLOAT"},
     {kCpuSoftLearn, "TOCPU_ARL_SOFT_LRN"},
@@ -216,7 +221,9 @@ void Pipeline::resolve()
                {&ivlan.unmc_broad, "unmc_broad"},
                {&ivlan.unmc_tocp, "unmc_tocp"},
                {&ivlan.unuc_broad, "unuc_broad"},
-               {&ivlan.unuc_tocp, "unuc_tocp"}});
+               {&ivlan.unuc_tocp, "unuc_tocp"},
+               {&ivlan.vlan_lrn_lmt, "vlan_lrn_lmt"},
+               {&ivlan.mac_lmt_dlf, "mac_lmt_dlf"}});
     t.vmap = need_tab("ipro_vmap_tbl", &tab);
     need(tab, {{&vlan.vmap_vld, "vld"}, {&vlan.vmap_idx, "vlan_idx"}});
     t.vbmp = need_tab("ipro_vbmp_tbl", &tab);
@@ -228,7 +235,20 @@ void Pipeline::resolve()
                {&egr.unuc_ctrl, "unuc_ctrl"},
                {&egr.unmc_ctrl, "unmc_ctrl"},
                {&egr.mc_ctrl, "mc_ctrl"},
-               {&egr.bc_ctrl, "bc_ctrl"}});
+               {&egr.bc_ctrl, "bc_ctrl"},
+               {&egr.sit1, "sit1"},
+               {&egr.sit2, "sit2"},
+               {&egr.vtmiss_drop, "vtmiss_drop"},
+               {&egr.hash_opc, "hash_opc"}});
+    t.ecib = need_tab("epro_ecib_table", &tab);
+    need(tab, {{&ecib.vld, "vld"},
+               {&ecib.ivid, "ivid"},
+               {&ecib.ovid, "ovid"},
+               {&ecib.outer_pri, "outer_pri"},
+               {&ecib.outer_cfi, "outer_cfi"},
+               {&ecib.inner_pri, "inner_pri"},
+               {&ecib.inner_cfi, "inner_cfi"},
+               {&ecib.vlan_opc, "vlan_opc"}});
     t.evlan = need_tab("epro_evlan_table", &tab);
     need(tab, {{&vlan.evlan_vld, "vld"}});
     t.vlanbmp = need_tab("epro_vlanbitmap_table", &tab);
@@ -254,10 +274,8 @@ void Pipeline::read(const TableView &tv, uint32_t index, uint32_t *words) const
     }
 }
 
-namespace {
-
 // One packet of `bytes` more in a statistics entry of two counts.
-void _count(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, FieldRef bytes, uint32_t n)
+void count_entry(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, FieldRef bytes, uint32_t n)
 {
     if (entry >= tv.depth) {
         return;
@@ -274,16 +292,14 @@ void _count(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, Fiel
     }
 }
 
-} // namespace
-
 void Pipeline::count_cause(uint32_t entry, uint32_t bytes)
 {
-    _count(chip_, t.stat, entry, stat_pkts, stat_bytes, bytes);
+    count_entry(chip_, t.stat, entry, stat_pkts, stat_bytes, bytes);
 }
 
 void Pipeline::count_mgid(uint32_t mrt, uint32_t bytes)
 {
-    _count(chip_, t.mgid_stat, mrt, mgid_pkts, mgid_bytes, bytes);
+    count_entry(chip_, t.mgid_stat, mrt, mgid_pkts, mgid_bytes, bytes);
 }
 
 uint32_t Pipeline::move_priority(uint32_t port) const
@@ -294,6 +310,11 @@ uint32_t Pipeline::move_priority(uint32_t port) const
 ArlEngine &Pipeline::arl()
 {
     return *chip_.arl;
+}
+
+EmEngine &Pipeline::em()
+{
+    return *chip_.em;
 }
 
 MccEngine &Pipeline::mcc()
@@ -324,9 +345,14 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
     if (pcap_ != nullptr) {
         pcap_->frame(port, true, now_ms_ * kMsPerSecond, frame, len, note);
     }
-    if (p.to_cpu) {
+    uint32_t queue = 0, to = 0;
+    if (p.dropped && qos().redirect(*this, p, &to, &queue)) {
+        // The cause redirects what it drops to one queue of the chip.
+        send(to, frame, len, port, to == kCpuPort ? p.drop_cause : TIDE_SIM_CAUSE_NONE, queue);
+    }
+    if (p.to_cpu && qos().cpu_copy(*this, p, &queue)) {
         count_cause(kCpuCauseBase + p.cpu_cause, wire);
-        send(kCpuPort, frame, len, port, p.cpu_cause);
+        send(kCpuPort, frame, len, port, p.cpu_cause, queue);
     }
     if (!p.forward) {
         return;
@@ -351,7 +377,12 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
     }
 }
 
-void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause)
+QosEngine &Pipeline::qos()
+{
+    return *chip_.qos;
+}
+
+void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause, uint32_t queue)
 {
     PortState &out = ports_[port];
     out.stats.tx_frames++;
@@ -383,6 +414,7 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     f.src_port = src;
     f.cause = cause;
     f.time_ms = now_ms_;
+    f.queue = queue;
 }
 
 // ---- what left the chip ------------------------------------------------------
@@ -411,7 +443,7 @@ int Pipeline::peek(uint32_t port, uint32_t index, uint8_t *buf, uint32_t size, t
     }
     const SentFrame &f = q[index];
     if (info != nullptr) {
-        *info = tide_sim_frame_info{static_cast<uint32_t>(f.bytes.size()), f.src_port, f.cause, f.time_ms};
+        *info = tide_sim_frame_info{static_cast<uint32_t>(f.bytes.size()), f.src_port, f.cause, f.time_ms, f.queue};
     }
     if (buf != nullptr) {
         memcpy(buf, f.bytes.data(), f.bytes.size() < size ? f.bytes.size() : size);

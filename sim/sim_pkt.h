@@ -7,8 +7,7 @@
 // survive the ingress stages run the egress stages one by one and land in
 // the capture queue of their port, where a test or an operator reads them.
 //
-// Later stages (translation, ACL, replication, mirror, QoS, counters,
-// trace) slot into the two stage lists of sim_pkt_stages.cc.
+// Later stages (translation, ACL, mirror, counters, trace) slot into the two stage lists of sim_pkt_stages.cc.
 #ifndef TIDE_SIM_PKT_H
 #define TIDE_SIM_PKT_H
 
@@ -29,7 +28,9 @@ namespace tide::sim {
 class AclStage;
 class Chip;
 class MccEngine;
+class EmEngine;
 class PcapWriter;
+class QosEngine;
 
 // Causes the packet path gives.  Forward and drop causes count in entries
 // 0 to 1023 of the cause statistics, to-CPU causes in 1024 + cause.
@@ -51,6 +52,7 @@ enum Cause : uint16_t {
     kCauseSrcBlk = 589,         // ARL_SRC_BLK
     kCauseGlbLmt = 590,         // ARL_GLB_LMT
     kCausePortLmt = 591,        // ARL_PORT_LMT
+    kCauseVlanLmt = 592,        // ARL_VLAN_LMT
     kCauseDynFloat = 593,       // ARL_DYN_FLOAT
     kCauseStaFloat = 594,       // ARL_STA_FLOAT
     kCauseHashFull = 595,       // ARL_HASH_FULL
@@ -67,6 +69,7 @@ enum Cause : uint16_t {
     kCauseEgressMc = 713,       // DISCARD_MC
     kCauseEgressBc = 714,       // DISCARD_BC
     kCauseVlanCheck = 723,      // DISCARD_VLANCHECK
+    kCauseVtMissDrop = 728,     // DISCARD_VTMISSDROP
     kCauseEvlanInvalid = 724,   // DISCARD_EVLAN_UNVLD
     kCauseOpcodeAbnormal = 733, // DISCARD_OPCODE_ABNORMAL
     kCauseQmFlush = 749,        // QM_FLUSH_DROP
@@ -79,6 +82,7 @@ enum CpuCause : uint16_t {
     kCpuUnknownUc = 306,  // TOCPU_ARL_UNKNOW_UC
     kCpuGlbLmt = 307,     // TOCPU_ARL_GLB_LMT
     kCpuPortLmt = 309,    // TOCPU_ARL_PORT_LMT
+    kCpuVlanLmt = 308,    // TOCPU_ARL_VLAN_LMT
     kCpuNoLearn = 310,    // TOCPU_ARL_NO_LRN
     kCpuStaFloat = 311,   // TOCPU_ARL_STA_FLOAT
     kCpuSoftLearn = 312,  // TOCPU_ARL_SOFT_LRN
@@ -122,6 +126,10 @@ struct Packet {
     uint32_t ipat[kMaxEntryWords] = {};
     uint32_t ivlan[kMaxEntryWords] = {};
     uint32_t members = 0; // ingress members of the VLAN
+
+    // QoS: the internal priority and colour (0 green, 1 yellow, 2 red).
+    uint32_t intl_pri = 0;
+    uint32_t color = 0;
 
     // ARL.
     DaKind da = DaKind::kUnicast;
@@ -172,6 +180,7 @@ struct SentFrame {
     uint32_t src_port = 0;
     uint32_t cause = TIDE_SIM_CAUSE_NONE;
     uint64_t time_ms = 0;
+    uint32_t queue = 0;
 };
 
 // One copy on its way through the egress stages.
@@ -181,6 +190,10 @@ struct EgressCopy {
     bool untag = false;
     const uint32_t *elb = nullptr;         // the egress edit of a replicated copy
     std::vector<uint8_t> *frame = nullptr; // built by EPRO, sent by MAC TX
+    // QoS of the copy after the egress policer, and its queue.
+    uint32_t intl_pri = 0;
+    uint32_t color = 0;
+    uint32_t queue = 0;
 };
 
 class Pipeline;
@@ -204,6 +217,9 @@ struct TableView {
     uint32_t depth = 0;
     bool ok() const { return words != 0; }
 };
+
+// One packet of `n` bytes more in a statistics entry of two counts.
+void count_entry(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts, FieldRef bytes, uint32_t n);
 
 // A register and its instances.
 struct RegView {
@@ -257,7 +273,7 @@ public:
         FieldRef lrn_mode, mac_float_pfe, sta_float_act, mac_float_fail_act, hash_conflict_act;
     } r;
     struct Tables {
-        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat;
+        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat, ecib;
     } t;
     struct IpatFields {
         FieldRef vld, pvid, discard_untag, discard_tag, vlan_check_en, mac_lrn_mode, nolrn_tocp, nolrn_discard,
@@ -265,14 +281,20 @@ public:
             mac_lmt_dlf;
     } ipat;
     struct IvlanFields {
-        FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp;
+        FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp, vlan_lrn_lmt,
+            mac_lmt_dlf;
     } ivlan;
     struct VlanFields {
         FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld;
     } vlan;
     struct EgressFields {
-        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl;
+        FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl, sit1, sit2,
+            vtmiss_drop, hash_opc;
     } egr;
+    // The action rows of the egress translation.
+    struct EcibFields {
+        FieldRef vld, ivid, ovid, outer_pri, outer_cfi, inner_pri, inner_cfi, vlan_opc;
+    } ecib;
     FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes;
 
     uint32_t reg(const RegView &r, uint32_t instance = 0) const;
@@ -287,6 +309,7 @@ public:
     MccEngine &mcc();
     AclStage &acl() { return *acl_; }
     Chip &chip() { return chip_; }
+    EmEngine &em();
 
 private:
     void resolve();
@@ -306,7 +329,8 @@ private:
 public:
     // MAC TX: the frame leaves `port` into the pcap and into its TAP, or
     // its capture queue when the port is not bound.
-    void send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause);
+    void send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause, uint32_t queue = 0);
+    QosEngine &qos();
 };
 
 } // namespace tide::sim

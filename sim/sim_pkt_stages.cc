@@ -1,13 +1,15 @@
 // The stages of the packet path, in the chip's order.
 //
 // Ingress: RSM (length checks), TTI (tags), IPRO (port and VLAN rows),
-// ARL (learning, moves, the destination lookup and flooding), MCC (the copy
+// ICAR (internal priority and colour, source port policer), ARL (learning, moves, the destination lookup and flooding), MCC (the copy
 // list).  Egress, per copy: EPRO (port row, egress controls, VLAN check,
-// tag edit), QM (port flush), MAC TX (padding, delivery).
+// tag edit), ECAR (destination port policer, queue, remark), QM (port flush), MAC TX (padding, delivery).
 //
 // A stage returns false to end the packet (ingress) or the copy (egress);
 // the verdict in the packet record says why.
 #include "sim/sim_pkt.h"
+#include "sim/sim_em.h"
+#include "sim/sim_qos.h"
 
 namespace tide::sim {
 
@@ -167,9 +169,17 @@ bool _move_allowed(Pipeline &pl, uint32_t from, uint32_t to)
     return (n_from & 4) == 0 || (n_to & 3) >= (n_from & 3);
 }
 
-// The outcome of a refused learn or move.
+// The outcome of a refused learn or move.  A VLAN row with its over-limit
+// enable (`vlan_lrn_lmt`) set answers for every learn refused by a limit in
+// that VLAN, before the global and port actions: the chip keeps no count
+// per VLAN, only this action.
 void _refused(Pipeline &pl, Packet &p, const ArlEngine::Result &r)
 {
+    const bool limit = r.cause == ArlEngine::kGlobalLimit || r.cause == ArlEngine::kPortLimit;
+    if (limit && bits_get(p.ivlan, pl.ivlan.vlan_lrn_lmt) != 0) {
+        _over_limit(p, static_cast<uint32_t>(bits_get(p.ivlan, pl.ivlan.mac_lmt_dlf)), kCauseVlanLmt, kCpuVlanLmt);
+        return;
+    }
     switch (r.cause) {
     case ArlEngine::kGlobalLimit:
         _over_limit(p, word_get(pl.reg(pl.r.lrn_cfg), pl.r.glb_lmt_act), kCauseGlbLmt, kCpuGlbLmt);
@@ -380,11 +390,106 @@ struct IngressStage {
     bool (*run)(Pipeline &, Packet &);
 };
 
+// ICAR: internal priority and colour, and the source port's policer.
+bool _icar(Pipeline &pl, Packet &p)
+{
+    return pl.qos().ingress(pl, p);
+}
+
 constexpr IngressStage kIngress[] = {
-    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"arl", _arl}, {"acl", acl_stage}, {"mcc", mcc_stage},
+    {"rsm", _rsm}, {"tti", _tti}, {"ipro", _ipro}, {"icar", _icar}, {"arl", _arl}, {"acl", acl_stage},
+    {"mcc", mcc_stage},
 };
 
 // ---- egress ------------------------------------------------------------------
+
+// The egress translation of a copy, on the frame the tag edit built.  The
+// port row's `sit1` and `sit2` name the key types of its two lookups (0
+// none): 1 port, outer VID and inner VID; 2 port, outer VID and outer
+// priority; 3 port and outer VID.  The first hit's action row edits the
+// tags; a port with lookups that all miss drops the copy with 728 when its
+// `vtmiss_drop` is set.
+constexpr uint32_t kTagAdd = 1, kTagReplace = 2, kTagDelete = 3;
+
+uint32_t _tag_at(const std::vector<uint8_t> &f, size_t at)
+{
+    return static_cast<uint32_t>(f[at + 2]) << 8 | f[at + 3];
+}
+
+void _tag_put(std::vector<uint8_t> &f, size_t at, uint32_t tpid, uint32_t tci)
+{
+    f[at] = static_cast<uint8_t>(tpid >> 8);
+    f[at + 1] = static_cast<uint8_t>(tpid);
+    f[at + 2] = static_cast<uint8_t>(tci >> 8);
+    f[at + 3] = static_cast<uint8_t>(tci);
+}
+
+// One tag edit: `act` on the tag at `at` (present or not), with the new
+// tag control `tci` and which of its priority and CFI replace the old.
+void _tag_edit(std::vector<uint8_t> &f, size_t at, bool present, uint32_t act, uint32_t tpid, uint32_t tci,
+               bool pri, bool cfi)
+{
+    if (act == kTagDelete && present) {
+        f.erase(f.begin() + static_cast<long>(at), f.begin() + static_cast<long>(at + kTagBytes));
+    } else if (act == kTagAdd) {
+        const uint8_t room[kTagBytes] = {};
+        f.insert(f.begin() + static_cast<long>(at), room, room + kTagBytes);
+        _tag_put(f, at, tpid, tci);
+    } else if (act == kTagReplace && present) {
+        const uint32_t old = _tag_at(f, at);
+        const uint32_t out = (tci & 0xFFF) | (pri ? tci & 0xE000 : old & 0xE000) | (cfi ? tci & 0x1000 : old & 0x1000);
+        _tag_put(f, at, static_cast<uint32_t>(f[at]) << 8 | f[at + 1], out);
+    }
+}
+
+bool _egress_translate(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
+{
+    const auto &eg = pl.egr;
+    const uint32_t types[2] = {static_cast<uint32_t>(bits_get(c.epat, eg.sit1)),
+                               static_cast<uint32_t>(bits_get(c.epat, eg.sit2))};
+    if (types[0] == 0 && types[1] == 0) {
+        return true;
+    }
+    std::vector<uint8_t> &f = *c.frame;
+    const bool outer = f.size() >= kTypeOffset + kTagBytes && !c.untag;
+    const uint32_t otci = outer ? _tag_at(f, kTypeOffset) : 0;
+    const bool inner = p.tags == 2;
+    const uint32_t itci = inner ? _tag_at(f, kTypeOffset + (outer ? kTagBytes : 0)) : 0;
+    const uint32_t hash_id = static_cast<uint32_t>(bits_get(c.epat, eg.hash_opc));
+    uint32_t ad = 0;
+    bool hit = false;
+    for (uint32_t type : types) {
+        if (type == 0 || hit) {
+            continue;
+        }
+        const uint32_t second = type == 1 ? itci & 0xFFF : type == 2 ? otci >> 13 : 0;
+        hit = pl.em().lookup(pl.em().key_of(type, 0, c.port, p.vid, second), hash_id, &ad);
+    }
+    if (!hit) {
+        if (bits_get(c.epat, eg.vtmiss_drop) != 0) {
+            *cause = kCauseVtMissDrop;
+            return false;
+        }
+        return true;
+    }
+    uint32_t row[kMaxEntryWords] = {};
+    pl.read(pl.t.ecib, ad, row);
+    const auto &e = pl.ecib;
+    if (bits_get(row, e.vld) == 0) {
+        return true;
+    }
+    const uint32_t opc = static_cast<uint32_t>(bits_get(row, e.vlan_opc));
+    const uint32_t index = static_cast<uint32_t>(bits_get(c.epat, eg.tpid_index));
+    const uint32_t tpid = word_get(pl.reg(index < 2 ? pl.r.tpid0 : pl.r.tpid1), pl.r.tpid_value[index]);
+    const uint32_t inner_tpid = word_get(pl.reg(pl.r.tpid0), pl.r.tpid_value[0]);
+    _tag_edit(f, kTypeOffset, outer, opc >> 2 & 3, tpid, static_cast<uint32_t>(bits_get(row, e.ovid)),
+              bits_get(row, e.outer_pri) != 0, bits_get(row, e.outer_cfi) != 0);
+    const bool outer_now = (outer && (opc >> 2 & 3) != kTagDelete) || (opc >> 2 & 3) == kTagAdd;
+    _tag_edit(f, kTypeOffset + (outer_now ? kTagBytes : 0), inner, opc & 3, inner_tpid,
+              static_cast<uint32_t>(bits_get(row, e.ivid)), bits_get(row, e.inner_pri) != 0,
+              bits_get(row, e.inner_cfi) != 0);
+    return true;
+}
 
 // EPRO: the egress port row and its controls, the egress VLAN check, the
 // VLAN's egress row, and the tag edit.
@@ -432,6 +537,9 @@ bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
         if (p.tags != 0) {
             f.erase(f.begin() + kTypeOffset, f.begin() + kTypeOffset + kTagBytes);
         }
+        if (!_egress_translate(pl, p, c, cause)) {
+            return false;
+        }
         if (c.elb != nullptr) {
             mcc_egress_edit(pl, p, c);
         }
@@ -452,10 +560,19 @@ bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
     f[kTypeOffset + 1] = static_cast<uint8_t>(tpid);
     f[kTypeOffset + 2] = static_cast<uint8_t>(tci >> 8);
     f[kTypeOffset + 3] = static_cast<uint8_t>(tci);
+    if (!_egress_translate(pl, p, c, cause)) {
+        return false;
+    }
     if (c.elb != nullptr) {
         mcc_egress_edit(pl, p, c);
     }
     return true;
+}
+
+// ECAR: the destination port's policer, the queue and the remark.
+bool _ecar(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
+{
+    return pl.qos().egress(pl, p, c, cause);
 }
 
 // QM: a flushed port drops what it would send.
@@ -475,7 +592,7 @@ bool _mac_tx(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *)
     if (f.size() + kFcs < kMinWire) {
         f.resize(kMinWire - kFcs, 0);
     }
-    pl.send(c.port, f.data(), static_cast<uint32_t>(f.size()), p.src, TIDE_SIM_CAUSE_NONE);
+    pl.send(c.port, f.data(), static_cast<uint32_t>(f.size()), p.src, TIDE_SIM_CAUSE_NONE, c.queue);
     return true;
 }
 
@@ -485,7 +602,7 @@ struct EgressStage {
 };
 
 constexpr EgressStage kEgress[] = {
-    {"epro", _epro}, {"qm", _qm}, {"mac_tx", _mac_tx},
+    {"epro", _epro}, {"ecar", _ecar}, {"qm", _qm}, {"mac_tx", _mac_tx},
 };
 
 } // namespace

@@ -19,7 +19,6 @@
 #include <tide/sim.h>
 #include <tide/tide.h>
 
-#include "app/tided/bootstrap_vlan.h"
 
 namespace {
 
@@ -281,7 +280,9 @@ int main(int argc, char **argv)
             break;
         }
         hw_up[c] = true;
-        if (!_ok("bootstrap_vlan", c, bootstrap_vlan(c, 1, kFrontPorts, kFrontPorts))) {
+        port_bitmap front{{kFrontPorts, 0, 0}};
+        if (!_ok("vlan_api_create", c, vlan_api_create(c, 1)) ||
+            !_ok("vlan_api_port_set", c, vlan_api_port_set(c, 1, &front, &front))) {
             status = 1;
             break;
         }

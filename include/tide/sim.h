@@ -72,6 +72,11 @@ typedef enum tide_sim_engine {
 /* `stall` 1: the engine never reports completion; 0: normal. */
 TIDE_API int tide_sim_engine_stall_set(uint32_t chip, tide_sim_engine engine, int stall);
 
+/* QoS: `on` 1 makes the queues of `lport` never report empty, so that a
+ * flush of the port waits in vain; 0 back to normal (the model holds no
+ * frames, so a port's queues are empty).  -4 for a port above 31. */
+TIDE_API int tide_sim_qos_never_empty_set(uint32_t chip, uint32_t lport, int on);
+
 /* The write log: every register write that reaches the model through the
  * hooks, in order.  It holds the last TIDE_SIM_WRITE_LOG_DEPTH writes. */
 #define TIDE_SIM_WRITE_LOG_DEPTH 65536u
@@ -200,6 +205,7 @@ typedef struct tide_sim_frame_info {
     uint32_t src_port; /* the port it came in by */
     uint32_t cause;    /* to-CPU cause, or TIDE_SIM_CAUSE_NONE */
     uint64_t time_ms;  /* model time when it left */
+    uint32_t queue;    /* the queue it left by: lport * 8 + queue offset, the CPU's 240 + offset */
 } tide_sim_frame_info;
 /* Reads the `index`-th oldest frame waiting on `lport` without taking it:
  * up to `size` bytes into `buf` (which may be NULL) and its description

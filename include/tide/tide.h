@@ -11,9 +11,11 @@
 #include <tide/init.h>
 #include <tide/l2.h>
 #include <tide/port.h>
+#include <tide/qos.h>
 #include <tide/serdes.h>
 #include <tide/shr.h>
 #include <tide/stub.h>
+#include <tide/vlan.h>
 #include <tide/property.h>
 #include <tide/xsal.h>
 

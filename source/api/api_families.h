@@ -16,7 +16,9 @@
 #include <tide/interrupt.h>
 #include <tide/l2.h>
 #include <tide/port.h>
+#include <tide/qos.h>
 #include <tide/serdes.h>
+#include <tide/vlan.h>
 
 #include "api/api_guard.h"
 
@@ -201,6 +203,38 @@ API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
 
 API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
 
+/* ---- vlan: the operations of VLANs, ports, TPIDs and global settings --- */
+#define TIDE_VLAN_OPS(OP)                                                                                        \
+    OP(port_trust_type_set, (u32 chip_id, u32 lport, u32 type, vlan_trust_info *info), (chip_id, lport, type, info)) \
+    OP(port_trust_type_get, (u32 chip_id, u32 lport, u32 *type, vlan_trust_info *info), (chip_id, lport, type, info)) \
+    OP(port_control_set, (u32 chip_id, u32 lport, vlan_control *control), (chip_id, lport, control))           \
+    OP(port_control_get, (u32 chip_id, u32 lport, vlan_control *control), (chip_id, lport, control))           \
+    OP(control_set, (u32 chip_id, u32 vid, vlan_control *control), (chip_id, vid, control))                    \
+    OP(control_get, (u32 chip_id, u32 vid, vlan_control *control), (chip_id, vid, control))                    \
+    OP(global_cfg_set, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                                       \
+    OP(global_cfg_get, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                                       \
+    OP(create, (u32 chip_id, u32 vid), (chip_id, vid))                                                         \
+    OP(destroy, (u32 chip_id, u32 vid), (chip_id, vid))                                                        \
+    OP(port_add, (u32 chip_id, u32 vid, port_bitmap *members, port_bitmap *untagged), (chip_id, vid, members, untagged)) \
+    OP(port_set, (u32 chip_id, u32 vid, port_bitmap *members, port_bitmap *untagged), (chip_id, vid, members, untagged)) \
+    OP(port_delete, (u32 chip_id, u32 vid, port_bitmap *ports), (chip_id, vid, ports))                         \
+    OP(port_get, (u32 chip_id, u32 vid, port_bitmap *members, port_bitmap *untagged), (chip_id, vid, members, untagged)) \
+    OP(tpid_set, (u32 chip_id, u32 id, u32 value), (chip_id, id, value))                                       \
+    OP(tpid_get, (u32 chip_id, u32 id, u32 *value), (chip_id, id, value))                                      \
+    OP(port_tpid_bitmap_set, (u32 chip_id, u32 lport, u32 bitmap), (chip_id, lport, bitmap))                   \
+    OP(port_tpid_bitmap_get, (u32 chip_id, u32 lport, u32 *bitmap), (chip_id, lport, bitmap))                  \
+    OP(translation_global_cfg_set, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                           \
+    OP(translation_global_cfg_get, (u32 chip_id, vlan_control *cfg), (chip_id, cfg))                           \
+    OP(egress_translate_add, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
+       (chip_id, key, action))                                                                                 \
+    OP(egress_translate_delete, (u32 chip_id, vlan_egress_translate_key *key), (chip_id, key))                 \
+    OP(egress_translate_get, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
+       (chip_id, key, action))                                                                                 \
+    OP(egress_translate_traverse, (u32 chip_id, vlan_egress_translate_traverse_cb fn, void *user),             \
+       (chip_id, fn, user))
+
+API_DECLARE_FAMILY(vlan, TIDE_VLAN_OPS)
+
 /* ---- acl: the operations of groups, entries, lookups and controls, in the
  * order of the family's slots; PTRS marks those whose pointer arguments
  * the guard checks before the chip ------------------------------------------ */
@@ -361,5 +395,72 @@ API_DECLARE_FAMILY(interrupt, TIDE_INTERRUPT_OPS)
        (chip_id, serdes_id, buffer, len), ctle_offset_calibrate_result)
 
 API_DECLARE_FAMILY(serdes, TIDE_SERDES_OPS)
+
+/* ---- qos: 62 slots ------------------------------------------------------ */
+#define TIDE_QOS_OPS(OP)                                                                                                             \
+    OP(priority_map_set, (u32 chip_id, u32 type, u32 map_id, qos_map_cfg *cfg), (chip_id, type, map_id, cfg))                        \
+    OP(priority_map_get, (u32 chip_id, u32 type, u32 map_id, qos_map_cfg *cfg), (chip_id, type, map_id, cfg))                        \
+    OP(remark_set, (u32 chip_id, u32 type, u32 remark_id, qos_remark_cfg *cfg), (chip_id, type, remark_id, cfg))                     \
+    OP(remark_get, (u32 chip_id, u32 type, u32 remark_id, qos_remark_cfg *cfg), (chip_id, type, remark_id, cfg))                     \
+    OP(ctrl_set, (u32 chip_id, u32 type, u32 value), (chip_id, type, value))                                                         \
+    OP(ctrl_get, (u32 chip_id, u32 type, u32 *value), (chip_id, type, value))                                                        \
+    OP(policer_create, (u32 chip_id, u32 with_id, u32 type, u32 *id), (chip_id, with_id, type, id))                                  \
+    OP(policer_destroy, (u32 chip_id, u32 type, u32 id), (chip_id, type, id))                                                        \
+    OP(policer_created_get, (u32 chip_id, u32 type, u32 id, u32 *created), (chip_id, type, id, created))                             \
+    OP(policer_set, (u32 chip_id, u32 type, u32 id, qos_policer_cfg *cfg), (chip_id, type, id, cfg))                                 \
+    OP(policer_get, (u32 chip_id, u32 type, u32 id, qos_policer_cfg *cfg), (chip_id, type, id, cfg))                                 \
+    OP(policer_action_set, (u32 chip_id, u32 type, u32 id, qos_policer_action *act), (chip_id, type, id, act))                       \
+    OP(policer_action_get, (u32 chip_id, u32 type, u32 id, qos_policer_actions *acts), (chip_id, type, id, acts))                    \
+    OP(policer_bind, (u32 chip_id, qos_bind_info *info), (chip_id, info))                                                            \
+    OP(policer_unbind, (u32 chip_id, qos_bind_info *info), (chip_id, info))                                                          \
+    OP(policer_bind_get, (u32 chip_id, qos_bind_info *info), (chip_id, info))                                                        \
+    OP(common_map_ctrl_set, (u32 chip_id, qos_common_map_cfg *cfg), (chip_id, cfg))                                                  \
+    OP(common_map_ctrl_get, (u32 chip_id, qos_common_map_cfg *cfg), (chip_id, cfg))                                                  \
+    OP(bandwidth_enable_set, (u32 chip_id, qos_bandwidth_en_key *key, u32 enable), (chip_id, key, enable))                           \
+    OP(bandwidth_enable_get, (u32 chip_id, qos_bandwidth_en_key *key, u32 *enable), (chip_id, key, enable))                          \
+    OP(bandwidth_rate_mode_set, (u32 chip_id, qos_bandwidth_key *key, u8 mode), (chip_id, key, mode))                                \
+    OP(bandwidth_set, (u32 chip_id, qos_bandwidth_cfg *cfg), (chip_id, cfg))                                                         \
+    OP(bandwidth_get, (u32 chip_id, qos_bandwidth_cfg *cfg), (chip_id, cfg))                                                         \
+    OP(bandwidth_len_adj_set, (u32 chip_id, qos_bandwidth_key *key), (chip_id, key))                                                 \
+    OP(bandwidth_len_adj_get, (u32 chip_id, qos_bandwidth_key *key), (chip_id, key))                                                 \
+    OP(sched_set, (u32 chip_id, qos_sch_key *key, qos_sch_cfg *cfg), (chip_id, key, cfg))                                            \
+    OP(sched_get, (u32 chip_id, qos_sch_key *key, qos_sch_cfg *cfg), (chip_id, key, cfg))                                            \
+    OP(sched_set_by_queue_profile, (u32 chip_id, u32 profile_id, qos_sch_profile_cfg *cfg), (chip_id, profile_id, cfg))              \
+    OP(sched_get_by_queue_profile, (u32 chip_id, u32 profile_id, qos_sch_profile_cfg *cfg), (chip_id, profile_id, cfg))              \
+    OP(sched_bind_queue_profile, (u32 chip_id, u32 queue_group_id, u32 profile_id), (chip_id, queue_group_id, profile_id))           \
+    OP(sched_queue_profile_bind_info_get, (u32 chip_id, u32 queue_group_id, u32 *profile_id), (chip_id, queue_group_id, profile_id)) \
+    OP(topo_add, (u32 chip_id, qos_topo_cfg *cfg), (chip_id, cfg))                                                                   \
+    OP(topo_del, (u32 chip_id, qos_topo_cfg *cfg), (chip_id, cfg))                                                                   \
+    OP(topo_get, (u32 chip_id, qos_topo_cfg *cfg), (chip_id, cfg))                                                                   \
+    OP(flush_set, (u32 chip_id, qos_flush_cfg *cfg), (chip_id, cfg))                                                                 \
+    OP(tocpu_enqueue_set, (u32 chip_id, u32 type, qos_tocpu_key *key, qos_tocpu_cfg *cfg), (chip_id, type, key, cfg))                \
+    OP(tocpu_enqueue_get, (u32 chip_id, qos_tocpu_key *key, qos_tocpu_cfg *cfg), (chip_id, key, cfg))                                \
+    OP(redirect_glb_set, (u32 chip_id, qos_redirect_cfg *cfg), (chip_id, cfg))                                                       \
+    OP(redirect_glb_get, (u32 chip_id, qos_redirect_cfg *cfg), (chip_id, cfg))                                                       \
+    OP(redirect_cause_enable_set, (u32 chip_id, u32 causeid, u32 is_enable), (chip_id, causeid, is_enable))                          \
+    OP(redirect_cause_enable_get, (u32 chip_id, u32 causeid, u32 *is_enable), (chip_id, causeid, is_enable))                         \
+    OP(capture_set, (u32 chip_id, qos_capture_cfg *cfg), (chip_id, cfg))                                                             \
+    OP(capture_status_get, (u32 chip_id, qos_capture_info *info), (chip_id, info))                                                   \
+    OP(capture_causeid_set, (u32 chip_id, u32 causeid_index, u32 causeid), (chip_id, causeid_index, causeid))                        \
+    OP(capture_causeid_get, (u32 chip_id, u32 causeid_index, u32 *causeid), (chip_id, causeid_index, causeid))                       \
+    OP(discard_profile_create, (u32 chip_id, u32 with_id, u32 type, u32 *id), (chip_id, with_id, type, id))                          \
+    OP(discard_profile_destroy, (u32 chip_id, u32 type, u32 id), (chip_id, type, id))                                                \
+    OP(discard_profile_created_get, (u32 chip_id, u32 type, u32 id, u32 *created), (chip_id, type, id, created))                     \
+    OP(discard_profile_set, (u32 chip_id, qos_discard_profile_key *key, qos_discard_profile_cfg *cfg), (chip_id, key, cfg))          \
+    OP(discard_profile_get, (u32 chip_id, qos_discard_profile_key *key, qos_discard_profile_cfg *cfg), (chip_id, key, cfg))          \
+    OP(discard_profile_bind, (u32 chip_id, qos_discard_bind_key *key, u32 type, u32 id), (chip_id, key, type, id))                   \
+    OP(discard_profile_unbind, (u32 chip_id, qos_discard_bind_key *key, u32 type), (chip_id, key, type))                             \
+    OP(discard_profile_bind_get, (u32 chip_id, qos_discard_bind_key *key, u32 type, u32 *id), (chip_id, key, type, id))              \
+    OP(discard_set, (u32 chip_id, qos_discard_cfg *cfg), (chip_id, cfg))                                                             \
+    OP(discard_get, (u32 chip_id, qos_discard_cfg *cfg), (chip_id, cfg))                                                             \
+    OP(discard_ctrl_set, (u32 chip_id, qos_discard_ctrl *ctrl), (chip_id, ctrl))                                                     \
+    OP(discard_ctrl_get, (u32 chip_id, qos_discard_ctrl *ctrl), (chip_id, ctrl))                                                     \
+    OP(counter_info_get, (u32 chip_id, u32 type, qos_counter_key *key, qos_counter_info *info), (chip_id, type, key, info))          \
+    OP(status_info_get, (u32 chip_id, u32 type, qos_status_key *key, u32 *status), (chip_id, type, key, status))                     \
+    OP(counter_status_clear, (u32 chip_id, u32 type, qos_clear_key *key), (chip_id, type, key))                                      \
+    OP(que_congestion_check, (u32 chip_id, qos_check_key *key, qos_check_result *result), (chip_id, key, result))                    \
+    OP(que_bandwidth_cfg_zero_check, (u32 chip_id, qos_check_key *key, u32 *zero), (chip_id, key, zero))
+
+API_DECLARE_FAMILY(qos, TIDE_QOS_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

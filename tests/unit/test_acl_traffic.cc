@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "support/acl_fixture.h"
 #include "support/acl_frames.h"
 
@@ -25,8 +25,8 @@ protected:
     void SetUp() override
     {
         AclChip::SetUp();
-        ASSERT_EQ(bootstrap_vlan(0, 1, kFrontPorts, kFrontPorts), 0);
-        ASSERT_EQ(bootstrap_vlan(0, 2, kFrontPorts, 0), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, kFrontPorts, kFrontPorts), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 2, kFrontPorts, 0), 0);
         l2_static(kHostB, 1, kHostPort);
         l2_static(kHostB, 2, kHostPort);
         for (uint32_t port : {kIn, kOther}) {

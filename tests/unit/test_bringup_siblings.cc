@@ -79,7 +79,8 @@ TEST_F(Siblings, OneOfEachTypeComesUpWorksAndGoesDown)
     // Each sibling says at WARN what its bring-up left out; atolreef
     // leaves nothing out.
     for (const char *name : {"kelpreef", "kelpreef2"}) {
-        for (const char *what : {"low power and clock gating registers", "cause id table", "MAC table"}) {
+        for (const char *what :
+             {"low power and clock gating registers", "cause id table", "MAC table", "VLAN rows"}) {
             const std::string line = std::string(name) + ": no " + what + " in this build\n";
             EXPECT_EQ(Capture::count(line), 1u) << line;
         }
@@ -131,6 +132,7 @@ TEST_F(Siblings, WhatTheBuildLacksAnswers24AndTouchesNothing)
     l2_addr a = station();
     l2_port_move_pri pri{};
     l2_learn_limit limit{};
+    port_bitmap pbmp{};
     base_field_op op{};
     op.name = "lsw_hreg_test_reg";
     op.count = 1;
@@ -158,6 +160,9 @@ TEST_F(Siblings, WhatTheBuildLacksAnswers24AndTouchesNothing)
         {"catalogue", [&] { return base_api_tab_data_to_string(c, "epro_causeid_table", data, text, 64); }},
         {"catalogue", [&] { return base_api_chip_module_cnt_show(c, "all", nullptr, 0, 0, 0); }},
         {"core reset register", [&] { return reef_init_dispatch.chip_soft_reset(c, 1); }},
+        {"VLAN operation of its own", [&] { return vlan_api_create(c, 1); }},
+        {"VLAN operation of its own", [&] { return vlan_api_port_set(c, 1, &pbmp, &pbmp); }},
+        {"tpid_value0", [&] { return vlan_api_tpid_set(c, 0, 0x8100); }},
     };
     for (size_t i = 0; i < calls.size(); i++) {
         ASSERT_EQ(tide_sim_write_log_clear(c), 0);

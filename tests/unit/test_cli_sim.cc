@@ -8,7 +8,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "support/cli_lines.h"
 #include "support/fixture.h"
 #include "support/netns.h"
@@ -21,7 +21,7 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
-        ASSERT_EQ(bootstrap_vlan(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
         ASSERT_EQ(run("sim"), 0);
         ASSERT_STREQ(cli_ctree_getprompt(), "Chip-0 Diag-Shell(config/sim)#");
     }

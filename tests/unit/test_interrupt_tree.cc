@@ -12,7 +12,7 @@
 #include <tuple>
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "atolreef_cib.h"
 #include "dpl/reef/special/atolreef/dpl_atolreef_intr_tables.h"
 #include "support/fixture.h"
@@ -269,7 +269,7 @@ std::vector<u8> _frame(const u8 dst[6], const u8 src[6])
 
 TEST_F(IntrTree, LearningAndAgingOfInjectedFramesReachTheL2Callbacks)
 {
-    ASSERT_EQ(bootstrap_vlan(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
+    ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
     const u8 a[6] = {0x00, 0x10, 0x94, 0, 0, 1}, b[6] = {0x00, 0x10, 0x94, 0, 0, 2};
     const std::vector<u8> f = _frame(b, a);
     ASSERT_EQ(tide_sim_packet_inject(0, 3, f.data(), static_cast<u32>(f.size())), 0);

@@ -485,7 +485,7 @@ TEST_F(L2, LearnLimitsRefuseWithTheirCausesAndCountsStayRight)
     bad.limit_value = 65536;
     EXPECT_EQ(l2_api_learn_limit_set(0, &bad), SHR_E_PARAM);
     bad.flags = L2_LIMIT_VLAN | L2_LIMIT_OVER_ACT;
-    EXPECT_EQ(l2_api_learn_limit_set(0, &bad), SHR_E_NOT_SUPPORT); // the VLAN record is the VLAN service's
+    EXPECT_EQ(l2_api_learn_limit_set(0, &bad), SHR_E_NOT_FOUND); // no VLAN 0 here
 }
 
 TEST_F(L2, AStuckTableGivesTimeoutAndTheNextCallWritesNothing)
@@ -682,13 +682,12 @@ TEST_F(L2, PortControlsEncodeActionsAndLearnModes)
     EXPECT_EQ(l2_api_port_control_set(0, 3, 9, 0), SHR_E_NOT_SUPPORT);
     EXPECT_EQ(l2_api_port_control_set(0, 32, 3, 0), SHR_E_PARAM);
 
-    // VLAN controls check their values; the record they change is the VLAN
-    // service's.
+    // VLAN controls check their values, then need the VLAN.
     EXPECT_EQ(l2_api_vlan_control_set(0, 5, L2_VLAN_LEARN, 2), SHR_E_PARAM);
     EXPECT_TRUE(Capture::has("value is wrong 2"));
     EXPECT_EQ(l2_api_vlan_control_set(0, 5, L2_VLAN_IPMC_MODE, 4), SHR_E_PARAM);
     EXPECT_TRUE(Capture::has("vid 5 ipmc mode is wrong value 4"));
-    EXPECT_EQ(l2_api_vlan_control_set(0, 5, L2_VLAN_LEARN, 1), SHR_E_NOT_SUPPORT);
+    EXPECT_EQ(l2_api_vlan_control_set(0, 5, L2_VLAN_LEARN, 1), SHR_E_NOT_FOUND);
     EXPECT_EQ(l2_api_vlan_control_set(0, 5, 7, 0), SHR_E_NOT_SUPPORT);
 }
 

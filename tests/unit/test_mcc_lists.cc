@@ -15,7 +15,7 @@
 #include <set>
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "atolreef_cib.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/mcc/dpl_reef_mcc.h"
@@ -429,7 +429,7 @@ protected:
     void SetUp() override
     {
         McLists::SetUp();
-        ASSERT_EQ(bootstrap_vlan(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
     }
 
     static std::array<u8, 60> frame(u32 mid)

@@ -9,7 +9,7 @@
 #include <map>
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "atolreef_cib.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/mcc/dpl_reef_mcc.h"
@@ -59,7 +59,7 @@ protected:
     {
         SimChips::SetUp();
         // VLAN 1 on the front ports, all untagged but port 2.
-        ASSERT_EQ(bootstrap_vlan(0, 1, 0x0FFFFFFF, 0x0FFFFFFF & ~(1u << 2)), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x0FFFFFFF, 0x0FFFFFFF & ~(1u << 2)), 0);
         l2_addr a{};
         a.flags = L2_FLAG_KEY_VID | L2_FLAG_DEST_MCAST;
         std::copy(kGroupMac, kGroupMac + 6, a.mac);

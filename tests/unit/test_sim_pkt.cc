@@ -17,7 +17,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "atolreef_cib.h"
 #include "support/fixture.h"
 #include "support/temp_dir.h"
@@ -84,7 +84,7 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
-        ASSERT_EQ(bootstrap_vlan(0, 1, kFront, kFront), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, kFront, kFront), 0);
     }
 
     void in(uint32_t port, const Frame &f) { ASSERT_EQ(tide_sim_packet_inject(0, port, f.data(), f.size()), 0); }
@@ -382,7 +382,7 @@ TEST_F(SimPkt, StationMovesFollowTheMovePriorities)
 TEST_F(SimPkt, BroadcastWithNoneOneAndTwoTags)
 {
     // VLAN 10 on ports 0 to 3, tagged.
-    ASSERT_EQ(bootstrap_vlan(0, 10, 0xF, 0), 0);
+    ASSERT_EQ(tide::test::vlan_ports(0, 10, 0xF, 0), 0);
     const Frame untagged = eth(kBroadcast, kA);
     in(0, untagged);
     EXPECT_EQ(out_ports(&untagged), kFront & ~bit(0));
@@ -398,7 +398,7 @@ TEST_F(SimPkt, BroadcastWithNoneOneAndTwoTags)
     in(0, two);
     EXPECT_EQ(out_ports(&two), 0xEu);
     // An untagged frame into a tagged member gains the port's PVID tag.
-    ASSERT_EQ(bootstrap_vlan(0, 1, kFront, kFront & ~bit(2)), 0);
+    ASSERT_EQ(tide::test::vlan_ports(0, 1, kFront, kFront & ~bit(2)), 0);
     in(0, untagged);
     const auto sent = out();
     ASSERT_EQ(sent.count(2), 1u);
@@ -526,7 +526,7 @@ TEST_F(SimPkt, ControlsOfFloodingLearningAndEgress)
     EXPECT_EQ(cause(749), 1u);
     EXPECT_EQ(cause(710), 1u);
     add_static(kC, 20);
-    ASSERT_EQ(bootstrap_vlan(0, 1, kFront & ~bit(20), kFront), 0);
+    ASSERT_EQ(tide::test::vlan_ports(0, 1, kFront & ~bit(20), kFront), 0);
     in(1, eth(kC, kA));
     EXPECT_EQ(out_ports(), bit(20)); // no check on the port: it sends
     table("epro_epat_table", 20, "vlan_check_en", 1);
@@ -614,7 +614,7 @@ TEST_F(SimPkt, CaptureFileShowsEveryFrameWithItsPortAndDirection)
     EXPECT_EQ(tide_sim_pcap_open(0, "/nonexistent/dir/x.pcapng"), -11);
     ASSERT_EQ(tide_sim_pcap_open(0, path.c_str()), 0);
     EXPECT_EQ(tide_sim_pcap_open(0, path.c_str()), -8);
-    ASSERT_EQ(bootstrap_vlan(0, 1, 0x7, 0x7), 0); // ports 0 to 2
+    ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x7, 0x7), 0); // ports 0 to 2
     const Frame f = eth(kB, kA);
     in(0, f);                        // floods to 1 and 2
     in(1, eth(kA, kB));              // to 0

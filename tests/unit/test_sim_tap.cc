@@ -19,7 +19,7 @@
 #include <iterator>
 #include <thread>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "sim/sim_tap.h"
 #include "support/fixture.h"
 #include "support/netns.h"
@@ -92,7 +92,7 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
-        ASSERT_EQ(bootstrap_vlan(0, 1, kFront, kFront), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, kFront, kFront), 0);
     }
     // Skips the test where TAP devices cannot be made.
     void need_taps()

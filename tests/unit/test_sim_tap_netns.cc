@@ -17,7 +17,7 @@
 #include <memory>
 #include <string>
 
-#include "app/tided/bootstrap_vlan.h"
+#include "support/vlan_ports.h"
 #include "support/fixture.h"
 #include "support/netns.h"
 
@@ -81,7 +81,7 @@ protected:
         if (!why.empty()) {
             GTEST_SKIP() << why;
         }
-        ASSERT_EQ(bootstrap_vlan(0, 1, kVlanPorts, kVlanPorts), 0);
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, kVlanPorts, kVlanPorts), 0);
         for (uint32_t h = 1; h <= kHosts; h++) {
             add_host(h);
         }
@@ -247,7 +247,7 @@ TEST_F(TapLab, TapOfADeletedNamespaceIsMarkedGone)
     };
     ASSERT_TRUE(tide::test::wait_until(gone, kWaitMs));
     EXPECT_TRUE(tide::test::Capture::has("interface " + tap(4) + " is gone"));
-    ASSERT_EQ(bootstrap_vlan(0, 1, 0x1E, 0x1E), 0);
+    ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x1E, 0x1E), 0);
     const Frame bc = tide::test::eth_frame(0xFFFFFFFFFFFFull, 0x020000000C05ull, 0x88B5);
     ASSERT_EQ(tide_sim_packet_inject(0, 5, bc.data(), static_cast<uint32_t>(bc.size())), 0);
     tide_sim_tap_info t[kHosts];

@@ -38,6 +38,29 @@ i32 dpl_lock_give(u32 chip_id, u32 lock_id, const char *function, u32 line);
 
 #ifdef __cplusplus
 }
+
+/* Holds feature lock `LockId` of a chip for a scope; status() is the take's. */
+template <u32 LockId>
+class DplLockHold {
+public:
+    DplLockHold(u32 chip_id, const char *function, u32 line)
+        : chip_(chip_id), rc_(dpl_lock_take(chip_id, LockId, function, line))
+    {
+    }
+    ~DplLockHold()
+    {
+        if (rc_ == 0) {
+            dpl_lock_give(chip_, LockId, __func__, __LINE__);
+        }
+    }
+    DplLockHold(const DplLockHold &) = delete;
+    DplLockHold &operator=(const DplLockHold &) = delete;
+    i32 status() const { return rc_; }
+
+private:
+    u32 chip_;
+    i32 rc_;
+};
 #endif
 
 #endif /* TIDE_DPL_INIT_PRE_H */

@@ -218,9 +218,11 @@ typedef struct cli_legacy_cmd {
 #define CLI_MODE_L2 3u
 #define CLI_MODE_BASE 5u
 #define CLI_MODE_PORT 8u
+#define CLI_MODE_VLAN 14u
 #define CLI_MODE_ACL 21u
 #define CLI_MODE_SERDES 22u
 #define CLI_MODE_DEBUG 33u
+#define CLI_MODE_QOS 15u
 #define CLI_MODE_INTERRUPT 40u
 /* Our own mode, after the chip's: the chip model's commands. */
 #define CLI_MODE_SIM 43u

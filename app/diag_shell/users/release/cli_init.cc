@@ -90,8 +90,10 @@ void cli_cmd_init_all(void)
     cli_cmd_init_config();
     cli_cmd_init_common();
     cli_cmd_init_base();
+    cli_cmd_init_vlan();
     cli_cmd_init_debug_reef_mcc();
     cli_cmd_init_interrupt();
+    cli_cmd_init_qos();
     cli_cmd_init_sim();
     cli_cmd_init_view();
 }

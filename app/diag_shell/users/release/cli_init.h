@@ -46,6 +46,7 @@ void cli_cmd_init_serdes(void);
 void cli_cmd_init_config(void);
 void cli_cmd_init_common(void);
 void cli_cmd_init_base(void);
+void cli_cmd_init_vlan(void);
 
 /* Handlers of mode `config`. */
 i32 cli_terminal_monitor_set(u32 chip_id, u32 view_mode, i32 argc, char **argv);
@@ -77,6 +78,7 @@ i32 cli_base_plane_check(u32 chip_id, u32 view_mode, i32 argc, char **argv);
 void cli_cmd_init_debug_reef_mcc(void);
 /* Mode `interrupt`, and the interrupt commands of mode `debug`. */
 void cli_cmd_init_interrupt(void);
+void cli_cmd_init_qos(void);
 void cli_cmd_init_debug_interrupt(void);
 
 /* The commands of the chip model, in mode "sim". */

@@ -81,12 +81,6 @@ bool _ipv6(const char *word, u8 out[16])
     return true;
 }
 
-i32 _fail(const char *what, i32 rc)
-{
-    cli_output_show(" call %s failed, %s\n", what, shr_errmsg(rc));
-    return rc;
-}
-
 bool _enable(const char *word)
 {
     return word != nullptr && std::strcmp(word, "enable") == 0;
@@ -417,7 +411,7 @@ i32 _name_index(const char *const (&names)[N], const char *word)
 i32 _control_set(u32 chip_id, u32 id, u32 value)
 {
     const i32 rc = l2_api_control_set(chip_id, id, value);
-    return rc != 0 ? _fail("l2_api_control_set", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_control_set", rc) : 0;
 }
 
 // Over-limit actions of the limit commands, as the limit registers take
@@ -463,7 +457,7 @@ i32 _limit_apply(u32 chip_id, l2_learn_limit l, bool all_ports)
 {
     if (!all_ports) {
         const i32 rc = l2_api_learn_limit_set(chip_id, &l);
-        return rc != 0 ? _fail("l2_api_learn_limit_set", rc) : 0;
+        return rc != 0 ? cli_call_failed("l2_api_learn_limit_set", rc) : 0;
     }
     l2_learn_limit each = l;
     char name[CLI_PPORT_SIZE];
@@ -471,7 +465,7 @@ i32 _limit_apply(u32 chip_id, l2_learn_limit l, bool all_ports)
          prev = static_cast<i32>(each.port)) {
         const i32 rc = l2_api_learn_limit_set(chip_id, &each);
         if (rc != 0) {
-            return _fail("l2_api_learn_limit_set", rc);
+            return cli_call_failed("l2_api_learn_limit_set", rc);
         }
     }
     return 0;
@@ -480,7 +474,7 @@ i32 _limit_apply(u32 chip_id, l2_learn_limit l, bool all_ports)
 i32 _age_set(u32 chip_id, u32 id, u32 value)
 {
     const i32 rc = l2_api_age_control_set(chip_id, id, value);
-    return rc != 0 ? _fail("l2_api_age_control_set", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_age_control_set", rc) : 0;
 }
 
 
@@ -511,7 +505,7 @@ i32 _move_change(u32 chip_id, l2_port_move_pri pri, Change change)
         rc = l2_api_port_move_pri_set(chip_id, &pri);
     }
     cli_lock_give(chip_id, CLI_LOCK_L2, __FILE__, __LINE__);
-    return rc != 0 ? _fail("l2_api_port_move_pri_set", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_port_move_pri_set", rc) : 0;
 }
 
 
@@ -525,7 +519,7 @@ i32 _two_way(u32 chip_id, u32 id, i32 argc, char **argv, const char *one)
 i32 _port_set(u32 chip_id, u32 port, u32 id, u32 value)
 {
     const i32 rc = l2_api_port_control_set(chip_id, port, id, value);
-    return rc != 0 ? _fail("l2_api_port_control_set", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_port_control_set", rc) : 0;
 }
 
 // A batched command over the fields that the words name; the count is
@@ -540,7 +534,7 @@ i32 _batched_cmd(u32 chip_id, i32 argc, char **argv, i32 (*fn)(u32, l2_addr *, u
     u32 count = 0;
     const i32 rc = fn(chip_id, &e.addr, e.compare, &count);
     if (rc != 0) {
-        return _fail(what, rc);
+        return cli_call_failed(what, rc);
     }
     cli_output_show(format, count);
     return 0;
@@ -575,7 +569,7 @@ i32 cli_l2_entry_delete(u32 chip_id, u32, i32 argc, char **argv)
         return SHR_E_PARAM;
     }
     const i32 rc = l2_api_addr_del(chip_id, &e.addr);
-    return rc != 0 ? _fail("l2_api_addr_del", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_addr_del", rc) : 0;
 }
 
 // clear l2 (all | {fields}): one batched delete comparing the fields named.
@@ -595,20 +589,20 @@ i32 cli_l2_entry_show(u32 chip_id, u32, i32 argc, char **argv)
     if (e.compare & L2_CMP_MAC) {
         const i32 rc = l2_api_addr_get(chip_id, &e.addr);
         if (rc != 0) {
-            return _fail("l2_api_addr_get", rc);
+            return cli_call_failed("l2_api_addr_get", rc);
         }
         _entry_head();
         _entry_line(e.addr);
         return 0;
     }
     if (e.addr.flags & (L2_FLAG_DEST_DVP | L2_FLAG_KEY_FID | L2_FLAG_KEY_VFI)) {
-        return _fail("l2_api_addr_traverse", SHR_E_NOT_SUPPORT);
+        return cli_call_failed("l2_api_addr_traverse", SHR_E_NOT_SUPPORT);
     }
     ShowWalk walk{&e, 0};
     _entry_head();
     const i32 rc = l2_api_addr_traverse(chip_id, _show_one, &walk);
     if (rc != 0) {
-        return _fail("l2_api_addr_traverse", rc);
+        return cli_call_failed("l2_api_addr_traverse", rc);
     }
     cli_output_show("Total: %u\n", walk.shown);
     return 0;
@@ -659,7 +653,7 @@ i32 cli_l2_aging_timer_refresh_enable_config(u32 chip_id, u32, i32 argc, char **
 i32 cli_l2_learn_enable_config(u32 chip_id, u32, i32 argc, char **argv)
 {
     const i32 rc = l2_api_learn_control_set(chip_id, 0, argc > 0 && _enable(argv[0]));
-    return rc != 0 ? _fail("l2_api_learn_control_set", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_learn_control_set", rc) : 0;
 }
 
 // l2 learn-aging-mode (software | hardware)
@@ -706,7 +700,7 @@ i32 cli_l2_learn_port_mode_set(u32 chip_id, u32, i32 argc, char **argv)
         return SHR_E_NOT_SUPPORT;
     }
     const i32 rc = l2_api_port_control_set(chip_id, port, L2_PORT_LEARN_MODE, static_cast<u32>(m));
-    return rc != 0 ? _fail("l2_api_port_control_set", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_port_control_set", rc) : 0;
 }
 
 // ---- moves ---------------------------------------------------------------------------------
@@ -727,7 +721,7 @@ i32 cli_l2_move_act_enable_config(u32 chip_id, u32, i32 argc, char **argv)
         rc = l2_api_control_set(chip_id, L2_CTRL_MOVE_PRI_MASK, mask);
     }
     cli_lock_give(chip_id, CLI_LOCK_L2, __FILE__, __LINE__);
-    return rc != 0 ? _fail("l2_api_control_set", rc) : 0;
+    return rc != 0 ? cli_call_failed("l2_api_control_set", rc) : 0;
 }
 
 // l2 move (port WORD | tgid WORD | vp WORD) (enable | disable)
@@ -974,7 +968,7 @@ i32 cli_l2_mac_limit_show(u32 chip_id, u32, i32 argc, char **argv)
         each.port = p;
         rc = l2_api_learn_limit_get(chip_id, &each);
         if (rc != 0) {
-            return _fail("l2_api_learn_limit_get", rc);
+            return cli_call_failed("l2_api_learn_limit_get", rc);
         }
         const bool glb = (l.flags & L2_LIMIT_GLOBAL) != 0;
         cli_output_show("%-8s %-6u %-8u %-10u %-10u %u\n", glb ? "global" : "port", glb ? 0 : p, each.limit_en,
@@ -1004,14 +998,14 @@ i32 cli_l2_status_info_show(u32 chip_id, u32, i32, char **)
     u32 learn = 0;
     i32 rc = l2_api_learn_control_get(chip_id, 0, &learn);
     if (rc != 0) {
-        return _fail("l2_api_learn_control_get", rc);
+        return cli_call_failed("l2_api_learn_control_get", rc);
     }
     cli_output_show("%-24s : %s\n", "learning", learn ? "enable" : "disable");
     for (const Row &r : kRows) {
         u32 v = 0;
         rc = r.age ? l2_api_age_control_get(chip_id, r.id, &v) : l2_api_control_get(chip_id, r.id, &v);
         if (rc != 0) {
-            return _fail(r.age ? "l2_api_age_control_get" : "l2_api_control_get", rc);
+            return cli_call_failed(r.age ? "l2_api_age_control_get" : "l2_api_control_get", rc);
         }
         cli_output_show("%-24s : %u\n", r.name, v);
     }
@@ -1027,7 +1021,7 @@ i32 cli_l2_reserved_multicast_info_show(u32 chip_id, u32, i32, char **)
         u32 v = 0;
         const i32 rc = l2_api_control_get(chip_id, L2_CTRL_RSV_IPV4_CAUSEID + i, &v);
         if (rc != 0) {
-            return _fail("l2_api_control_get", rc);
+            return cli_call_failed("l2_api_control_get", rc);
         }
         cli_output_show("%-24s : %u\n", kNames[i], v);
     }
@@ -1048,12 +1042,12 @@ i32 cli_l2_port_info_show(u32 chip_id, u32, i32 argc, char **argv)
         for (u32 id = 0; id < 4; id++) {
             const i32 rc = l2_api_port_control_get(chip_id, port, id, &v[id]);
             if (rc != 0) {
-                return _fail("l2_api_port_control_get", rc);
+                return cli_call_failed("l2_api_port_control_get", rc);
             }
         }
         const i32 rc = l2_api_port_control_get(chip_id, port, L2_PORT_LEARN_MODE, &learn);
         if (rc != 0) {
-            return _fail("l2_api_port_control_get", rc);
+            return cli_call_failed("l2_api_port_control_get", rc);
         }
         cli_output_show("%-6u %-16s %-16s %-16s %-7s %s\n", port, k_act_names[v[0]], k_act_names[v[1]], k_act_names[v[2]],
                    v[3] ? "enable" : "disable", k_learn_names[learn]);
@@ -1078,7 +1072,7 @@ i32 cli_l2_port_move_info_show(u32 chip_id, u32, i32 argc, char **argv)
         l2_port_move_pri pri{flag, 0, 0, id};
         const i32 rc = l2_api_port_move_pri_get(chip_id, &pri);
         if (rc != 0) {
-            return _fail("l2_api_port_move_pri_get", rc);
+            return cli_call_failed("l2_api_port_move_pri_get", rc);
         }
         cli_output_show("%-6u %-8s %u\n", id, pri.enable ? "enable" : "disable", pri.pri);
         return 0;
@@ -1094,7 +1088,7 @@ i32 cli_l2_counter_show(u32 chip_id, u32, i32, char **)
         u32 n = 0;
         const i32 rc = l2_api_mac_cnt_get(chip_id, type, &n);
         if (rc != 0) {
-            return _fail("l2_api_mac_cnt_get", rc);
+            return cli_call_failed("l2_api_mac_cnt_get", rc);
         }
         cli_output_show("%-16s : %u\n", kNames[type], n);
     }
@@ -1107,7 +1101,7 @@ i32 cli_l2_thread_status_set(u32 chip_id, u32, i32 argc, char **argv)
 {
     const bool start = argc > 0 && std::strncmp(argv[0], "start", 5) == 0;
     const i32 rc = start ? l2_api_sync_start(chip_id) : l2_api_sync_stop(chip_id);
-    return rc != 0 ? _fail(start ? "l2_api_sync_start" : "l2_api_sync_stop", rc) : 0;
+    return rc != 0 ? cli_call_failed(start ? "l2_api_sync_start" : "l2_api_sync_stop", rc) : 0;
 }
 
 // show l2 thread

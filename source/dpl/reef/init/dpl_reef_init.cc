@@ -17,7 +17,9 @@
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/interrupt/dpl_reef_interrupt.h"
 #include "dpl/reef/port/dpl_reef_port.h"
+#include "dpl/reef/qos/dpl_reef_qos.h"
 #include "dpl/reef/serdes/dpl_reef_serdes.h"
+#include "dpl/reef/vlan/dpl_reef_vlan.h"
 #include "hal/hal_op/hal.h"
 #include "shared/shr_property_int.h"
 #include "sal/linux_um/xsal_int.h"
@@ -36,8 +38,10 @@ constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
     {"serdes", dpl_reef_serdes_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
+    {"vlan", dpl_reef_vlan_soft_init, nullptr},
     {"mcc", dpl_reef_mcc_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
+    {"qos", dpl_reef_qos_soft_init, nullptr},
     {"acl", dpl_reef_acl_fp_soft_init, nullptr},
     {"interrupt", dpl_reef_interrupt_soft_init, nullptr},
 };
@@ -46,8 +50,10 @@ constexpr dpl_step kSoftInit[] = {
 constexpr dpl_step kSoftDeinit[] = {
     {"interrupt", dpl_reef_interrupt_soft_deinit, nullptr},
     {"acl", dpl_reef_acl_fp_soft_deinit, "[SOFT-DEINIT: %13s]init failed!!!!!!![ret=%d]\r\n"},
+    {"qos", dpl_reef_qos_soft_deinit, nullptr},
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"mcc", dpl_reef_mcc_soft_deinit, nullptr},
+    {"vlan", dpl_reef_vlan_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
     {"serdes", dpl_reef_serdes_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
@@ -61,16 +67,20 @@ constexpr dpl_step kHwInit[] = {
     {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
     {"acl", dpl_reef_acl_fp_hw_init, nullptr},
+    {"vlan", dpl_reef_vlan_hw_init, nullptr},
     {"l2", dpl_reef_l2_hw_init, nullptr},
     {"mcc", dpl_reef_mcc_hw_init, nullptr},
+    {"qos", dpl_reef_qos_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
     {"interrupt", dpl_reef_interrupt_hw_init, nullptr},
 };
 
 // Hardware deinit, in order.
 constexpr dpl_step kHwDeinit[] = {
+    {"qos", dpl_reef_qos_hw_deinit, nullptr},
     {"mcc", dpl_reef_mcc_hw_deinit, nullptr},
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
+    {"vlan", dpl_reef_vlan_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
     {"serdes", dpl_reef_serdes_hw_deinit, nullptr},
     {"interrupt", dpl_reef_interrupt_hw_deinit, nullptr},

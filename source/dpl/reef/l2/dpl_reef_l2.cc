@@ -14,6 +14,7 @@
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/mcc/dpl_reef_mcc.h"
 #include "dpl/reef/special/atolreef/dpl_atolreef_l2.h"
+#include "dpl/reef/vlan/dpl_reef_vlan.h"
 
 extern "C" {
 dpl_reef_l2_property g_l2_property[SHR_MAX_CHIPS];
@@ -710,9 +711,7 @@ u32 _mc_key_id(u16 key)
     return _mc_key_trunk(key) ? key & 0x7Fu : key & 63u;
 }
 
-// The per-VLAN controls live in the ingress VLAN record of the VLAN
-// service, which this build does not have: the calls stop after their
-// checks.
+// The checks of a per-VLAN control, before the VLAN record is touched.
 i32 _vlan_control_check(u32 chip_id, u32 vid, u32 id, const u32 *value)
 {
     if (vid > DPL_L2_VID_MAX) {
@@ -737,8 +736,27 @@ i32 _vlan_control_check(u32 chip_id, u32 vid, u32 id, const u32 *value)
             return SHR_E_PARAM;
         }
     }
-    SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "vid %u: no VLAN service in this build\n", vid);
-    return SHR_E_NOT_SUPPORT;
+    return 0;
+}
+
+// The fields of the ingress VLAN record a flood control id names.
+struct VlanAct {
+    u8 dpl_reef_ivlan_key::*tocp;
+    u8 dpl_reef_ivlan_key::*broad;
+};
+constexpr VlanAct kVlanActs[] = {
+    {&dpl_reef_ivlan_key::unuc_tocp, &dpl_reef_ivlan_key::unuc_broad},
+    {&dpl_reef_ivlan_key::unmc_tocp, &dpl_reef_ivlan_key::unmc_broad},
+    {&dpl_reef_ivlan_key::bc_tocp, &dpl_reef_ivlan_key::bc_broad},
+};
+
+// The checks of a per-VLAN control, then the VLAN's ingress record.  The
+// per-VLAN controls read and rewrite it through the VLAN service, which
+// moves the VLAN between shared rows as the record demands.
+i32 _vlan_record(u32 chip_id, u32 vid, u32 id, const u32 *value, dpl_reef_ivlan_key *rec)
+{
+    const i32 rc = _vlan_control_check(chip_id, vid, id, value);
+    return rc != 0 ? rc : dpl_reef_vlan_ingress_control_get(chip_id, vid, rec);
 }
 
 } // namespace
@@ -1515,13 +1533,39 @@ i32 dpl_reef_l2_port_control_get(u32 chip_id, u32 port, u32 id, u32 *value)
 
 i32 dpl_reef_l2_vlan_control_set(u32 chip_id, u32 vid, u32 id, u32 value)
 {
-    return _vlan_control_check(chip_id, vid, id, &value);
+    dpl_reef_ivlan_key rec{};
+    const i32 rc = _vlan_record(chip_id, vid, id, &value, &rec);
+    if (rc != 0) {
+        return rc;
+    }
+    if (id == L2_VLAN_LEARN) {
+        rec.mac_lrn_mode = static_cast<u8>(value);
+    } else if (id == L2_VLAN_IPMC_MODE) {
+        rec.ipmc_mode = static_cast<u8>(value);
+    } else {
+        const VlanAct &a = kVlanActs[id - L2_VLAN_UNKNOWN_UCAST_ACT];
+        rec.*a.tocp = _act_tocp(value);
+        rec.*a.broad = _act_broad(value);
+    }
+    return dpl_reef_vlan_ingress_control_set(chip_id, vid, &rec);
 }
 
 i32 dpl_reef_l2_vlan_control_get(u32 chip_id, u32 vid, u32 id, u32 *value)
 {
-    (void)value;
-    return _vlan_control_check(chip_id, vid, id, nullptr);
+    dpl_reef_ivlan_key rec{};
+    const i32 rc = _vlan_record(chip_id, vid, id, nullptr, &rec);
+    if (rc != 0) {
+        return rc;
+    }
+    if (id == L2_VLAN_LEARN) {
+        *value = rec.mac_lrn_mode;
+    } else if (id == L2_VLAN_IPMC_MODE) {
+        *value = rec.ipmc_mode;
+    } else {
+        const VlanAct &a = kVlanActs[id - L2_VLAN_UNKNOWN_UCAST_ACT];
+        *value = _act_of(rec.*a.tocp, rec.*a.broad);
+    }
+    return 0;
 }
 
 i32 dpl_reef_l2_port_move_pri_get(u32 chip_id, l2_port_move_pri *pri)

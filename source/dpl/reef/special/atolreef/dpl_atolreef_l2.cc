@@ -5,6 +5,7 @@
 
 #include "atolreef_cib.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "dpl/reef/vlan/dpl_reef_vlan.h"
 
 namespace {
 
@@ -72,12 +73,43 @@ i32 _limit_prepare(u32 chip_id, const l2_learn_limit *limit, Scope *scope)
     return rc != 0 ? rc : _dpl_reef_atolreef_l2_learn_limit_param_check(chip_id, limit);
 }
 
-// The per-VLAN over-limit settings live in the ingress VLAN record of the
-// VLAN service, which this build does not have.
-i32 _limit_vlan(u32 chip_id, u32 vlan)
+// The per-VLAN over-limit settings live in the VLAN's ingress record:
+// `vlan_lrn_lmt` the over-limit enable, `mac_lmt_dlf` the action.  The
+// record is rewritten through the VLAN service, which keeps the row
+// sharing right.
+i32 _limit_vlan_set(u32 chip_id, const l2_learn_limit *l)
 {
-    SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "vid %u: no VLAN service in this build\n", vlan);
-    return SHR_E_NOT_SUPPORT;
+    if ((l->flags & (L2_LIMIT_ENABLE | L2_LIMIT_VALUE)) != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_ARL, "vlan %u: no count or enable of its own, only the over-limit action\n",
+                    l->vlan);
+        return SHR_E_NOT_SUPPORT;
+    }
+    dpl_reef_ivlan_key rec{};
+    i32 rc = dpl_reef_vlan_ingress_control_get(chip_id, l->vlan, &rec);
+    if (rc != 0) {
+        return rc;
+    }
+    if (l->flags & L2_LIMIT_OVER_ACT) {
+        rec.mac_lmt_dlf = static_cast<u8>(l->over_act);
+    }
+    if (l->flags & L2_LIMIT_OVER_LIMIT_EN) {
+        rec.vlan_lrn_lmt = l->over_limit_en != 0 ? 1 : 0;
+    }
+    return dpl_reef_vlan_ingress_control_set(chip_id, l->vlan, &rec);
+}
+
+i32 _limit_vlan_get(u32 chip_id, l2_learn_limit *l)
+{
+    dpl_reef_ivlan_key rec{};
+    const i32 rc = dpl_reef_vlan_ingress_control_get(chip_id, l->vlan, &rec);
+    if (rc == 0) {
+        l->over_act = rec.mac_lmt_dlf;
+        l->over_limit_en = rec.vlan_lrn_lmt;
+        l->limit_en = 0;
+        l->limit_value = 0;
+        l->mac_cnt = 0;
+    }
+    return rc;
 }
 
 void _u64_mask_set(u64 mask[2], u32 member)
@@ -286,7 +318,7 @@ i32 dpl_reef_atolreef_l2_learn_limit_set(u32 chip_id, l2_learn_limit *limit)
     case Scope::port:
         return _limit_port_set(chip_id, limit);
     default:
-        return _limit_vlan(chip_id, limit->vlan);
+        return _limit_vlan_set(chip_id, limit);
     }
 }
 
@@ -298,7 +330,7 @@ i32 dpl_reef_atolreef_l2_learn_limit_get(u32 chip_id, l2_learn_limit *limit)
         return rc;
     }
     if (scope == Scope::vlan) {
-        return _limit_vlan(chip_id, limit->vlan);
+        return _limit_vlan_get(chip_id, limit);
     }
     if (scope == Scope::global) {
         limit->over_limit_en = 0;
