@@ -218,6 +218,9 @@ TEST_F(Acl, ItemsNeedATemplateThatTakesThemAndMustNotExcludeEachOther)
     EXPECT_EQ(i.match[0].value, 4u);
     ASSERT_EQ(acl_api_entry_match_field_remove(0, id, &port), 0);
     EXPECT_EQ(acl_api_entry_match_field_set(0, id, &tgid), 0);
+    // And the other way round: a port after a trunk.
+    EXPECT_EQ(acl_api_entry_match_field_set(0, id, &port), SHR_E_CONFIG);
+    EXPECT_EQ(info(id).match[0].id, kMatchSrcTgid);
 }
 
 TEST_F(Acl, ActionsAreTakenOnceFromTheGroupsSetWithoutConflicts)

@@ -1,15 +1,20 @@
 // A table that grows moves other tables' blocks while traffic runs: with
 // the model's search run after every single TCAM write of such an
 // expansion, every installed entry of every group is found (a second copy
-// may match first, a miss may not happen).
+// may match first, a miss may not happen); frames injected after every
+// write are classified by the rule they match.
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <string>
 #include <vector>
 
 #include "atolreef_cib.h"
 #include "dpl/reef/acl/dpl_reef_acl.h"
 #include "hal/linux/linux_haui_um/hal_ui.h"
 #include "support/acl_fixture.h"
+#include "support/acl_frames.h"
+#include "support/vlan_ports.h"
 
 using namespace tide::test;
 
@@ -162,6 +167,99 @@ TEST_F(AclLive, GrowingIntoAFreeBlockBelowMovesItsOwnBlocksAndTheOnesBetweenDown
     EXPECT_EQ(group_info(b).block_ids[0], 0u);
     found_where_placed({a, b});
     EXPECT_EQ(dpl_reef_acl_tcam_destroy(0, CSL_TCAM_MAP_EACL_320, filler), 0);
+}
+
+// Frames of every flow, sent after each TCAM write of an expansion that
+// moves another group's block, meet their own rule: group a's flows are
+// dropped, group b's redirected to port 5, a flow of no rule forwards, and
+// the new entry's flow forwards until its row is written and drops from
+// then on.  The flows repeat, so the model's lookup cache is hot whenever a
+// write lands.
+struct Classified {
+    Traffic traffic{0};
+    uint32_t a_first = 0, a_count = 0, b_first = 0, b_count = 0, extra = 0;
+    uint64_t writes = 0, frames = 0;
+    bool extra_dropping = false;
+    std::vector<std::string> wrong;
+
+    static Frame flow(uint32_t smac_low) { return l2_frame(kHostB, 0x021100000000ull | smac_low); }
+
+    void expect(uint32_t smac_low, const Verdict &want, const Verdict &got)
+    {
+        frames++;
+        if (!(got == want) && wrong.size() < 10) {
+            std::ostringstream os;
+            os << "flow " << smac_low << " after write " << writes << ": " << got << ", want " << want;
+            wrong.push_back(os.str());
+        }
+    }
+
+    void after_write()
+    {
+        writes++;
+        Verdict dropped = Verdict::drop(600), redirected, forwarded;
+        redirected.ports = 1u << 5;
+        forwarded.ports = 1u << 2;
+        // A few flows of each group per write, in turn, and the two others.
+        for (uint32_t i = 0; i < 3; i++) {
+            const uint32_t a = a_first + (writes * 3 + i) % a_count, b = b_first + (writes * 3 + i) % b_count;
+            expect(a, dropped, traffic.send(1, flow(a)));
+            expect(b, redirected, traffic.send(1, flow(b)));
+        }
+        expect(0xFFFFFF, forwarded, traffic.send(1, flow(0xFFFFFF)));
+        const Verdict v = traffic.send(1, flow(extra));
+        extra_dropping |= v == dropped;
+        expect(extra, extra_dropping ? dropped : forwarded, v);
+    }
+
+    static void observe(uint32_t, const tide_sim_write *w, void *user)
+    {
+        if (w->bar == kLsw && w->addr == kCmd0 && (w->value & kOpMask) == kOpWrite && (w->value & kStarts) != 0) {
+            static_cast<Classified *>(user)->after_write();
+        }
+    }
+};
+
+TEST_F(AclLive, FramesDuringAnExpansionThatMovesAnotherGroupMeetTheirOwnRule)
+{
+    ASSERT_EQ(vlan_ports(0, 1, kFrontPorts, kFrontPorts), 0);
+    l2_static(kHostB, 1, 2);
+    acl_control on{ACL_PORT_ICAP_EN, 1};
+    ASSERT_EQ(acl_api_port_control_set(0, 1, &on), 0);
+    acl_lookup global{ACL_STAGE_ICAP, ACL_BASE_GLOBAL, 0, 0, kTypeL2, 1};
+    ASSERT_EQ(acl_api_template_config_set(0, &global), 0);
+
+    uint32_t mac = 1;
+    const uint32_t a = group(128), b = group(128);
+    fill(a, 128, &mac);
+    Classified c;
+    c.a_first = 1;
+    c.a_count = 128;
+    c.b_first = mac;
+    for (; c.b_count < 40; c.b_count++, mac++) {
+        const uint32_t id = entry(b, mac % 300, mac);
+        acl_item drop{kActionDrop, 0, 0}, redirect{kActionRedirectPort, 0, 5};
+        ASSERT_EQ(acl_api_entry_action_remove(0, id, &drop), 0);
+        ASSERT_EQ(acl_api_entry_action_set(0, id, &redirect), 0);
+        ASSERT_EQ(acl_api_entry_install(0, id), 0);
+    }
+    ASSERT_EQ(group_info(b).block_ids[0], 1u);
+    c.extra = mac;
+    const uint32_t extra = entry(a, 77, mac);
+    c.after_write(); // every flow once before, so the cache holds them
+    ASSERT_TRUE(c.wrong.empty()) << c.wrong[0];
+
+    ASSERT_EQ(tide_sim_write_observer_set(0, &Classified::observe, &c), 0);
+    const int rc = acl_api_entry_install(0, extra);
+    ASSERT_EQ(tide_sim_write_observer_set(0, nullptr, nullptr), 0);
+    ASSERT_EQ(rc, 0);
+    EXPECT_EQ(group_info(b).block_ids[0], 2u); // b's block did move
+    for (const std::string &w : c.wrong) {
+        ADD_FAILURE() << w;
+    }
+    EXPECT_TRUE(c.extra_dropping);
+    EXPECT_GT(c.writes, 40u);
+    RecordProperty("frames", std::to_string(c.frames));
 }
 
 } // namespace
