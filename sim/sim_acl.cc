@@ -267,8 +267,23 @@ constexpr uint32_t kTidGlobal = 11, kTidPort = 4, kTidVlan = 10;
 enum : uint32_t { kFwdPermit = 0, kFwdDrop = 1, kFwdCopy = 2, kFwdToCpu = 3, kFwdRedirect = 5, kFwdNexthop = 9 };
 constexpr uint32_t kDestTrunk = 0x800;
 
+// A field of one register word, without the general multi-word path: the
+// stage reads a score of such fields per frame.
+uint32_t _word_field(uint32_t word, FieldRef f)
+{
+    return f.width >= 32 ? word : (word >> f.low) & ((1u << f.width) - 1);
+}
+
 void _set(uint32_t *key, FieldRef f, u128 v)
 {
+    const uint32_t shift = f.low % 32;
+    if (shift + f.width <= 32) {
+        // Most key fields lie in one word.
+        const uint32_t m = static_cast<uint32_t>(width_mask(f.width));
+        uint32_t &w = key[f.low / 32];
+        w = (w & ~(m << shift)) | (static_cast<uint32_t>(v) & m) << shift;
+        return;
+    }
     if (f.width <= 64) {
         bits_set(key, f, static_cast<uint64_t>(v));
         return;
@@ -391,8 +406,8 @@ bool AclStage::run(Packet &p)
     };
     const uint32_t glb = pl_.reg(RegView{&a_glb_, 1});
     const Lookup lookups[] = {
-        {word_get(glb, f_glb_type_[0]), word_get(glb, f_glb_pri_[0]), kTidGlobal},
-        {word_get(glb, f_glb_type_[1]), word_get(glb, f_glb_pri_[1]), kTidGlobal},
+        {_word_field(glb, f_glb_type_[0]), _word_field(glb, f_glb_pri_[0]), kTidGlobal},
+        {_word_field(glb, f_glb_type_[1]), _word_field(glb, f_glb_pri_[1]), kTidGlobal},
         {static_cast<uint32_t>(bits_get(p.ipat, f_port_type_[0])), static_cast<uint32_t>(bits_get(p.ipat, f_port_pri_[0])),
          kTidPort},
         {static_cast<uint32_t>(bits_get(p.ipat, f_port_type_[1])), static_cast<uint32_t>(bits_get(p.ipat, f_port_pri_[1])),
@@ -400,10 +415,9 @@ bool AclStage::run(Packet &p)
         {static_cast<uint32_t>(bits_get(p.ivlan, f_vlan_type_)), static_cast<uint32_t>(bits_get(p.ivlan, f_vlan_pri_)),
          kTidVlan},
     };
+    // The enabled blocks and the frame's view, read once the first
+    // configured lookup needs them.
     uint32_t enabled = 0;
-    for (uint32_t b = 0; b < TcamEngine::kBlocks; b++) {
-        enabled |= (word_get(pl_.reg(RegView{&a_cbe_[b], 1}), f_cbe_[b]) != 0 ? 1u : 0u) << b;
-    }
     View v;
     bool parsed = false;
     // A copy: a later search may rehash the cache.
@@ -415,6 +429,9 @@ bool AclStage::run(Packet &p)
         }
         if (!parsed) {
             _parse(v, p, p.ipat, f_trunk_en_, f_trunk_id_, f_gid_);
+            for (uint32_t b = 0; b < TcamEngine::kBlocks; b++) {
+                enabled |= (_word_field(pl_.reg(RegView{&a_cbe_[b], 1}), f_cbe_[b]) != 0 ? 1u : 0u) << b;
+            }
             parsed = true;
         }
         const Layout &lay = layouts_[static_cast<uint32_t>(by_type_[l.type])];
