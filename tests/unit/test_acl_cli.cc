@@ -6,11 +6,16 @@
 #include <tide/cli.h>
 #include <tide/sim.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "app/diag_shell/shell/cli/cli_core.h"
+#include "dpl/reef/acl/dpl_reef_acl.h"
 #include "support/acl_fixture.h"
+#include "support/acl_frames.h"
 #include "support/cli_lines.h"
+#include "support/vlan_ports.h"
 
 namespace {
 
@@ -147,6 +152,95 @@ TEST_F(AclCli, PortControlsAndLookupsShowBack)
     ASSERT_EQ(run("show acl template icap port 3"), 0) << out_;
     EXPECT_TRUE(said("width-single-l2")) << out_;
     EXPECT_TRUE(said("pri 2")) << out_;
+}
+
+// Every kind of group of the chip, from the shell: each of its templates
+// takes each of its items, and its entries each action of its set, by the
+// words of the name tables.  The actions of the counter, policer and mirror
+// services are refused with a line until those services exist.
+TEST_F(AclCli, EveryItemOfEveryTemplateAndEveryActionOfEverySetIsTakenByItsWord)
+{
+    const char *kinds[][2] = {{"icap", "single"}, {"icap", "double"}, {"ipsg", "double"}, {"ecap", "double"},
+                              {"cpucap", "double"}, {"vcap", "single"}, {"vcap", "double"}, {"mcap", "double"}};
+    const uint32_t bound[] = {0 /* mirror */, 49 /* cnt */, 50 /* policer */};
+    uint32_t templates = 0, items = 0, actions = 0, entry = 1000;
+    for (uint32_t k = 0; k < std::size(kinds); k++) {
+        SCOPED_TRACE(std::string(kinds[k][0]) + " " + kinds[k][1]);
+        const std::string g = std::to_string(k + 1);
+        ASSERT_EQ(run("acl group " + g + " create type " + kinds[k][0] + " width-mode " + kinds[k][1]), 0) << out_;
+        acl_group_info gi{};
+        ASSERT_EQ(acl_api_group_get(0, k + 1, &gi), 0);
+        ASSERT_NE(gi.match_support, 0u);
+        for (uint32_t t = 0; t < ACL_TEMPLATE_NONE; t++) {
+            if ((gi.match_support >> t & 1) == 0) {
+                continue;
+            }
+            templates |= 1u << t;
+            const std::string e = "acl entry " + std::to_string(++entry);
+            ASSERT_EQ(run(e + " create group " + g + " pri 1"), 0) << out_;
+            ASSERT_EQ(run(e + " template " + g_template_type_id_name[t]), 0) << out_;
+            uint32_t bitmap[8] = {};
+            ASSERT_EQ(acl_api_match_support_get(0, t, bitmap), 0);
+            for (uint32_t m = 0; m < ACL_MATCH_NULL; m++) {
+                if (dpl_acl_bit_get(bitmap, m)) {
+                    const std::string word = g_entry_match_id_name[m];
+                    EXPECT_EQ(run(e + " match add " + word + " 1"), 0) << g_template_type_id_name[t] << ": " << out_;
+                    EXPECT_EQ(run(e + " match del " + word), 0) << g_template_type_id_name[t] << ": " << out_;
+                    items++;
+                }
+            }
+        }
+        // The group's actions on its last entry.
+        const std::string e = "acl entry " + std::to_string(entry);
+        for (uint32_t a = 0; a < ACL_ACTION_NULL; a++) {
+            if (!dpl_acl_bit_get(gi.action_support, a)) {
+                continue;
+            }
+            const std::string word = g_entry_action_id_name[a];
+            actions++;
+            if (std::find(std::begin(bound), std::end(bound), a) != std::end(bound)) {
+                EXPECT_NE(run(e + " action add " + word + " 1 1"), 0) << word;
+                continue;
+            }
+            EXPECT_EQ(run(e + " action add " + word + " 1 1"), 0) << word << ": " << out_;
+            EXPECT_EQ(run(e + " action del " + word), 0) << word << ": " << out_;
+        }
+        ASSERT_EQ(run("acl group " + g + " destroy"), 0) << out_;
+    }
+    EXPECT_EQ(__builtin_popcount(templates), 22);
+    RecordProperty("items", std::to_string(items));
+    RecordProperty("actions", std::to_string(actions));
+}
+
+// A rule typed at the shell filters traffic: addresses in dotted form, the
+// lookup and the port's ACL switched on from the same mode.
+TEST_F(AclCli, ARuleTypedAtTheShellDropsItsFlowAndNoOther)
+{
+    using namespace tide::test;
+    ASSERT_EQ(vlan_ports(0, 1, kFrontPorts, kFrontPorts), 0);
+    l2_static(kHostB, 1, 2);
+    ASSERT_EQ(run("acl group 3 create type icap width-mode double"), 0) << out_;
+    ASSERT_EQ(run("acl entry 30 create group 3 pri 5"), 0) << out_;
+    ASSERT_EQ(run("acl entry 30 template icap-ipv4"), 0) << out_;
+    ASSERT_EQ(run("acl entry 30 match add sip 10.1.2.0 255.255.255.0"), 0) << out_;
+    ASSERT_EQ(run("acl entry 30 match add reuse-l4dport-arpopcode 23"), 0) << out_;
+    ASSERT_EQ(run("acl entry 30 action add drop"), 0) << out_;
+    ASSERT_EQ(run("acl entry 30 install"), 0) << out_;
+    ASSERT_EQ(run("acl template icap based glb pri 1 type ipv4"), 0) << out_;
+    ASSERT_EQ(run("acl port 1 cfg icap enable"), 0) << out_;
+    acl_entry_info i{};
+    ASSERT_EQ(acl_api_entry_get(0, 30, &i), 0);
+    ASSERT_EQ(i.match_count, 2u);
+    const acl_item *sip = i.match[0].id == kMatchSip ? &i.match[0] : &i.match[1];
+    EXPECT_EQ(sip->value, 0x0A010200u);
+    EXPECT_EQ(sip->mask, 0xFFFFFF00u);
+
+    Traffic t(0);
+    EXPECT_TRUE(t.send(1, ipv4_frame(kHostB, kHostA, 0x0A010207, 0x0A000002, 6, 4000, 23)).dropped);
+    EXPECT_EQ(t.send(1, ipv4_frame(kHostB, kHostA, 0x0A010307, 0x0A000002, 6, 4000, 23)).ports, 1u << 2);
+    EXPECT_EQ(t.send(1, ipv4_frame(kHostB, kHostA, 0x0A010207, 0x0A000002, 6, 4000, 22)).ports, 1u << 2);
+    EXPECT_NE(run("acl entry 31 match add sip 10.1.2.300"), 0);
+    EXPECT_TRUE(said("ipv4 address is wrong")) << out_;
 }
 
 } // namespace

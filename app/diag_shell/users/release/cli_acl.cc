@@ -222,6 +222,20 @@ void _generate(Generated *g, const char *head, const char *const *head_help, con
 
 Generated g_acl_match_add, g_acl_match_del, g_acl_action_add, g_acl_action_del, g_acl_template_set, g_acl_template_show;
 
+// A value or mask of an item: a number, or an IPv4 address in dotted form
+// (the address fields take it first byte highest).
+bool _item_value(const char *w, u32 *out)
+{
+    if (strchr(w, '.') != nullptr) {
+        if (cli_get_ipv4addr(w, out) != SHR_E_NONE) {
+            cli_output_show("parameter %s is incorrect.\n", w);
+            return false;
+        }
+        return true;
+    }
+    return _num(w, out);
+}
+
 // An entry's item by the words after the entry id: name, value, mask or
 // second value.
 i32 _item(i32 argc, char **argv, const char *const *names, u32 count, u32 default_mask, acl_item *item)
@@ -236,7 +250,7 @@ i32 _item(i32 argc, char **argv, const char *const *names, u32 count, u32 defaul
     }
     item->value = 0;
     item->mask = default_mask;
-    if ((argc > 2 && !_num(argv[2], &item->value)) || (argc > 3 && !_num(argv[3], &item->mask))) {
+    if ((argc > 2 && !_item_value(argv[2], &item->value)) || (argc > 3 && !_item_value(argv[3], &item->mask))) {
         return SHR_E_PARAM;
     }
     return SHR_E_NONE;
@@ -968,7 +982,8 @@ const char *const k_match_add_head[] = {"ACL", "Entry", "Entry id", "Match item"
 const char *const k_match_del_head[] = {"ACL", "Entry", "Entry id", "Match item", "Remove", nullptr};
 const char *const k_action_add_head[] = {"ACL", "Entry", "Entry id", "Action", "Add", nullptr};
 const char *const k_action_del_head[] = {"ACL", "Entry", "Entry id", "Action", "Remove", nullptr};
-const char *const k_match_tail[] = {"Value", "Mask (all ones without)", nullptr};
+const char *const k_match_tail[] = {"Value (a number or A.B.C.D)", "Mask (all ones without; a number or A.B.C.D)",
+                                    nullptr};
 const char *const k_action_tail[] = {"Value", "Second value", nullptr};
 const char *const k_none[] = {nullptr};
 const char *const k_entry_pri_help[] = {"ACL", "Entry", "Entry id", "Priority", "Smaller first", nullptr};
