@@ -194,15 +194,17 @@ struct Classified {
         }
     }
 
-    void after_write()
+    // `per_group` flows of each group, in turn from write to write, and the
+    // two others.
+    void after_write(uint32_t per_group = 3)
     {
         writes++;
         Verdict dropped = Verdict::drop(600), redirected, forwarded;
         redirected.ports = 1u << 5;
         forwarded.ports = 1u << 2;
-        // A few flows of each group per write, in turn, and the two others.
-        for (uint32_t i = 0; i < 3; i++) {
-            const uint32_t a = a_first + (writes * 3 + i) % a_count, b = b_first + (writes * 3 + i) % b_count;
+        for (uint32_t i = 0; i < per_group; i++) {
+            const uint32_t a = a_first + (writes * per_group + i) % a_count,
+                           b = b_first + (writes * per_group + i) % b_count;
             expect(a, dropped, traffic.send(1, flow(a)));
             expect(b, redirected, traffic.send(1, flow(b)));
         }
@@ -246,7 +248,7 @@ TEST_F(AclLive, FramesDuringAnExpansionThatMovesAnotherGroupMeetTheirOwnRule)
     ASSERT_EQ(group_info(b).block_ids[0], 1u);
     c.extra = mac;
     const uint32_t extra = entry(a, 77, mac);
-    c.after_write(); // every flow once before, so the cache holds them
+    c.after_write(128); // every flow before, so that the cache holds them
     ASSERT_TRUE(c.wrong.empty()) << c.wrong[0];
 
     ASSERT_EQ(tide_sim_write_observer_set(0, &Classified::observe, &c), 0);
