@@ -47,6 +47,18 @@ struct View {
     uint32_t gid = 0;
 };
 
+// A field of at most 32 bits of a row or register: the stage reads a score
+// of them per frame, nearly all within one word, which needs no general
+// multi-word path.
+[[gnu::always_inline]] inline uint32_t _get(const uint32_t *words, FieldRef f)
+{
+    const uint32_t shift = f.low % 32;
+    if (shift + f.width <= 32) {
+        return (words[f.low / 32] >> shift) & static_cast<uint32_t>(width_mask(f.width));
+    }
+    return static_cast<uint32_t>(bits_get(words, f));
+}
+
 uint16_t _be16(const uint8_t *b)
 {
     return static_cast<uint16_t>(b[0] << 8 | b[1]);
@@ -102,9 +114,9 @@ void _parse(View &v, const Packet &p, const uint32_t *bits_of_port, FieldRef tru
         v.llc = true;
         v.snap = room >= 3 && l3[0] == 0xAA && l3[1] == 0xAA && l3[2] == 0x03;
     }
-    v.trunk = bits_get(bits_of_port, trunk_en) != 0;
-    v.src = v.trunk ? static_cast<uint32_t>(bits_get(bits_of_port, trunk_id)) : p.src;
-    v.gid = static_cast<uint32_t>(bits_get(bits_of_port, gid));
+    v.trunk = _get(bits_of_port, trunk_en) != 0;
+    v.src = v.trunk ? _get(bits_of_port, trunk_id) : p.src;
+    v.gid = _get(bits_of_port, gid);
     if (p.ethertype == kTypeIpv4 && room >= 20 && (l3[0] >> 4) == 4) {
         const uint32_t ihl = (l3[0] & 15u) * 4;
         v.ip = 1;
@@ -267,13 +279,6 @@ constexpr uint32_t kTidGlobal = 11, kTidPort = 4, kTidVlan = 10;
 enum : uint32_t { kFwdPermit = 0, kFwdDrop = 1, kFwdCopy = 2, kFwdToCpu = 3, kFwdRedirect = 5, kFwdNexthop = 9 };
 constexpr uint32_t kDestTrunk = 0x800;
 
-// A field of one register word, without the general multi-word path: the
-// stage reads a score of such fields per frame.
-uint32_t _word_field(uint32_t word, FieldRef f)
-{
-    return f.width >= 32 ? word : (word >> f.low) & ((1u << f.width) - 1);
-}
-
 void _set(uint32_t *key, FieldRef f, u128 v)
 {
     const uint32_t shift = f.low % 32;
@@ -396,7 +401,7 @@ const AclStage::Hit &AclStage::search(const TcamEngine::Plane &key, uint32_t bit
 
 bool AclStage::run(Packet &p)
 {
-    if (bits_get(p.ipat, f_port_en_) == 0) {
+    if (_get(p.ipat, f_port_en_) == 0) {
         return true;
     }
     // The lookups in their order: global first and second, the port's first
@@ -406,13 +411,13 @@ bool AclStage::run(Packet &p)
     };
     const uint32_t glb = pl_.reg(RegView{&a_glb_, 1});
     const Lookup lookups[] = {
-        {_word_field(glb, f_glb_type_[0]), _word_field(glb, f_glb_pri_[0]), kTidGlobal},
-        {_word_field(glb, f_glb_type_[1]), _word_field(glb, f_glb_pri_[1]), kTidGlobal},
-        {static_cast<uint32_t>(bits_get(p.ipat, f_port_type_[0])), static_cast<uint32_t>(bits_get(p.ipat, f_port_pri_[0])),
+        {_get(&glb, f_glb_type_[0]), _get(&glb, f_glb_pri_[0]), kTidGlobal},
+        {_get(&glb, f_glb_type_[1]), _get(&glb, f_glb_pri_[1]), kTidGlobal},
+        {_get(p.ipat, f_port_type_[0]), _get(p.ipat, f_port_pri_[0]),
          kTidPort},
-        {static_cast<uint32_t>(bits_get(p.ipat, f_port_type_[1])), static_cast<uint32_t>(bits_get(p.ipat, f_port_pri_[1])),
+        {_get(p.ipat, f_port_type_[1]), _get(p.ipat, f_port_pri_[1]),
          kTidPort},
-        {static_cast<uint32_t>(bits_get(p.ivlan, f_vlan_type_)), static_cast<uint32_t>(bits_get(p.ivlan, f_vlan_pri_)),
+        {_get(p.ivlan, f_vlan_type_), _get(p.ivlan, f_vlan_pri_),
          kTidVlan},
     };
     // The enabled blocks and the frame's view, read once the first
@@ -430,7 +435,8 @@ bool AclStage::run(Packet &p)
         if (!parsed) {
             _parse(v, p, p.ipat, f_trunk_en_, f_trunk_id_, f_gid_);
             for (uint32_t b = 0; b < TcamEngine::kBlocks; b++) {
-                enabled |= (_word_field(pl_.reg(RegView{&a_cbe_[b], 1}), f_cbe_[b]) != 0 ? 1u : 0u) << b;
+                const uint32_t cbe = pl_.reg(RegView{&a_cbe_[b], 1});
+                enabled |= (_get(&cbe, f_cbe_[b]) != 0 ? 1u : 0u) << b;
             }
             parsed = true;
         }
@@ -462,12 +468,12 @@ bool AclStage::run(Packet &p)
 void AclStage::apply(Packet &p, const Hit &h)
 {
     const uint32_t *ad = h.action.data();
-    if (bits_get(ad, f_valid_) == 0) {
+    if (_get(ad, f_valid_) == 0) {
         return;
     }
-    const uint32_t dest = static_cast<uint32_t>(bits_get(ad, f_dest_));
+    const uint32_t dest = _get(ad, f_dest_);
     const uint16_t cause = static_cast<uint16_t>(dest & 0x3FF);
-    switch (bits_get(ad, f_fwdcmd_)) {
+    switch (_get(ad, f_fwdcmd_)) {
     case kFwdPermit:
         break;
     case kFwdDrop:
@@ -493,7 +499,7 @@ void AclStage::apply(Packet &p, const Hit &h)
         p.drop(kCauseOpcodeAbnormal);
         break;
     }
-    if (bits_get(ad, f_denydrop_) != 0) {
+    if (_get(ad, f_denydrop_) != 0) {
         p.deny_drop = true;
     }
 }
