@@ -413,12 +413,9 @@ bool AclStage::run(Packet &p)
     const Lookup lookups[] = {
         {_get(&glb, f_glb_type_[0]), _get(&glb, f_glb_pri_[0]), kTidGlobal},
         {_get(&glb, f_glb_type_[1]), _get(&glb, f_glb_pri_[1]), kTidGlobal},
-        {_get(p.ipat, f_port_type_[0]), _get(p.ipat, f_port_pri_[0]),
-         kTidPort},
-        {_get(p.ipat, f_port_type_[1]), _get(p.ipat, f_port_pri_[1]),
-         kTidPort},
-        {_get(p.ivlan, f_vlan_type_), _get(p.ivlan, f_vlan_pri_),
-         kTidVlan},
+        {_get(p.ipat, f_port_type_[0]), _get(p.ipat, f_port_pri_[0]), kTidPort},
+        {_get(p.ipat, f_port_type_[1]), _get(p.ipat, f_port_pri_[1]), kTidPort},
+        {_get(p.ivlan, f_vlan_type_), _get(p.ivlan, f_vlan_pri_), kTidVlan},
     };
     // The enabled blocks and the frame's view, read once the first
     // configured lookup needs them.
