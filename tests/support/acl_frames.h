@@ -85,9 +85,9 @@ inline void l4(Frame &f, uint8_t proto, uint16_t sport, uint16_t dport)
 }
 
 inline Frame ipv4_frame(uint64_t dmac, uint64_t smac, uint32_t sip, uint32_t dip, uint8_t proto, uint16_t sport,
-                        uint16_t dport)
+                        uint16_t dport, uint32_t vid = 1)
 {
-    Frame f = eth_header(dmac, smac, 0x0800);
+    Frame f = eth_header(dmac, smac, 0x0800, vid);
     f.insert(f.end(), {0x45, 0x00});
     put16(f, 20 + (proto == 6 ? 20 : 8));
     f.insert(f.end(), {0, 0, 0, 0, 64, proto, 0, 0});

@@ -152,6 +152,20 @@ TEST_F(AclCli, PortControlsAndLookupsShowBack)
     ASSERT_EQ(run("show acl template icap port 3"), 0) << out_;
     EXPECT_TRUE(said("width-single-l2")) << out_;
     EXPECT_TRUE(said("pri 2")) << out_;
+
+    // A VLAN's lookup and source guards, kept in the VLAN's record.
+    ASSERT_EQ(tide::test::vlan_ports(0, 9, 0x3, 0), 0);
+    ASSERT_EQ(run("acl template icap based vlan 9 pri 4 type ipv4"), 0) << out_;
+    ASSERT_EQ(run("show acl template icap vlan 9"), 0) << out_;
+    EXPECT_TRUE(said("ipv4")) << out_;
+    EXPECT_TRUE(said("pri 4")) << out_;
+    EXPECT_NE(run("acl template icap based vlan 9 pri 4 type arp"), 0); // the VLAN row's type has one bit
+    ASSERT_EQ(run("acl vlan 9 cfg ipsg-v6 enable"), 0) << out_;
+    ASSERT_EQ(run("show acl vlan all cfg"), 0) << out_;
+    EXPECT_TRUE(said("vlan 9 ipsg-v6 : enable")) << out_;
+    EXPECT_TRUE(said("vlan 9 ipsg-v4 : disable")) << out_;
+    EXPECT_FALSE(said("vlan 8 ")) << out_;
+    EXPECT_NE(run("acl vlan 9 cfg mff enable"), 0);
 }
 
 // Every kind of group of the chip, from the shell: each of its templates

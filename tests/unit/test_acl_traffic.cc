@@ -11,6 +11,7 @@
 #include "support/vlan_ports.h"
 #include "support/acl_fixture.h"
 #include "support/acl_frames.h"
+#include "tide_int.h"
 
 using namespace tide::test;
 
@@ -152,6 +153,59 @@ TEST_F(AclTraffic, EveryIngressTemplateHitsItsFrameAndMissesAOneBitDifference)
         EXPECT_EQ(t.send(kIn, c.frame(true)).ports, 1u << kHostPort);
         ASSERT_EQ(acl_api_entry_destroy(0, id), 0);
     }
+}
+
+// A VLAN's lookup lives in the VLAN's ingress record, which the VLAN
+// service shares among VLANs of equal settings: giving VLAN 2 a lookup
+// filters its frames only, and VLAN 1 keeps its own.
+TEST_F(AclTraffic, AVlanLookupFiltersThatVlanOnlyAndItsControlsStayWithIt)
+{
+    const uint32_t g = group(128, ACL_MODE_DOUBLE);
+    rule(g, 1, 0 /* icap-ipv4 */, ACL_BASED_VLAN, {{kMatchDip, 0x0A000002, ~0u}}, {{kActionDrop, 0, 0}});
+    Traffic t(0);
+    const Frame in1 = ipv4_frame(kHostB, kHostA, 0x0A000001, 0x0A000002, 17, 1, 2);
+    const Frame in2 = ipv4_frame(kHostB, kHostA, 0x0A000001, 0x0A000002, 17, 1, 2, 2);
+    EXPECT_EQ(t.send(kIn, in2).ports, 1u << kHostPort);
+    lookup(ACL_BASE_VLAN, 2, 0, 1 /* the IPv4 key */, 3);
+    EXPECT_EQ(t.send(kIn, in2), Verdict::drop(kCauseAclDrop));
+    EXPECT_EQ(t.send(kIn, in1).ports, 1u << kHostPort);
+    EXPECT_EQ(t.send(kIn, ipv4_frame(kHostB, kHostA, 0x0A000001, 0x0A000003, 17, 1, 2, 2)).ports, 1u << kHostPort);
+    acl_lookup got{ACL_STAGE_ICAP, ACL_BASE_VLAN, 2, 0, 0, 0};
+    ASSERT_EQ(acl_api_template_config_get(0, &got), 0);
+    EXPECT_EQ(got.type, 1u);
+    EXPECT_EQ(got.pri, 3u);
+    got.id = 1;
+    ASSERT_EQ(acl_api_template_config_get(0, &got), 0);
+    EXPECT_EQ(got.type, 0u);
+    // The VLAN row's type has one bit; a second VLAN lookup, or one of a
+    // VLAN that does not exist, is refused without change.
+    acl_lookup bad{ACL_STAGE_ICAP, ACL_BASE_VLAN, 2, 0, 7, 1};
+    EXPECT_EQ(acl_api_template_config_set(0, &bad), SHR_E_PARAM);
+    bad = acl_lookup{ACL_STAGE_ICAP, ACL_BASE_VLAN, 2, 1, 1, 1};
+    EXPECT_EQ(acl_api_template_config_set(0, &bad), SHR_E_NOT_SUPPORT);
+    bad = acl_lookup{ACL_STAGE_ICAP, ACL_BASE_VLAN, 77, 0, 1, 1};
+    EXPECT_NE(acl_api_template_config_set(0, &bad), 0);
+    EXPECT_EQ(t.send(kIn, in2), Verdict::drop(kCauseAclDrop));
+    lookup(ACL_BASE_VLAN, 2, 0, 0, 0);
+    EXPECT_EQ(t.send(kIn, in2).ports, 1u << kHostPort);
+
+    // The source guard enables of a VLAN, in the same record.
+    acl_control v4{ACL_VLAN_IPSG_V4, 1};
+    ASSERT_EQ(acl_api_vlan_control_set(0, 2, &v4), 0);
+    acl_control read{ACL_VLAN_IPSG_V4, 0};
+    ASSERT_EQ(acl_api_vlan_control_get(0, 2, &read), 0);
+    EXPECT_EQ(read.value, 1u);
+    ASSERT_EQ(acl_api_vlan_control_get(0, 1, &read), 0);
+    EXPECT_EQ(read.value, 0u);
+    read = acl_control{ACL_VLAN_IPSG_V6, 1};
+    ASSERT_EQ(acl_api_vlan_control_get(0, 2, &read), 0);
+    EXPECT_EQ(read.value, 0u);
+    acl_control wrong{ACL_VLAN_IPSG_V6, 2};
+    EXPECT_EQ(acl_api_vlan_control_set(0, 2, &wrong), SHR_E_PARAM);
+    wrong = acl_control{ACL_VLAN_MFF, 1};
+    EXPECT_EQ(acl_api_vlan_control_set(0, 2, &wrong), SHR_E_NOT_SUPPORT);
+    wrong = acl_control{ACL_VLAN_IPSG_V4, 1};
+    EXPECT_NE(acl_api_vlan_control_set(0, 77, &wrong), 0);
 }
 
 } // namespace

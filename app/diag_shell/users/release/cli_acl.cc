@@ -9,6 +9,7 @@
 // are those tables are made from them when the records are linked.
 #include <tide/acl.h>
 #include <tide/property.h>
+#include <tide/vlan.h>
 
 #include <cstdio>
 #include <cstring>
@@ -845,10 +846,19 @@ i32 cli_acl_vlan_get(u32 chip_id, u32, i32 argc, char **argv)
         cli_output_show(" para %s is invalid.\n", argv[0]);
         return SHR_E_PARAM;
     }
+    const bool every = cursor == all;
     for (i32 vid = cli_get_next_from_intlist(&cursor, 0); vid >= 0; vid = cli_get_next_from_intlist(&cursor, vid)) {
+        // "all" lists the VLANs that exist.
+        port_bitmap members{}, untagged{};
+        if (every && vlan_api_port_get(chip_id, static_cast<u32>(vid), &members, &untagged) != SHR_E_NONE) {
+            continue;
+        }
         for (const Named &n : kVlanControls) {
             acl_control c{n.value, 0};
             const i32 rc = acl_api_vlan_control_get(chip_id, static_cast<u32>(vid), &c);
+            if (rc == SHR_E_NOT_SUPPORT) {
+                continue; // a control the chip does not have
+            }
             if (rc != SHR_E_NONE) {
                 return cli_call_failed("acl_api_vlan_control_get", rc);
             }

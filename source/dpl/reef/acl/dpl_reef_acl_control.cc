@@ -11,6 +11,7 @@
 #include "csl/common/port/csl_port.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/acl/dpl_reef_acl.h"
+#include "dpl/reef/vlan/dpl_reef_vlan.h"
 #include "shared/shr_bits.h"
 
 namespace {
@@ -106,12 +107,6 @@ i32 _port_check(u32 chip_id, u32 port)
     return 0;
 }
 
-i32 _no_vlan_service(u32 chip_id, u32 vid)
-{
-    SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "vid %u: no VLAN service in this build\n", vid);
-    return SHR_E_NOT_SUPPORT;
-}
-
 i32 _vid_check(u32 chip_id, u32 vid)
 {
     if (vid > 4095) {
@@ -119,6 +114,47 @@ i32 _vid_check(u32 chip_id, u32 vid)
         return SHR_E_PARAM;
     }
     return 0;
+}
+
+// ---- VLAN records ----------------------------------------------------------------------------
+
+// A VLAN's lookups and enables live in its ingress or egress record, whose
+// rows the VLAN service shares among VLANs of equal settings: they are
+// read and rewritten whole through that service, never in the table.
+i32 _vlan_record_get(u32 chip_id, u32 vid, dpl_reef_ivlan_key *r)
+{
+    return dpl_reef_vlan_ingress_control_get(chip_id, vid, r);
+}
+i32 _vlan_record_get(u32 chip_id, u32 vid, dpl_reef_evlan_key *r)
+{
+    return dpl_reef_vlan_egress_control_get(chip_id, vid, r);
+}
+i32 _vlan_record_set(u32 chip_id, u32 vid, const dpl_reef_ivlan_key *r)
+{
+    return dpl_reef_vlan_ingress_control_set(chip_id, vid, r);
+}
+i32 _vlan_record_set(u32 chip_id, u32 vid, const dpl_reef_evlan_key *r)
+{
+    return dpl_reef_vlan_egress_control_set(chip_id, vid, r);
+}
+
+// Reads the `fields` of a VLAN's record into `get`, or sets them from
+// `set` first; a VLAN that does not exist gives the VLAN service's answer.
+template <typename Key, size_t N>
+i32 _vlan_record_rw(u32 chip_id, u32 vid, u8 Key::*const (&fields)[N], const u32 *set, u32 *get)
+{
+    Key r{};
+    i32 rc = _vlan_record_get(chip_id, vid, &r);
+    if (rc == 0 && set != nullptr) {
+        for (size_t i = 0; i < N; i++) {
+            r.*fields[i] = static_cast<u8>(set[i]);
+        }
+        rc = _vlan_record_set(chip_id, vid, &r);
+    }
+    for (size_t i = 0; rc == 0 && get != nullptr && i < N; i++) {
+        get[i] = r.*fields[i];
+    }
+    return rc;
 }
 
 // ---- lookups --------------------------------------------------------------------------------
@@ -137,6 +173,7 @@ struct LookupRow {
 
 constexpr u32 kRegIacl = cib_iacl_glb_lookup_cfg, kRegEacl = cib_eacl_glb_lookup_cfg;
 constexpr u32 kIpat = cib_ipro_ipat_tbl, kEport = cib_eacl_port_lookup_tbl, kCause = cib_cpacl_cause_lookup_tbl;
+constexpr u32 kIvlan = cib_ipro_ivlan_tbl, kEvlan = cib_epro_evlan_table;
 constexpr FieldAt kNoField{false, 0, 0, nullptr};
 
 constexpr LookupRow kLookups[] = {
@@ -151,11 +188,13 @@ constexpr LookupRow kLookups[] = {
      {true, kIpat, 0, "first_policy_aclpri"}},
     {ACL_STAGE_ICAP, ACL_BASE_PORT, 1, Index::Port, {true, kIpat, 0, "second_policy_acltype"},
      {true, kIpat, 0, "second_policy_aclpri"}},
-    {ACL_STAGE_ICAP, ACL_BASE_VLAN, 0, Index::Vlan, kNoField, kNoField},
+    {ACL_STAGE_ICAP, ACL_BASE_VLAN, 0, Index::Vlan, {true, kIvlan, 0, "first_policy_acltype"},
+     {true, kIvlan, 0, "first_policy_aclpri"}},
     {ACL_STAGE_ECAP, ACL_BASE_GLOBAL, 0, Index::None, {false, kRegEacl, cib_module_eacl, "acltype"},
      {false, kRegEacl, cib_module_eacl, "aclpri"}},
     {ACL_STAGE_ECAP, ACL_BASE_PORT, 0, Index::Port, {true, kEport, 0, "acltype"}, {true, kEport, 0, "aclpri"}},
-    {ACL_STAGE_ECAP, ACL_BASE_VLAN, 0, Index::Vlan, kNoField, kNoField},
+    {ACL_STAGE_ECAP, ACL_BASE_VLAN, 0, Index::Vlan, {true, kEvlan, 0, "first_policy_acltype"},
+     {true, kEvlan, 0, "acl_pri"}},
     {ACL_STAGE_CPUCAP, ACL_BASE_CPU, 0, Index::Cause, {true, kCause, 0, "first_acltype"},
      {true, kCause, 0, "first_aclpri"}},
     {ACL_STAGE_CPUCAP, ACL_BASE_CPU, 1, Index::Cause, {true, kCause, 0, "second_acltype"},
@@ -179,7 +218,6 @@ i32 _lookup_row(u32 chip_id, const acl_lookup *l, const LookupRow **out)
             rc = _port_check(chip_id, l->id);
         } else if (r.index == Index::Vlan) {
             rc = _vid_check(chip_id, l->id);
-            rc = rc != 0 ? rc : _no_vlan_service(chip_id, l->id);
         } else if (r.index == Index::Cause) {
             const cib_tab_info *t = csl_reef_tab_info_get(chip_id, kCause);
             if (t == nullptr || l->id > t->index_max) {
@@ -198,6 +236,29 @@ i32 _lookup_row(u32 chip_id, const acl_lookup *l, const LookupRow **out)
 u32 _lookup_index(const LookupRow &r, u32 id)
 {
     return r.index == Index::None ? 0 : id;
+}
+
+// Reads a lookup's type and priority ({type, pri}), or sets them from `set`
+// first: in the VLAN's record for a VLAN lookup, else in its table or
+// register.
+i32 _lookup_rw(u32 chip_id, const LookupRow &r, u32 id, const u32 *set, u32 *get)
+{
+    if (r.index == Index::Vlan && r.stage == ACL_STAGE_ICAP) {
+        static constexpr u8 dpl_reef_ivlan_key::*kFields[] = {&dpl_reef_ivlan_key::first_policy_acltype,
+                                                               &dpl_reef_ivlan_key::first_policy_aclpri};
+        return _vlan_record_rw(chip_id, id, kFields, set, get);
+    }
+    if (r.index == Index::Vlan) {
+        static constexpr u8 dpl_reef_evlan_key::*kFields[] = {&dpl_reef_evlan_key::first_policy_acltype,
+                                                               &dpl_reef_evlan_key::acl_pri};
+        return _vlan_record_rw(chip_id, id, kFields, set, get);
+    }
+    const u32 index = _lookup_index(r, id);
+    i32 rc = _field_rw(chip_id, r.type, index, set, get);
+    if (rc == 0 && r.pri.field != nullptr) {
+        rc = _field_rw(chip_id, r.pri, index, set != nullptr ? set + 1 : nullptr, get != nullptr ? get + 1 : nullptr);
+    }
+    return rc;
 }
 
 // ---- port controls -----------------------------------------------------------------------
@@ -330,12 +391,8 @@ i32 dpl_reef_acl_control_lookup_type_set(u32 chip_id, acl_lookup *lookup)
         return rc;
     }
     ACL_LOCK(chip_id);
-    const u32 index = _lookup_index(*r, lookup->id);
-    rc = _field_rw(chip_id, r->type, index, &lookup->type, nullptr);
-    if (rc == 0 && r->pri.field != nullptr) {
-        rc = _field_rw(chip_id, r->pri, index, &lookup->pri, nullptr);
-    }
-    return rc;
+    const u32 set[2] = {lookup->type, lookup->pri};
+    return _lookup_rw(chip_id, *r, lookup->id, set, nullptr);
 }
 
 i32 dpl_reef_acl_control_lookup_type_get(u32 chip_id, acl_lookup *lookup)
@@ -346,15 +403,11 @@ i32 dpl_reef_acl_control_lookup_type_get(u32 chip_id, acl_lookup *lookup)
         return rc;
     }
     ACL_LOCK(chip_id);
-    const u32 index = _lookup_index(*r, lookup->id);
-    u32 type = 0, pri = 0;
-    rc = _field_rw(chip_id, r->type, index, nullptr, &type);
-    if (rc == 0 && r->pri.field != nullptr) {
-        rc = _field_rw(chip_id, r->pri, index, nullptr, &pri);
-    }
+    u32 got[2] = {0, 0};
+    rc = _lookup_rw(chip_id, *r, lookup->id, nullptr, got);
     if (rc == 0) {
-        lookup->type = type;
-        lookup->pri = pri;
+        lookup->type = got[0];
+        lookup->pri = got[1];
     }
     return rc;
 }
@@ -387,9 +440,12 @@ i32 dpl_reef_acl_control_port_control_get(u32 chip_id, u32 port, acl_control *co
     return _field_rw(chip_id, r->fields[0], port, nullptr, &control->value);
 }
 
-// The per-VLAN enables live in the VLAN service's ingress record, which
-// this build does not have: the calls stop after their checks.
-i32 dpl_reef_acl_control_vlan_control_set(u32 chip_id, u32 vid, acl_control *control)
+// The per-VLAN enables of the VLAN's ingress record: the IP source guards.
+// The chip has no per-VLAN MAC forced forwarding enable.
+constexpr u8 dpl_reef_ivlan_key::*kVlanControls[ACL_VLAN_CONTROL_COUNT] = {
+    &dpl_reef_ivlan_key::ipsgv4_en, &dpl_reef_ivlan_key::ipsgv6_en, nullptr};
+
+i32 _vlan_control_check(u32 chip_id, u32 vid, const acl_control *control)
 {
     i32 rc = _vid_check(chip_id, vid);
     if (rc == 0 && control->key >= ACL_VLAN_CONTROL_COUNT) {
@@ -397,17 +453,37 @@ i32 dpl_reef_acl_control_vlan_control_set(u32 chip_id, u32 vid, acl_control *con
                     ACL_VLAN_CONTROL_COUNT - 1);
         rc = SHR_E_PARAM;
     }
+    if (rc == 0 && kVlanControls[control->key] == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "vlan control %u is not on this chip\n", control->key);
+        rc = SHR_E_NOT_SUPPORT;
+    }
+    return rc;
+}
+
+i32 dpl_reef_acl_control_vlan_control_set(u32 chip_id, u32 vid, acl_control *control)
+{
+    i32 rc = _vlan_control_check(chip_id, vid, control);
     if (rc == 0 && control->value > 1) {
         SHR_LOG_ERR(chip_id, SHR_MOD_ACL, "vlan control value %u is out of range, max %u\n", control->value, 1u);
         rc = SHR_E_PARAM;
     }
-    return rc != 0 ? rc : _no_vlan_service(chip_id, vid);
+    if (rc != 0) {
+        return rc;
+    }
+    ACL_LOCK(chip_id);
+    u8 dpl_reef_ivlan_key::*const fields[1] = {kVlanControls[control->key]};
+    return _vlan_record_rw(chip_id, vid, fields, &control->value, nullptr);
 }
 
 i32 dpl_reef_acl_control_vlan_control_get(u32 chip_id, u32 vid, acl_control *control)
 {
-    acl_control probe{control->key, 0};
-    return dpl_reef_acl_control_vlan_control_set(chip_id, vid, &probe);
+    const i32 rc = _vlan_control_check(chip_id, vid, control);
+    if (rc != 0) {
+        return rc;
+    }
+    ACL_LOCK(chip_id);
+    u8 dpl_reef_ivlan_key::*const fields[1] = {kVlanControls[control->key]};
+    return _vlan_record_rw(chip_id, vid, fields, nullptr, &control->value);
 }
 
 i32 dpl_reef_acl_control_global_cfg_set(u32 chip_id, u32 flag, acl_global_cfg *cfg)
