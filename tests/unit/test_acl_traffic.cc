@@ -188,6 +188,16 @@ TEST_F(AclTraffic, AVlanLookupFiltersThatVlanOnlyAndItsControlsStayWithIt)
     EXPECT_EQ(t.send(kIn, in2), Verdict::drop(kCauseAclDrop));
     lookup(ACL_BASE_VLAN, 2, 0, 0, 0);
     EXPECT_EQ(t.send(kIn, in2).ports, 1u << kHostPort);
+    // The egress lookup of a VLAN, in its egress record.
+    acl_lookup egress{ACL_STAGE_ECAP, ACL_BASE_VLAN, 2, 0, 1, 5};
+    ASSERT_EQ(acl_api_template_config_set(0, &egress), 0);
+    acl_lookup back{ACL_STAGE_ECAP, ACL_BASE_VLAN, 2, 0, 0, 0};
+    ASSERT_EQ(acl_api_template_config_get(0, &back), 0);
+    EXPECT_EQ(back.type, 1u);
+    EXPECT_EQ(back.pri, 5u);
+    back.id = 1;
+    ASSERT_EQ(acl_api_template_config_get(0, &back), 0);
+    EXPECT_EQ(back.pri, 0u);
 
     // The source guard enables of a VLAN, in the same record.
     acl_control v4{ACL_VLAN_IPSG_V4, 1};
