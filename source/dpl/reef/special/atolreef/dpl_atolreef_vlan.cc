@@ -871,10 +871,10 @@ i32 _atolreef_vlan_map_index_get(u32 chip_id, u32 vid, u32 *index)
     return rc;
 }
 
-// The registers of the chip's VLAN stages after a reset (the four TPIDs,
-// every port accepting TPID 0 as an outer tag, every TPID accepted as an
-// inner tag, the low power mode of the VLAN stage on), then the VLAN TCAM
-// spaces.
+// The VLAN TCAM spaces, then the registers of the chip's VLAN stages after
+// a reset: the four TPIDs, every port accepting TPID 0 as an outer tag,
+// every TPID accepted as an inner tag, the low power mode of the VLAN stage
+// on.
 i32 _atolreef_vlan_hw_init(u32 chip_id)
 {
     struct RegValue {
@@ -887,17 +887,14 @@ i32 _atolreef_vlan_hw_init(u32 chip_id)
         {cib_tti_tpidcfg_sel2, 0x11111111u},              {cib_tti_tpidcfg_sel3, 0x11111111u},
         {cib_tti_tpid_compare_cfg, 0xFu},                 {cib_ipro_msic_reg_cfg, 1u},
     };
-    const i32 rc = _atolreef_vlan_init_tcam(chip_id);
-    if (rc != 0) {
-        return rc;
-    }
+    i32 rc = _atolreef_vlan_init_tcam(chip_id);
     for (const RegValue &r : kRegs) {
-        const i32 rc = csl_reef_reg_set_u32(chip_id, CIB_ID(r.reg, 0), r.value);
         if (rc != 0) {
             return rc;
         }
+        rc = csl_reef_reg_set_u32(chip_id, CIB_ID(r.reg, 0), r.value);
     }
-    return 0;
+    return rc;
 }
 
 } // namespace
