@@ -99,6 +99,9 @@ protected:
         if (automatic_) {
             ASSERT_EQ(shr_property_set(0, "acl_alloc_tcam_resource_mode", "1"), 0);
         }
+        // No VLAN TCAM spaces: the ACL's blocks start from an empty TCAM.
+        ASSERT_EQ(shr_property_set(0, "vacl_160bit_cnt", "0"), 0);
+        ASSERT_EQ(shr_property_set(0, "vacl_320bit_cnt", "0"), 0);
         up_chip(0);
     }
 

@@ -9,6 +9,7 @@
 #include "atolreef_cib.h"
 #include "dpl/reef/acl/dpl_reef_acl.h"
 #include "support/fixture.h"
+#include "support/vlan_tcam.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
+        ASSERT_EQ(tide::test::vlan_tcam_spaces_free(0), 0);
         g_moves.clear();
         g_block_moves.clear();
     }

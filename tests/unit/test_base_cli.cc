@@ -74,9 +74,11 @@ TEST_F(BaseCli, TheSummaryAndTheResourceShowWhatTheChipHas)
     EXPECT_TRUE(has("159:156=4")) << out_;
     ASSERT_EQ(csl_reef_tcam_utils_block_alloc(0, CSL_TCAM_UTILS_SPA, 10), 0);
     ASSERT_EQ(run("show tcam-mgmt resource"), 0) << out_;
-    EXPECT_TRUE(has("TCAM software resource: total 16  fixed 0  flexible 16  used 1")) << out_;
+    // Blocks 0 and 1 are the VLAN TCAM spaces of hardware init.
+    EXPECT_TRUE(has("TCAM software resource: total 16  fixed 0  flexible 16  used 3")) << out_;
+    EXPECT_TRUE(has("vt-160")) << out_;
     EXPECT_TRUE(has("spa")) << out_;
-    EXPECT_TRUE(has("tcamblock_cfg3 spa, eacl-s        0x0001")) << out_;
+    EXPECT_TRUE(has("tcamblock_cfg3 spa, eacl-s        0x0004")) << out_;
 }
 
 TEST_F(BaseCli, TheModuleDumpShowsTheTcamAloneByItsMaskBit)

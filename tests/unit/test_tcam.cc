@@ -13,6 +13,7 @@
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "csl/reef/service/tcam_mgmt/csl_reef_tcam_mgmt.h"
 #include "support/fixture.h"
+#include "support/vlan_tcam.h"
 
 using tide::test::Capture;
 using tide::test::SimChips;
@@ -128,6 +129,7 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
+        ASSERT_EQ(tide::test::vlan_tcam_spaces_free(0), 0);
         ASSERT_EQ(csl_reef_tcam_op_acl_core_tcam_block_mode_set(0, kBlock160, CSL_TCAM_MODE_160), 0);
         ASSERT_EQ(csl_reef_tcam_op_acl_core_tcam_block_mode_set(0, kBlock320, CSL_TCAM_MODE_320), 0);
     }

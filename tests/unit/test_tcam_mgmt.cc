@@ -9,6 +9,7 @@
 #include "atolreef_cib.h"
 #include "csl/reef/service/tcam_mgmt/csl_reef_tcam_mgmt.h"
 #include "support/fixture.h"
+#include "support/vlan_tcam.h"
 
 using tide::test::Capture;
 using tide::test::SimChips;
@@ -71,6 +72,7 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
+        ASSERT_EQ(tide::test::vlan_tcam_spaces_free(0), 0);
         for (csl_tcam_block_node &h : heads_) {
             csl_reef_tcam_block_list_init(&h);
         }

@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "atolreef_cib.h"
+#include "csl/reef/service/tcam_mgmt/csl_reef_tcam_mgmt.h"
+#include "dpl/reef/special/atolreef/dpl_atolreef_vlan.h"
 #include "dpl/reef/vlan/dpl_reef_vlan.h"
 #include "support/fixture.h"
 #include <tide/l2.h>
@@ -175,6 +177,62 @@ TEST_F(VlanProps, WithoutSharingEachVidTakesAPairUntilTheyRunOut)
     // One destroy frees a pair for the next.
     ASSERT_EQ(vlan_api_destroy(0, 5), 0);
     EXPECT_EQ(vlan_api_create(0, 257), 0);
+}
+
+// Entries of a VLAN TCAM space, or 0 when it holds no blocks.
+uint32_t vacl_space(uint32_t module)
+{
+    return g_module_alloced[0][module] == 0 ? 0u
+                                            : csl_reef_tcam_block_list_size_get(0, &g_module_head[0][module]);
+}
+
+// The blocks the chip's register gives the space.
+uint32_t vacl_blocks(uint32_t map_type)
+{
+    uint32_t bitmap = 0;
+    EXPECT_EQ(csl_reef_tcam_op_acl_core_tcamblock_bitmap_get(0, map_type, &bitmap), 0);
+    return bitmap;
+}
+
+TEST_F(VlanProps, TheVlanTcamSpacesAreCarvedByThePropertiesAndGivenBackAtDeinit)
+{
+    // Reservations that do not fit are dropped at software init, with a line.
+    Capture::clear();
+    up({{"vacl_160bit_cnt", "100"}, {"vacl_320bit_cnt", "0"}, {"vacl_cnt", "40"}, {"mac_vlan_cnt", "70"},
+        {"subnet_vlan_cnt", "60"}, {"protocol_vlan_cnt", "1"}});
+    const dpl_atolreef_vlan_property &p = g_atolreef_vlan_info[0]->prop;
+    EXPECT_EQ(p.vacl_cnt, 40u);
+    EXPECT_EQ(p.mac_vlan_cnt, 0u); // 40 + 70 is over 100
+    EXPECT_EQ(p.subnet_vlan_cnt, 60u);
+    EXPECT_EQ(p.protocol_vlan_cnt, 0u);
+    EXPECT_TRUE(Capture::has("vlan tcam reservation 70 is over the 160-bit space 100, set to 0"));
+    EXPECT_TRUE(Capture::has("vlan tcam reservation 1 is over the 320-bit space 0, set to 0"));
+
+    // Module 1 holds at least the 160-bit size in blocks the chip names as
+    // vt-160; module 2 holds nothing.
+    EXPECT_GE(vacl_space(CSL_TCAM_UTILS_VT_160), 100u);
+    EXPECT_NE(vacl_blocks(CSL_TCAM_MAP_VT_160), 0u);
+    EXPECT_EQ(vacl_space(CSL_TCAM_UTILS_VT_320), 0u);
+    EXPECT_EQ(vacl_blocks(CSL_TCAM_MAP_VT_320), 0u);
+
+    // A second hardware init carves the same spaces again.
+    const uint32_t blocks = vacl_blocks(CSL_TCAM_MAP_VT_160);
+    ASSERT_EQ(dpl_reef_vlan_hw_init(0), 0);
+    EXPECT_EQ(vacl_blocks(CSL_TCAM_MAP_VT_160), blocks);
+
+    // The blocks go back with the service.
+    down_chip(0);
+    EXPECT_EQ(g_module_alloced[0][CSL_TCAM_UTILS_VT_160], 0u);
+    EXPECT_EQ(g_module_alloced[0][CSL_TCAM_UTILS_VT_320], 0u);
+}
+
+TEST_F(Vlan, TheDefaultVlanTcamSpacesHold128And64Entries)
+{
+    EXPECT_GE(vacl_space(CSL_TCAM_UTILS_VT_160), 128u);
+    EXPECT_GE(vacl_space(CSL_TCAM_UTILS_VT_320), 64u);
+    EXPECT_NE(vacl_blocks(CSL_TCAM_MAP_VT_160), 0u);
+    EXPECT_NE(vacl_blocks(CSL_TCAM_MAP_VT_320), 0u);
+    EXPECT_EQ(vacl_blocks(CSL_TCAM_MAP_VT_160) & vacl_blocks(CSL_TCAM_MAP_VT_320), 0u);
 }
 
 TEST_F(Vlan, AChangeThatNeedsAFreePairWhenNoneIsLeftKeepsTheVidOnItsRow)

@@ -13,11 +13,13 @@
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
+#include <iterator>
 #include <type_traits>
 
 #include "atolreef_cib.h"
 #include "csl/common/port/csl_port.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
+#include "csl/reef/service/tcam_mgmt/csl_reef_tcam_mgmt.h"
 
 extern "C" {
 dpl_atolreef_vlan_info *g_atolreef_vlan_info[SHR_MAX_CHIPS];
@@ -399,12 +401,50 @@ i32 _atolreef_vlan_soft_init(u32 chip_id)
     return 0;
 }
 
+// The two VLAN TCAM spaces: module 1 (160-bit keys) and module 2 (320-bit
+// keys) of the TCAM manager's fixed users.
+constexpr u32 kVaclModules[] = {CSL_TCAM_UTILS_VT_160, CSL_TCAM_UTILS_VT_320};
+
+// Gives the blocks of the VLAN TCAM spaces back to the TCAM manager; a
+// space that holds none is left alone.
+void _atolreef_vlan_tcam_free(u32 chip_id)
+{
+    for (const u32 module : kVaclModules) {
+        if (g_module_alloced[chip_id][module] != 0) {
+            csl_reef_tcam_utils_block_free(chip_id, module);
+        }
+    }
+}
+
+// Carves the VLAN TCAM spaces with the sizes of the properties. A hardware
+// init that runs again first gives the blocks of the last one back.
+i32 _atolreef_vlan_init_tcam(u32 chip_id)
+{
+    const dpl_atolreef_vlan_info *v = g_atolreef_vlan_info[chip_id];
+    if (v == nullptr) {
+        return SHR_E_INIT;
+    }
+    _atolreef_vlan_tcam_free(chip_id);
+    const u32 sizes[] = {v->prop.vacl_160bit_cnt, v->prop.vacl_320bit_cnt};
+    for (size_t i = 0; i < std::size(kVaclModules); i++) {
+        const int rc = csl_reef_tcam_utils_block_alloc(chip_id, kVaclModules[i], sizes[i]);
+        if (rc != 0) {
+            SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "vlan tcam module %u alloc %u entries fail (%d)!!!\n", kVaclModules[i],
+                        sizes[i], rc);
+            _atolreef_vlan_tcam_free(chip_id);
+            return rc;
+        }
+    }
+    return 0;
+}
+
 i32 _atolreef_vlan_soft_deinit(u32 chip_id)
 {
     dpl_atolreef_vlan_info *v = g_atolreef_vlan_info[chip_id];
     if (v == nullptr) {
         return 0;
     }
+    _atolreef_vlan_tcam_free(chip_id);
     while (v->head != nullptr) {
         _list_remove(v, v->head);
     }
@@ -831,9 +871,10 @@ i32 _atolreef_vlan_map_index_get(u32 chip_id, u32 vid, u32 *index)
     return rc;
 }
 
-// The registers of the chip's VLAN stages after a reset: the four TPIDs,
-// every port accepting TPID 0 as an outer tag, every TPID accepted as an
-// inner tag, the low power mode of the VLAN stage on.
+// The VLAN TCAM spaces, then the registers of the chip's VLAN stages after
+// a reset: the four TPIDs, every port accepting TPID 0 as an outer tag,
+// every TPID accepted as an inner tag, the low power mode of the VLAN stage
+// on.
 i32 _atolreef_vlan_hw_init(u32 chip_id)
 {
     struct RegValue {
@@ -846,13 +887,14 @@ i32 _atolreef_vlan_hw_init(u32 chip_id)
         {cib_tti_tpidcfg_sel2, 0x11111111u},              {cib_tti_tpidcfg_sel3, 0x11111111u},
         {cib_tti_tpid_compare_cfg, 0xFu},                 {cib_ipro_msic_reg_cfg, 1u},
     };
+    i32 rc = _atolreef_vlan_init_tcam(chip_id);
     for (const RegValue &r : kRegs) {
-        const i32 rc = csl_reef_reg_set_u32(chip_id, CIB_ID(r.reg, 0), r.value);
         if (rc != 0) {
             return rc;
         }
+        rc = csl_reef_reg_set_u32(chip_id, CIB_ID(r.reg, 0), r.value);
     }
-    return 0;
+    return rc;
 }
 
 } // namespace
