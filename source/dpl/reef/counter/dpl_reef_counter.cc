@@ -29,35 +29,35 @@ i32 _not_inited(u32 chip_id)
     return 0;
 }
 
-// A counter id of the enable calls: 0 to 28 and one the chip has.
-i32 _check_id(u32 chip_id, u32 id, u32 enable)
+// A counter id up to `max` that the chip has; an absent one gives
+// `absent_rc`.  The first line is the caller's, with the id and `arg`.
+i32 _check(u32 chip_id, u32 id, u32 max, const char *too_big, u32 arg, i32 absent_rc)
 {
-    if (id > DPL_COUNTER_PORT_ID) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_COUNTER, "invalid counter_id = %u, state = %u\n", id, enable);
+    if (id > max) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_COUNTER, too_big, id, arg);
         return SHR_E_PARAM;
     }
     i32 rc = _not_inited(chip_id);
     if (rc == 0 && g_counter_thread[chip_id]->slot[id].supported == 0) {
         SHR_LOG_ERR(chip_id, SHR_MOD_COUNTER, "Error! Do not support counter id(%u)!\n", id);
-        rc = SHR_E_NOT_SUPPORT;
+        rc = absent_rc;
     }
     return rc;
 }
 
-// A table id of the calls by entry: 0 to 27, the table present.
+// A counter id of the enable calls: 0 to 28.
+i32 _check_id(u32 chip_id, u32 id, u32 enable)
+{
+    return _check(chip_id, id, DPL_COUNTER_PORT_ID, "invalid counter_id = %u, state = %u\n", enable,
+                  SHR_E_NOT_SUPPORT);
+}
+
+// A table id of the calls by entry: 0 to 27.
 i32 _check_table(u32 chip_id, u32 id)
 {
-    if (id > COUNTER_FWD_DROP_MAX) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_COUNTER, "input counter(id:%u) more than fwd-drop max counter(id:%u)!\n", id,
-                    COUNTER_FWD_DROP_MAX);
-        return SHR_E_PARAM;
-    }
-    i32 rc = _not_inited(chip_id);
-    if (rc == 0 && g_counter_thread[chip_id]->slot[id].supported == 0) {
-        SHR_LOG_ERR(chip_id, SHR_MOD_COUNTER, "Error! Do not support counter id(%u)!\n", id);
-        rc = SHR_E_NULL_PTR;
-    }
-    return rc;
+    return _check(chip_id, id, COUNTER_FWD_DROP_MAX,
+                  "input counter(id:%u) more than fwd-drop max counter(id:%u)!\n", COUNTER_FWD_DROP_MAX,
+                  SHR_E_NULL_PTR);
 }
 
 i32 _dpl_reef_check_counter_in_para(u32 chip_id, u32 id, u32 index)
