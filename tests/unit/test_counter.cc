@@ -318,4 +318,30 @@ TEST_F(Counter, TheCountedTablesStandAtTheirAddresses)
     }
 }
 
+// A sibling chip has no statistics tables in the build: its tables are
+// refused, its port counters and thread work, its hardware init says what
+// it left out.
+class CounterSibling : public SimChips {
+protected:
+    CounterSibling() : SimChips(2, 0) {}
+};
+
+TEST_F(CounterSibling, TablesAreRefusedThePortCountersAndTheThreadWork)
+{
+    tide::test::kelpreef_identity_set(1, 0);
+    up_chip(1);
+    EXPECT_EQ(tide::test::Capture::count("kelpreef: no counter clearing register in this build\n"), 1u);
+    EXPECT_EQ(counter_api_enable_set(1, COUNTER_IPORT_STAT, 1), -24);
+    counter_key key{COUNTER_IPORT_STAT, 0, 0};
+    counter_stats s{};
+    EXPECT_EQ(counter_api_stats_get(1, &key, &s), -20);
+    u32 on = 0;
+    ASSERT_EQ(counter_api_enable_get(1, COUNTER_PORT_STAT, &on), 0);
+    EXPECT_EQ(on, 1u);
+    thread_cfg cfg{1000, 1};
+    ASSERT_EQ(counter_api_thread_set(1, &cfg), 0);
+    EXPECT_TRUE(dpl_reef_counter_thread_alive(1));
+    EXPECT_EQ(counter_api_map_display(1), 0);
+}
+
 } // namespace
