@@ -10,6 +10,7 @@
 #include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
+#include "sim/sim_stat.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
 
@@ -281,6 +282,9 @@ void count_entry(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts,
         return;
     }
     const uint32_t base = tv.addr + entry * tv.words * 4;
+    if (stat_latched(chip, base, n)) {
+        return; // counted when the CPU has read the whole entry
+    }
     uint32_t w[kMaxEntryWords] = {};
     for (uint32_t i = 0; i < tv.words; i++) {
         w[i] = chip.core_word(base + 4 * i);

@@ -16,8 +16,15 @@ constexpr uint32_t kTableStatistics = 16;
 // The bit of lsw_hreg_clr_cnt that clears every statistics table.
 constexpr uint32_t kClearStatisticsBit = 1u << 1;
 
-// The write handler of lsw_hreg_clr_cnt.
+// The write handler of lsw_hreg_clr_cnt and the read handlers of the
+// statistics tables (the read latch).
 void stat_install(Chip &chip);
+// The read latch: a CPU read of the first word of an entry latches the
+// entry, and until its last word has been read the chip's counting into it
+// waits aside, so that the words of one reading belong together.  Called by
+// the counting of the packet path for the entry at `base`: true when the
+// count (one packet of `bytes`) waits aside.  With the chip's mutex held.
+bool stat_latched(Chip &chip, uint32_t base, uint32_t bytes);
 // Entry `index` of statistics table `table` (by its description name) to
 // the given counts, cut to their widths; -7 for no such table, -4 for an
 // index beyond it.  Called with the chip's mutex held.

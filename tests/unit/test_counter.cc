@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "atolreef_cib.h"
+#include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/counter/dpl_reef_counter.h"
 #include "dpl/reef/special/atolreef/dpl_atolreef_counter.h"
 #include "support/fixture.h"
@@ -163,6 +164,30 @@ TEST_F(Counter, ACounterSetBelowItsWidthAddsTheDeltaAcrossTheWrap)
     dpl_reef_counter_update_stat_entry(0, 36, 5, &e);
     EXPECT_EQ(e.value, 6u);
     EXPECT_EQ(e.last, 5u);
+}
+
+// The model latches an entry at the read of its first word: a frame that
+// comes between the words of one reading waits until the last word has
+// been read, so the reading is not torn across the carry into word 1.
+TEST_F(Counter, TheWordsOfOneReadingBelongTogether)
+{
+    ASSERT_EQ(tide_sim_stat_set(0, "stat_iport_stat_result_tbl", 3, 0xFFFFFFFFull, 1000), 0);
+    const u32 base = csl_reef_tab_info_get(0, cib_stat_iport_stat_result_tbl)->addr[0] + 3 * 12;
+    auto word = [&](u32 i) {
+        u8 d[4] = {};
+        EXPECT_EQ(base_api_reg_get_by_addr(0, base + 4 * i, d, 4), 0);
+        return static_cast<u32>(d[0] | d[1] << 8 | d[2] << 16 | static_cast<u32>(d[3]) << 24);
+    };
+    EXPECT_EQ(word(0), 0xFFFFFFFFu);
+    burst(3, eth(kB, kA), 1); // would carry into word 1
+    const u32 w1 = word(1);
+    EXPECT_EQ(w1 & 0xF, 0u);     // the latched packet count
+    EXPECT_EQ(w1 >> 4, 1000u);   // and bytes
+    EXPECT_EQ(word(2), 0u);
+    // Read whole, the entry has the frame now.
+    const counter_stats s = read(COUNTER_IPORT_STAT, 3);
+    EXPECT_EQ(s.pkt, 0x100000000ull);
+    EXPECT_EQ(s.bytes, 1000 + kWire);
 }
 
 TEST_F(Counter, TheIntervalIsClampedAndZeroStopsTheThread)
