@@ -1,4 +1,4 @@
-// The model's statistics tables: clearing pulse and the set knob.
+// The model's statistics tables: clearing pulse, read latch and the set knob.
 #include "sim/sim_stat.h"
 
 #include "sim/sim_desc.h"
@@ -22,15 +22,24 @@ struct Latch {
 };
 Latch g_latch[kMaxChips];
 
+// The counts of the entry at `base` become `pkts` and `bytes`, cut to
+// their widths.
+void _write(Chip &chip, uint32_t base, uint64_t pkts, uint64_t bytes)
+{
+    pkts &= (1ull << kPktBits) - 1;
+    bytes &= (1ull << kBytesBits) - 1;
+    chip.set_core_word(base, static_cast<uint32_t>(pkts));
+    chip.set_core_word(base + 4, static_cast<uint32_t>(pkts >> 32) | static_cast<uint32_t>(bytes << 4));
+    const uint32_t w2 = chip.core_word(base + 8) & ~0xFFFFu;
+    chip.set_core_word(base + 8, w2 | static_cast<uint32_t>(bytes >> 28));
+}
+
 // Adds to the counts of the entry at `base`, wrapping at their widths.
 void _add(Chip &chip, uint32_t base, uint64_t pkts, uint64_t bytes)
 {
     const uint32_t w0 = chip.core_word(base), w1 = chip.core_word(base + 4), w2 = chip.core_word(base + 8);
-    const uint64_t p = (w0 | static_cast<uint64_t>(w1 & 0xF) << 32) + pkts;
-    const uint64_t b = (w1 >> 4 | static_cast<uint64_t>(w2 & 0xFFFF) << 28) + bytes;
-    chip.set_core_word(base, static_cast<uint32_t>(p));
-    chip.set_core_word(base + 4, static_cast<uint32_t>(p >> 32 & 0xF) | static_cast<uint32_t>(b << 4));
-    chip.set_core_word(base + 8, (w2 & ~0xFFFFu) | static_cast<uint32_t>(b >> 28 & 0xFFFF));
+    _write(chip, base, (w0 | static_cast<uint64_t>(w1 & 0xF) << 32) + pkts,
+           (w1 >> 4 | static_cast<uint64_t>(w2 & 0xFFFF) << 28) + bytes);
 }
 
 // The counts that waited aside go in; the latch is free.
@@ -128,13 +137,7 @@ int stat_set(Chip &chip, const char *table, uint32_t index, uint64_t pkts, uint6
         return -4;
     }
     _release(chip);
-    pkts &= (1ull << kPktBits) - 1;
-    bytes &= (1ull << kBytesBits) - 1;
-    const uint32_t base = t->addrs[0] + index * t->words * 4;
-    chip.set_core_word(base, static_cast<uint32_t>(pkts));
-    chip.set_core_word(base + 4, static_cast<uint32_t>(pkts >> 32) | static_cast<uint32_t>(bytes << 4));
-    const uint32_t w2 = chip.core_word(base + 8) & ~0xFFFFu;
-    chip.set_core_word(base + 8, w2 | static_cast<uint32_t>(bytes >> 28));
+    _write(chip, t->addrs[0] + index * t->words * 4, pkts, bytes);
     return 0;
 }
 
