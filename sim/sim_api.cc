@@ -17,6 +17,7 @@
 #include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
+#include "sim/sim_stat.h"
 #include "sim/sim_serdes.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
@@ -332,6 +333,20 @@ int tide_sim_qos_never_empty_set(uint32_t chip, uint32_t lport, int on)
         pl.qos().never_empty(lport, on != 0);
         return 0;
     });
+}
+
+int tide_sim_stat_set(uint32_t chip, const char *table, uint32_t index, uint64_t pkts, uint64_t bytes)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    if (table == nullptr) {
+        return -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return tide::sim::stat_set(*c, table, index, pkts, bytes);
 }
 
 int tide_sim_write_log_get(uint32_t chip, tide_sim_write *entries, uint32_t max, uint32_t *count)

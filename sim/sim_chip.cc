@@ -10,6 +10,7 @@
 #include "sim/sim_intr.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
+#include "sim/sim_stat.h"
 #include "sim/sim_regmap.h"
 #include "sim/sim_serdes.h"
 #include "sim/sim_tap.h"
@@ -350,6 +351,7 @@ void Chip::install_engines()
     intr->install();
     serdes->install();
     qos->install();
+    stat_install(*this);
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,

@@ -11,6 +11,7 @@
 #include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
+#include "sim/sim_stat.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
 
@@ -257,6 +258,10 @@ void Pipeline::resolve()
     need(tab, {{&stat_pkts, "causeid_stat_result_pkt_num"}, {&stat_bytes, "causeid_stat_result_byt_num"}});
     t.mgid_stat = need_tab("stat_mgid_stat_result_tbl", &tab);
     need(tab, {{&mgid_pkts, "mgid_stat_pkt_num"}, {&mgid_bytes, "mgid_stat_byt_num"}});
+    t.iport_stat = need_tab("stat_iport_stat_result_tbl", &tab);
+    need(tab, {{&iport_pkts, "iport_stat_pkt_num"}, {&iport_bytes, "iport_stat_byt_num"}});
+    t.oport_stat = need_tab("stat_oport_stat_result_tbl", &tab);
+    need(tab, {{&oport_pkts, "oport_stat_result_pkt_num"}, {&oport_bytes, "oport_stat_result_byt_num"}});
     ok_ &= t.ipat.depth >= kPorts && t.epat.depth >= kPorts;
     ok_ &= t.vmap.depth >= 4096 && t.vbmp.depth >= 4096 && t.vlanbmp.depth >= 4096;
 }
@@ -281,6 +286,9 @@ void count_entry(Chip &chip, const TableView &tv, uint32_t entry, FieldRef pkts,
         return;
     }
     const uint32_t base = tv.addr + entry * tv.words * 4;
+    if (stat_latched(chip, base, n)) {
+        return; // counted when the CPU has read the whole entry
+    }
     uint32_t w[kMaxEntryWords] = {};
     for (uint32_t i = 0; i < tv.words; i++) {
         w[i] = chip.core_word(base + 4 * i);
@@ -329,6 +337,7 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
     PortState &in = ports_[port];
     in.stats.rx_frames++;
     in.stats.rx_bytes += len;
+    count_entry(chip_, t.iport_stat, port, iport_pkts, iport_bytes, len + kFcs);
     Packet p;
     p.data = frame;
     p.len = len;
@@ -387,6 +396,7 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     PortState &out = ports_[port];
     out.stats.tx_frames++;
     out.stats.tx_bytes += len;
+    count_entry(chip_, t.oport_stat, port, oport_pkts, oport_bytes, len + kFcs);
     // A port bound to a TAP delivers there; only the others queue.
     const int tap = chip_.tap->send(port, frame, len);
     if (pcap_ != nullptr) {

@@ -273,7 +273,7 @@ public:
         FieldRef lrn_mode, mac_float_pfe, sta_float_act, mac_float_fail_act, hash_conflict_act;
     } r;
     struct Tables {
-        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat, ecib;
+        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat, ecib, iport_stat, oport_stat;
     } t;
     struct IpatFields {
         FieldRef vld, pvid, discard_untag, discard_tag, vlan_check_en, mac_lrn_mode, nolrn_tocp, nolrn_discard,
@@ -295,7 +295,7 @@ public:
     struct EcibFields {
         FieldRef vld, ivid, ovid, outer_pri, outer_cfi, inner_pri, inner_cfi, vlan_opc;
     } ecib;
-    FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes;
+    FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes, iport_pkts, iport_bytes, oport_pkts, oport_bytes;
 
     uint32_t reg(const RegView &r, uint32_t instance = 0) const;
     void read(const TableView &t, uint32_t index, uint32_t *words) const;

@@ -2,6 +2,7 @@
 #include <tide/acl.h>
 #include <tide/base.h>
 #include <tide/cli.h>
+#include <tide/counter.h>
 #include <tide/hal_os.h>
 #include <tide/init.h>
 #include <tide/l2.h>

@@ -77,6 +77,13 @@ TIDE_API int tide_sim_engine_stall_set(uint32_t chip, tide_sim_engine engine, in
  * frames, so a port's queues are empty).  -4 for a port above 31. */
 TIDE_API int tide_sim_qos_never_empty_set(uint32_t chip, uint32_t lport, int on);
 
+/* Statistics: entry `index` of the statistics table `table` (its name in
+ * the chip description, e.g. "stat_iport_stat_result_tbl") holds `pkts`
+ * packets and `bytes` bytes, cut to the entry's 36 and 44 bits; for a wrap
+ * test.  -7 for a table that is not a statistics table, -4 for an index
+ * beyond it. */
+TIDE_API int tide_sim_stat_set(uint32_t chip, const char *table, uint32_t index, uint64_t pkts, uint64_t bytes);
+
 /* The write log: every register write that reaches the model through the
  * hooks, in order.  It holds the last TIDE_SIM_WRITE_LOG_DEPTH writes. */
 #define TIDE_SIM_WRITE_LOG_DEPTH 65536u

@@ -8,6 +8,7 @@
 #include <tide/acl.h>
 #include <tide/base.h>
 #include <tide/cli.h>
+#include <tide/counter.h>
 #include <tide/init.h>
 #include <tide/l2.h>
 #include <tide/port.h>

@@ -12,6 +12,7 @@
 
 #include <tide/acl.h>
 #include <tide/base.h>
+#include <tide/counter.h>
 #include <tide/init.h>
 #include <tide/interrupt.h>
 #include <tide/l2.h>
@@ -462,5 +463,23 @@ API_DECLARE_FAMILY(serdes, TIDE_SERDES_OPS)
     OP(que_bandwidth_cfg_zero_check, (u32 chip_id, qos_check_key *key, u32 *zero), (chip_id, key, zero))
 
 API_DECLARE_FAMILY(qos, TIDE_QOS_OPS)
+
+/* ---- counter: 13 slots; 11 and 12 are left empty ------------------------ */
+#define TIDE_COUNTER_OPS(OP)                                                                               \
+    OP(map_display, (u32 chip_id), (chip_id))                                                              \
+    OP(enable_set, (u32 chip_id, u32 id, u32 enable), (chip_id, id, enable))                               \
+    OP(enable_get, (u32 chip_id, u32 id, u32 *enable), (chip_id, id, enable))                              \
+    OP(stats_get, (u32 chip_id, counter_key *key, counter_stats *stats), (chip_id, key, stats))            \
+    OP(stats_clear, (u32 chip_id, counter_key *key), (chip_id, key))                                       \
+    OP(thread_set, (u32 chip_id, thread_cfg *cfg), (chip_id, cfg))                                         \
+    OP(thread_get, (u32 chip_id, thread_cfg *cfg), (chip_id, cfg))                                         \
+    OP(global_display, (u32 chip_id, u32 flags), (chip_id, flags))                                         \
+    OP(size_get, (u32 chip_id, u32 id, u32 *entries), (chip_id, id, entries))                              \
+    OP(entry_enable_set, (u32 chip_id, u32 id, u32 index, u8 enable), (chip_id, id, index, enable))        \
+    OP(entry_enable_get, (u32 chip_id, u32 id, u32 index, u8 *enable), (chip_id, id, index, enable))       \
+    OP(control_set, (u32 chip_id, u32 key, u32 value), (chip_id, key, value))                              \
+    OP(control_get, (u32 chip_id, u32 key, u32 *value), (chip_id, key, value))
+
+API_DECLARE_FAMILY(counter, TIDE_COUNTER_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

@@ -222,6 +222,7 @@ typedef struct cli_legacy_cmd {
 #define CLI_MODE_ACL 21u
 #define CLI_MODE_SERDES 22u
 #define CLI_MODE_DEBUG 33u
+#define CLI_MODE_COUNTER 34u
 #define CLI_MODE_QOS 15u
 #define CLI_MODE_INTERRUPT 40u
 /* Our own mode, after the chip's: the chip model's commands. */

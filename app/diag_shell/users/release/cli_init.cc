@@ -85,6 +85,7 @@ void cli_cmd_init_all(void)
     cli_cmd_init_base_hash();
     cli_cmd_init_acl();
     cli_cmd_init_debug_interrupt();
+    cli_cmd_init_counter();
     cli_cmd_init_port();
     cli_cmd_init_serdes();
     cli_cmd_init_config();

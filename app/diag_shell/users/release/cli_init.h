@@ -80,6 +80,8 @@ void cli_cmd_init_debug_reef_mcc(void);
 void cli_cmd_init_interrupt(void);
 void cli_cmd_init_qos(void);
 void cli_cmd_init_debug_interrupt(void);
+/* Mode `counter`. */
+void cli_cmd_init_counter(void);
 
 /* The commands of the chip model, in mode "sim". */
 void cli_cmd_init_sim(void);

@@ -113,6 +113,27 @@ i32 cli_key_support_check(u32 chip_id, i32 argc, char **argv, const cli_key_supp
 #include <cstddef>
 #include <cstring>
 
+/* Calls `fn(id)` for each number of an integer list (numbers and ranges
+ * `a-b`), in order.  A list that is not well formed prints " para %s is
+ * invalid.\n" and gives -4; the first failure of `fn` ends the walk and is
+ * returned. */
+template <typename Fn>
+i32 cli_intlist_walk(const char *list, Fn fn)
+{
+    if (list == nullptr || cli_check_intlist(list) < 0) {
+        cli_output_show(" para %s is invalid.\n", list != nullptr ? list : "");
+        return SHR_E_PARAM;
+    }
+    char *cursor = const_cast<char *>(list);
+    for (i32 id = cli_get_next_from_intlist(&cursor, 0); id >= 0; id = cli_get_next_from_intlist(&cursor, id)) {
+        const i32 rc = fn(static_cast<u32>(id));
+        if (rc != SHR_E_NONE) {
+            return rc;
+        }
+    }
+    return SHR_E_NONE;
+}
+
 /* Calls `fn(lport, pport)` for each port of a port list, in order.  A chip
  * that is not there (-3), a list that is not well formed (-4) and a name
  * that names no port (its conversion status) end the walk with their line,

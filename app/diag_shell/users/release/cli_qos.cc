@@ -82,18 +82,7 @@ i32 _failed(const char *call, i32 rc)
 template <typename Fn>
 i32 _ids(const char *list, Fn fn)
 {
-    if (list == nullptr || cli_check_intlist(list) < 0) {
-        cli_output_show(" para %s is invalid.\n", list != nullptr ? list : "");
-        return SHR_E_PARAM;
-    }
-    char *cursor = const_cast<char *>(list);
-    for (i32 id = cli_get_next_from_intlist(&cursor, 0); id >= 0; id = cli_get_next_from_intlist(&cursor, id)) {
-        const i32 rc = fn(static_cast<u32>(id));
-        if (rc != SHR_E_NONE) {
-            return rc;
-        }
-    }
-    return SHR_E_NONE;
+    return cli_intlist_walk(list, fn);
 }
 
 u32 _on(const char *word)

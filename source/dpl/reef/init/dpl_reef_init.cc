@@ -12,6 +12,7 @@
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/acl/dpl_reef_acl.h"
 #include "dpl/reef/base/dpl_reef_base.h"
+#include "dpl/reef/counter/dpl_reef_counter.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
 #include "dpl/reef/mcc/dpl_reef_mcc.h"
 #include "dpl/reef/init/dpl_reef_init.h"
@@ -44,10 +45,12 @@ constexpr dpl_step kSoftInit[] = {
     {"qos", dpl_reef_qos_soft_init, nullptr},
     {"acl", dpl_reef_acl_fp_soft_init, nullptr},
     {"interrupt", dpl_reef_interrupt_soft_init, nullptr},
+    {"counter", dpl_reef_counter_soft_init, nullptr},
 };
 
 // Software deinit, in order.
 constexpr dpl_step kSoftDeinit[] = {
+    {"counter", dpl_reef_counter_soft_deinit, nullptr},
     {"interrupt", dpl_reef_interrupt_soft_deinit, nullptr},
     {"acl", dpl_reef_acl_fp_soft_deinit, "[SOFT-DEINIT: %13s]init failed!!!!!!![ret=%d]\r\n"},
     {"qos", dpl_reef_qos_soft_deinit, nullptr},
@@ -72,11 +75,13 @@ constexpr dpl_step kHwInit[] = {
     {"mcc", dpl_reef_mcc_hw_init, nullptr},
     {"qos", dpl_reef_qos_hw_init, nullptr},
     {"port_phase2", dpl_reef_port_hw_phase2_init, nullptr},
+    {"counter", dpl_reef_counter_hw_init, nullptr},
     {"interrupt", dpl_reef_interrupt_hw_init, nullptr},
 };
 
 // Hardware deinit, in order.
 constexpr dpl_step kHwDeinit[] = {
+    {"counter", dpl_reef_counter_hw_deinit, nullptr},
     {"qos", dpl_reef_qos_hw_deinit, nullptr},
     {"mcc", dpl_reef_mcc_hw_deinit, nullptr},
     {"l2", dpl_reef_l2_hw_deinit, nullptr},

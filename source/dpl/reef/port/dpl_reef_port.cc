@@ -3,11 +3,14 @@
 // the whole chip) and forwards to the slot of the chip's port driver; a
 // driver or slot that is not there makes the operation a success that
 // does nothing.
+#include <tide/property.h>
+
 #include <array>
 #include <span>
 #include <type_traits>
 
 #include "csl/reef/driver/port/csl_atolreef_port.h"
+#include "dpl/reef/counter/dpl_reef_counter.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "dpl/reef/serdes/dpl_reef_serdes.h"
 #include "dpl/reef/special/atolreef/dpl_atolreef_port.h"
@@ -507,6 +510,33 @@ i32 dpl_reef_port_counter_db_init(u32 chip_id)
     return _dpl_port_chip_op<&drv::port_counter_db_malloc>(chip_id, nullptr);
 }
 
+i32 dpl_reef_port_counter_db_deinit(u32 chip_id)
+{
+    return _dpl_port_chip_op<&drv::port_counter_db_free>(chip_id, nullptr);
+}
+
+i32 dpl_reef_port_counter_db_update(u32 chip_id)
+{
+    return _dpl_port_chip_op<&drv::port_counter_db_update>(chip_id, nullptr);
+}
+
+i32 dpl_reef_port_counter_init(u32 chip_id)
+{
+    const u32 enable = shr_property_get(chip_id, "counter_enable_port_stat", 1) == 1 ? 1 : 0;
+    // The counter thread calls with its slot's id; the store is one per chip.
+    constexpr auto init = [](u32 chip, u32) { return dpl_reef_port_counter_db_init(chip); };
+    constexpr auto deinit = [](u32 chip, u32) { return dpl_reef_port_counter_db_deinit(chip); };
+    constexpr auto update = [](u32 chip, u32) { return dpl_reef_port_counter_db_update(chip); };
+    i32 rc = dpl_reef_counter_enable_set(chip_id, DPL_COUNTER_PORT_ID, enable);
+    rc |= dpl_reef_counter_malloc_register(chip_id, DPL_COUNTER_PORT_ID, init);
+    rc |= dpl_reef_counter_free_register(chip_id, DPL_COUNTER_PORT_ID, deinit);
+    rc |= dpl_reef_counter_update_register(chip_id, DPL_COUNTER_PORT_ID, update);
+    if (rc != 0) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "chip_id%u port counter register failed\n", chip_id);
+    }
+    return 0;
+}
+
 i32 dpl_reef_port_soft_init(u32 chip_id)
 {
     if (g_dpl_reef_port_soft_inited[chip_id] == 1) {
@@ -523,7 +553,7 @@ i32 dpl_reef_port_soft_init(u32 chip_id)
 i32 dpl_reef_port_soft_deinit(u32 chip_id)
 {
     if (g_dpl_reef_port_chip_lock[chip_id] != nullptr) {
-        _dpl_port_chip_op<&drv::port_counter_db_free>(chip_id, nullptr);
+        dpl_reef_port_counter_db_deinit(chip_id);
     }
     _dpl_reef_port_db_deinit(chip_id);
     csl_port_control_db_deinit(chip_id);

@@ -46,6 +46,13 @@ i32 dpl_reef_port_hw_phase1_init(u32 chip_id);
 i32 dpl_reef_port_hw_phase2_init(u32 chip_id);
 i32 dpl_reef_port_db_init(u32 chip_id);
 i32 dpl_reef_port_counter_db_init(u32 chip_id);
+i32 dpl_reef_port_counter_db_deinit(u32 chip_id);
+/* The refresh of the counter store, run by the counter thread. */
+i32 dpl_reef_port_counter_db_update(u32 chip_id);
+/* Registers the port counters with the counter thread as its id 28, enabled
+ * by the property "counter_enable_port_stat" (default 1).  Failures are
+ * logged; 0. */
+i32 dpl_reef_port_counter_init(u32 chip_id);
 i32 dpl_reef_port_link_fwd_init(u32 chip_id);
 i32 dpl_reef_port_link_fwd_deinit(u32 chip_id);
 
