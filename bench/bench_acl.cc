@@ -41,6 +41,9 @@ struct AclBenchChip {
         tide_sim_sdk_init_cfg(&cfg);
         init_api_base_software_process(&cfg);
         shr_property_set(0, "acl_alloc_tcam_resource_mode", automatic ? "1" : "0");
+        // The whole TCAM for the ACL: no VLAN TCAM spaces carved.
+        shr_property_set(0, "vacl_160bit_cnt", "0");
+        shr_property_set(0, "vacl_320bit_cnt", "0");
         init_api_software_process(0, &cfg);
         init_api_hardware_process(0);
     }
@@ -54,15 +57,20 @@ struct AclBenchChip {
     bool automatic;
 };
 
+std::unique_ptr<AclBenchChip> g_chip;
+
 // The chip of the mode asked for, brought up again when the mode changes.
+// The chip goes down at exit before the model's own statics do: its
+// teardown is registered after the first bring-up made them.
 AclBenchChip &_chip(bool automatic)
 {
-    static std::unique_ptr<AclBenchChip> c;
-    if (c == nullptr || c->automatic != automatic) {
-        c.reset();
-        c = std::make_unique<AclBenchChip>(automatic);
+    if (g_chip == nullptr || g_chip->automatic != automatic) {
+        g_chip.reset();
+        g_chip = std::make_unique<AclBenchChip>(automatic);
+        static const bool registered = std::atexit([] { g_chip.reset(); }) == 0;
+        (void)registered;
     }
-    return *c;
+    return *g_chip;
 }
 
 uint32_t _group(bool automatic)
