@@ -8,6 +8,7 @@
 #include "sim/sim_em.h"
 #include "sim/sim_mcc.h"
 #include "sim/sim_intr.h"
+#include "sim/sim_macsec.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
 #include "sim/sim_stat.h"
@@ -352,6 +353,7 @@ void Chip::install_engines()
     serdes->install();
     qos->install();
     stat_install(*this);
+    macsec_install(*this);
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,
