@@ -322,6 +322,7 @@ void Chip::reset_core()
     Region &lsw = regions_[kApLsw];
     madvise(lsw.mem, lsw.size, MADV_DONTNEED);
     RegMap::get().for_each_reset([this](uint32_t addr, uint32_t reset) { store(4, addr, 4, reset); });
+    macsec_reset(*this);
     if (arl) {
         arl->clear();
     }

@@ -93,36 +93,64 @@ void _on_clear(Chip &chip, const char *reg, const char *table, uint32_t rows, ui
     });
 }
 
-// The memories of one side finish their start-up at once: the done bits
-// read 1, unless the start is made to stall.
-void _on_init(Chip &chip, const char *reg, const char *const done[4])
+constexpr const char *kEncInit = "xsec_enc_init_ctrl";
+constexpr const char *kDecInit = "xsec_dec_init_ctrl";
+constexpr const char *kEncDone[4] = {"enc_init_status_done", "enc_glb_init_status_done", "enc_mib_init_done_port",
+                                     "enc_mib_init_done_sc"};
+constexpr const char *kDecDone[4] = {"dec_init_done", "dec_glb_init_status_done", "dec_mib_init_done_port",
+                                     "dec_mib_init_done_sc"};
+
+// The address of a side's init register and the mask of its done bits;
+// false when the description lacks them.
+bool _done_bits(const char *reg, const char *const done[4], uint32_t *addr, uint32_t *mask)
 {
     const desc::Register *r = desc::find_register(reg);
     if (r == nullptr || r->instances == 0) {
-        return;
+        return false;
     }
-    uint32_t mask = 0;
+    *addr = r->addrs[0];
+    *mask = 0;
     for (uint32_t i = 0; i < 4; i++) {
         const FieldRef f = field_of(r->fields, r->field_count, done[i]);
-        mask |= f.ok() ? 1u << f.low : 0;
+        *mask |= f.ok() ? 1u << f.low : 0;
     }
-    const uint32_t addr = r->addrs[0];
-    chip.on_read(kLswBar, addr, [addr, mask](Chip &c, uint32_t, uint32_t) {
-        const uint32_t w = c.core_word(addr) & ~mask;
-        c.set_core_word(addr, c.stalled[TIDE_SIM_ENGINE_MACSEC_INIT] ? w : w | mask);
-    });
+    return true;
+}
+
+// The done bits of a side: set, unless the start is made to stall.
+void _done_set(Chip &c, uint32_t addr, uint32_t mask)
+{
+    const uint32_t w = c.core_word(addr) & ~mask;
+    c.set_core_word(addr, c.stalled[TIDE_SIM_ENGINE_MACSEC_INIT] ? w : w | mask);
+}
+
+// The memories of one side finish their start at once after a reset; a
+// read through the hooks sees the stall knob's effect at once.
+void _on_init(Chip &chip, const char *reg, const char *const done[4])
+{
+    uint32_t addr = 0, mask = 0;
+    if (_done_bits(reg, done, &addr, &mask)) {
+        chip.on_read(kLswBar, addr, [addr, mask](Chip &c, uint32_t, uint32_t) { _done_set(c, addr, mask); });
+    }
 }
 
 } // namespace
 
+void macsec_reset(Chip &chip)
+{
+    uint32_t addr = 0, mask = 0;
+    if (_done_bits(kEncInit, kEncDone, &addr, &mask)) {
+        _done_set(chip, addr, mask);
+    }
+    if (_done_bits(kDecInit, kDecDone, &addr, &mask)) {
+        _done_set(chip, addr, mask);
+    }
+}
+
 void macsec_install(Chip &chip)
 {
-    static const char *const kEncDone[4] = {"enc_init_status_done", "enc_glb_init_status_done",
-                                            "enc_mib_init_done_port", "enc_mib_init_done_sc"};
-    static const char *const kDecDone[4] = {"dec_init_done", "dec_glb_init_status_done", "dec_mib_init_done_port",
-                                            "dec_mib_init_done_sc"};
-    _on_init(chip, "xsec_enc_init_ctrl", kEncDone);
-    _on_init(chip, "xsec_dec_init_ctrl", kDecDone);
+    _on_init(chip, kEncInit, kEncDone);
+    _on_init(chip, kDecInit, kDecDone);
     _on_clear(chip, "xsec_enc_enc_mib_port_clr", "xsec_enc_enc_mib_port", 4, 0);
     _on_clear(chip, "xsec_enc_enc_mib_sc_clr_l32", "xsec_enc_enc_mib_sc", 2, 0);
     _on_clear(chip, "xsec_enc_enc_mib_sc_clr_h32", "xsec_enc_enc_mib_sc", 2, 32);

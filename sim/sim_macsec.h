@@ -11,6 +11,9 @@ namespace tide::sim {
 
 class Chip;
 
+// The init-done bits after a reset of the switch core: set at once, unless
+// the knob stalls the start.
+void macsec_reset(Chip &chip);
 // The read handlers of the init registers and the write handlers of the
 // MIB clearing registers.
 void macsec_install(Chip &chip);
