@@ -46,6 +46,12 @@ i32 _find(i32 argc, char **argv, const char *what, i32 from = 0)
     return -1;
 }
 
+i32 _bad_argc()
+{
+    cli_output_show("parameter number is incorrect. \n");
+    return SHR_E_PARAM;
+}
+
 i32 _invalid(const char *word)
 {
     cli_output_show("Parameter '%s' is invalid!\n", word != nullptr ? word : "");
@@ -129,8 +135,7 @@ bool _want(i32 argc, char **argv, const char *field)
 i32 _port_set(u32 chip_id, u32 dir, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     macsec_port_config c{};
     u32 v = 0;
@@ -160,8 +165,7 @@ i32 _port_set(u32 chip_id, u32 dir, i32 argc, char **argv)
 i32 _port_get(u32 chip_id, u32 dir, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     return _each(argv[0], [&](u32 port) -> i32 {
         macsec_port_config c{};
@@ -212,14 +216,12 @@ i32 _port_get(u32 chip_id, u32 dir, i32 argc, char **argv)
 i32 _sc_set(u32 chip_id, u32 dir, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     macsec_secure_chan c{};
     i32 rc = SHR_E_NONE;
     _take(_choice(argc, argv, "protect-mode", k_protect, 3, &c.protect_mode), MACSEC_SC_PROTECT_MODE, &c.mask, &rc);
-    _take(_choice(argc, argv, "validate-mode", k_validate, 4, &c.validate_mode), MACSEC_SC_VALIDATE_MODE, &c.mask,
-          &rc);
+    _take(_choice(argc, argv, "validate-mode", k_validate, 4, &c.validate_mode), MACSEC_SC_VALIDATE_MODE, &c.mask, &rc);
     _take(_onoff(argc, argv, "sc-enable", &c.sc_enable), MACSEC_SC_ENABLE, &c.mask, &rc);
     _take(_onoff(argc, argv, "sci-enable", &c.sci_enable), MACSEC_SC_SCI_ENABLE, &c.mask, &rc);
     _take(_onoff(argc, argv, "protect-frames", &c.protect_frames), MACSEC_SC_PROTECT_FRAMES, &c.mask, &rc);
@@ -232,7 +234,8 @@ i32 _sc_set(u32 chip_id, u32 dir, i32 argc, char **argv)
     static const char *const k_tci[5] = {"tci-v", "tci-es", "tci-sc", "tci-scb", "tci-an"};
     for (u32 i = 0; i < 5; i++) {
         u32 v = 0;
-        if (_take(_num(argc, argv, k_tci[i], &v), MACSEC_SC_TCI_V << i, &c.mask, &rc) && _find(argc, argv, k_tci[i]) >= 0) {
+        if (_take(_num(argc, argv, k_tci[i], &v), MACSEC_SC_TCI_V << i, &c.mask, &rc) &&
+            _find(argc, argv, k_tci[i]) >= 0) {
             c.tci = static_cast<u8>(c.tci | (i == 4 ? (v & 3) << 4 : (v & 1) << i));
         }
     }
@@ -255,8 +258,7 @@ i32 _sc_set(u32 chip_id, u32 dir, i32 argc, char **argv)
 i32 _sc_get(u32 chip_id, u32 dir, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     return _each(argv[0], [&](u32 sc) -> i32 {
         macsec_secure_chan c{};
@@ -334,8 +336,7 @@ i32 _sa_set(u32 chip_id, u32 dir, i32 argc, char **argv)
 {
     u32 an = 0, sc = 0;
     if (argc < 3) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     if (cli_get_uint32_param(argv[0], &an) != SHR_E_NONE || cli_get_uint32_param(argv[1], &sc) != SHR_E_NONE) {
         return _invalid(argv[0]);
@@ -357,7 +358,8 @@ i32 _sa_set(u32 chip_id, u32 dir, i32 argc, char **argv)
     if (iv >= 0) {
         u32 *const words[4] = {&a.ssci, &a.salt_l, &a.salt_m, &a.salt_h};
         for (u32 i = 0; i < 4; i++) {
-            if (iv + 1 + static_cast<i32>(i) >= argc || cli_get_uint32_param(argv[iv + 1 + i], words[i]) != SHR_E_NONE) {
+            if (iv + 1 + static_cast<i32>(i) >= argc ||
+                cli_get_uint32_param(argv[iv + 1 + i], words[i]) != SHR_E_NONE) {
                 rc = _invalid("iv");
             }
         }
@@ -372,15 +374,13 @@ i32 _sa_get(u32 chip_id, u32 dir, i32 argc, char **argv)
 {
     u32 an = 0, sc = 0;
     if (argc < 3) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     if (cli_get_uint32_param(argv[0], &an) != SHR_E_NONE || cli_get_uint32_param(argv[1], &sc) != SHR_E_NONE) {
         return _invalid(argv[0]);
     }
     macsec_secure_assoc a{};
-    const i32 rc =
-        _failed("macsec_api_secure_assoc_get", macsec_api_secure_assoc_get(chip_id, 0, sc, an, dir, &a));
+    const i32 rc = _failed("macsec_api_secure_assoc_get", macsec_api_secure_assoc_get(chip_id, 0, sc, an, dir, &a));
     if (rc != SHR_E_NONE) {
         return rc;
     }
@@ -514,8 +514,7 @@ i32 cli_macsec_dec_sa_config_get(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_port_bind_detail_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     char all[] = "all";
     char *args[] = {argv[1], all};
@@ -526,8 +525,7 @@ i32 cli_macsec_port_bind_detail_get(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_sc_destroy(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     const u32 dir = static_cast<u32>(_dir_of(argv[0]));
     return _each(argv[1], [&](u32 sc) -> i32 {
@@ -540,8 +538,7 @@ i32 cli_macsec_sa_destroy(u32 chip_id, u32, i32 argc, char **argv)
 {
     u32 an = 0, sc = 0;
     if (argc < 3) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     if (cli_get_uint32_param(argv[1], &an) != SHR_E_NONE || cli_get_uint32_param(argv[2], &sc) != SHR_E_NONE) {
         return _invalid(argv[1]);
@@ -554,8 +551,7 @@ i32 cli_macsec_sa_destroy(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_flow_set(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 5) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     macsec_flow f{};
     f.dir = static_cast<u32>(_dir_of(argv[0]));
@@ -568,7 +564,9 @@ i32 cli_macsec_flow_set(u32 chip_id, u32, i32 argc, char **argv)
         }
     }
     const char *act = argv[argc - 1];
-    const u32 action = _is(act, "drop") ? MACSEC_FLOW_DROP : _is(act, "mark-err") ? MACSEC_FLOW_MARK_ERR : MACSEC_FLOW_FORWARD;
+    const u32 action = _is(act, "drop")       ? MACSEC_FLOW_DROP
+                       : _is(act, "mark-err") ? MACSEC_FLOW_MARK_ERR
+                                              : MACSEC_FLOW_FORWARD;
     return _each(argv[2], [&](u32 port) -> i32 {
         return _failed("macsec_api_flow_create", macsec_api_flow_create(chip_id, port, 0, &f, action));
     });
@@ -578,8 +576,7 @@ i32 cli_macsec_flow_set(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_flow_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 3) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     return _each(argv[2], [&](u32 port) -> i32 {
         static const char *const k_cond[4] = {"ec01", "ec10", "unknown-sci", "notag-sa"};
@@ -602,8 +599,7 @@ i32 cli_macsec_flow_destroy(u32 chip_id, u32, i32 argc, char **argv)
 {
     u32 flow = 0;
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     if (cli_get_uint32_param(argv[1], &flow) != SHR_E_NONE) {
         return _invalid(argv[1]);
@@ -617,8 +613,7 @@ i32 cli_macsec_flow_destroy(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_port_mib_clear(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     const u32 dir = static_cast<u32>(_dir_of(argv[0]));
     return _each(argv[1], [&](u32 port) -> i32 {
@@ -630,8 +625,7 @@ i32 cli_macsec_port_mib_clear(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_sc_mib_clear(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     const u32 dir = static_cast<u32>(_dir_of(argv[0]));
     return _each(argv[1], [&](u32 sc) -> i32 {
@@ -643,16 +637,16 @@ i32 cli_macsec_sc_mib_clear(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_sc_mib_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 1) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     const bool non_zero = _find(argc, argv, "non-zero") >= 0;
     return _each(argv[0], [&](u32 sc) -> i32 {
         cli_output_show("sc %u:\n", sc);
-        const i32 rc = _mib_show(chip_id, 0, sc, MACSEC_STAT_ENC_PROTECTED_PKTS, MACSEC_STAT_ENC_ENCRYPTED_PKTS, non_zero);
-        return rc != SHR_E_NONE ? rc
-                                : _mib_show(chip_id, 0, sc, MACSEC_STAT_DEC_NOTVALID_PKTS, MACSEC_STAT_DEC_OK_PKTS,
-                                            non_zero);
+        const i32 rc =
+            _mib_show(chip_id, 0, sc, MACSEC_STAT_ENC_PROTECTED_PKTS, MACSEC_STAT_ENC_ENCRYPTED_PKTS, non_zero);
+        return rc != SHR_E_NONE
+                   ? rc
+                   : _mib_show(chip_id, 0, sc, MACSEC_STAT_DEC_NOTVALID_PKTS, MACSEC_STAT_DEC_OK_PKTS, non_zero);
     });
 }
 
@@ -660,14 +654,13 @@ i32 cli_macsec_sc_mib_get(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_port_mib_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 1) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     const bool non_zero = _find(argc, argv, "non-zero") >= 0;
     return _each(argv[0], [&](u32 port) -> i32 {
         cli_output_show("port %u:\n", port);
-        const i32 rc = _mib_show(chip_id, port, 0, MACSEC_STAT_ENC_UNTAGGED_PKTS, MACSEC_STAT_ENC_ENCRYPTED_OCTETS,
-                                 non_zero);
+        const i32 rc =
+            _mib_show(chip_id, port, 0, MACSEC_STAT_ENC_UNTAGGED_PKTS, MACSEC_STAT_ENC_ENCRYPTED_OCTETS, non_zero);
         return rc != SHR_E_NONE ? rc
                                 : _mib_show(chip_id, port, 0, MACSEC_STAT_DEC_NOTAG_PKTS,
                                             MACSEC_STAT_DEC_DECRYPTED_OCTETS, non_zero);
@@ -678,8 +671,7 @@ i32 cli_macsec_port_mib_get(u32 chip_id, u32, i32 argc, char **argv)
 i32 cli_macsec_global_config_set(u32 chip_id, u32, i32 argc, char **argv)
 {
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     const u32 on = _is(argv[argc - 1], "enable") ? 1 : 0;
     macsec_global g{};
@@ -724,10 +716,10 @@ i32 cli_macsec_white_list_vlan_set(u32 chip_id, u32, i32 argc, char **argv)
     u32 index = 0;
     u16 v[2] = {0, 0};
     if (argc < 5) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
-    if (cli_get_uint32_param(argv[2], &index) != SHR_E_NONE || cli_get_uint16_para(argv[argc - 1], &v[0]) != SHR_E_NONE) {
+    if (cli_get_uint32_param(argv[2], &index) != SHR_E_NONE ||
+        cli_get_uint16_para(argv[argc - 1], &v[0]) != SHR_E_NONE) {
         return _invalid(argv[2]);
     }
     v[1] = _find(argc, argv, "enable") >= 0 ? 1 : 0;
@@ -741,8 +733,7 @@ i32 cli_macsec_white_list_vlan_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     u32 index = 0;
     if (argc < 3) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     if (cli_get_uint32_param(argv[2], &index) != SHR_E_NONE) {
         return _invalid(argv[2]);
@@ -769,8 +760,7 @@ i32 cli_macsec_white_list_etype_set(u32 chip_id, u32, i32 argc, char **argv)
     u32 index = 0;
     u16 value[2] = {0, 0}, mask[2] = {0, 0};
     if (argc < 4) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     if (cli_get_uint32_param(argv[1], &index) != SHR_E_NONE || cli_get_uint16_para(argv[2], &value[0]) != SHR_E_NONE ||
         cli_get_uint16_para(argv[3], &mask[0]) != SHR_E_NONE) {
@@ -779,9 +769,10 @@ i32 cli_macsec_white_list_etype_set(u32 chip_id, u32, i32 argc, char **argv)
     const u32 dir = static_cast<u32>(_dir_of(argv[0]));
     const i32 rc = _failed("macsec_api_white_list_set",
                            macsec_api_white_list_set(chip_id, index, dir, MACSEC_WHITE_LIST_ETYPE, value));
-    return rc != SHR_E_NONE ? rc
-                            : _failed("macsec_api_white_list_set",
-                                      macsec_api_white_list_set(chip_id, index, dir, MACSEC_WHITE_LIST_ETYPE_MASK, mask));
+    return rc != SHR_E_NONE
+               ? rc
+               : _failed("macsec_api_white_list_set",
+                         macsec_api_white_list_set(chip_id, index, dir, MACSEC_WHITE_LIST_ETYPE_MASK, mask));
 }
 
 // show macsec (enc | dec) white-list ethertype entry WORD
@@ -789,8 +780,7 @@ i32 cli_macsec_white_list_etype_get(u32 chip_id, u32, i32 argc, char **argv)
 {
     u32 index = 0;
     if (argc < 2) {
-        cli_output_show("parameter number is incorrect. \n");
-        return SHR_E_PARAM;
+        return _bad_argc();
     }
     if (cli_get_uint32_param(argv[1], &index) != SHR_E_NONE) {
         return _invalid(argv[1]);
@@ -869,8 +859,7 @@ cli_cmd_desc g_macsec_desc[] = {
     {"show macsec mib ports WORD (non-zero | )", -1, cli_macsec_port_mib_get, nullptr, 0},
     {"macsec global {bypass | dec-to-enc-loopback | sc_mode} (enable | disable)", -1, cli_macsec_global_config_set,
      nullptr, 0},
-    {"show macsec global (bypass | dec-to-enc-loopback | sc_mode | all)", -1, cli_macsec_global_config_get, nullptr,
-     0},
+    {"show macsec global (bypass | dec-to-enc-loopback | sc_mode | all)", -1, cli_macsec_global_config_get, nullptr, 0},
     {"macsec (enc | dec) white-list (ovlan | ivlan) entry WORD (enable | disable) tpid WORD", -1,
      cli_macsec_white_list_vlan_set, nullptr, 0},
     {"show macsec (enc | dec) white-list (ovlan | ivlan | all-vlan) entry WORD", -1, cli_macsec_white_list_vlan_get,

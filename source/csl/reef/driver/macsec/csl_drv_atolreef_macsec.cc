@@ -118,16 +118,15 @@ struct Side {
 };
 
 constexpr Side kSide[2] = {
-    {cib_xsec_enc_enc_nextpn_tbl, 0, cib_xsec_enc_enc_sak_entry_vld, cib_xsec_enc_enc_mib_port,
-     cib_xsec_enc_enc_mib_sc, cib_xsec_enc_enc_mib_port_clr, cib_xsec_enc_enc_mib_sc_clr_l32,
-     cib_xsec_enc_enc_mib_sc_clr_h32, cib_xsec_enc_enc_white_list_ovlan, cib_xsec_enc_enc_white_list_ivlan,
-     cib_xsec_enc_enc_white_list_ovlan_en, cib_xsec_enc_enc_white_list_ivlan_en,
-     cib_xsec_enc_enc_white_list_port_ctrl_enable, 4, 2},
+    {cib_xsec_enc_enc_nextpn_tbl, 0, cib_xsec_enc_enc_sak_entry_vld, cib_xsec_enc_enc_mib_port, cib_xsec_enc_enc_mib_sc,
+     cib_xsec_enc_enc_mib_port_clr, cib_xsec_enc_enc_mib_sc_clr_l32, cib_xsec_enc_enc_mib_sc_clr_h32,
+     cib_xsec_enc_enc_white_list_ovlan, cib_xsec_enc_enc_white_list_ivlan, cib_xsec_enc_enc_white_list_ovlan_en,
+     cib_xsec_enc_enc_white_list_ivlan_en, cib_xsec_enc_enc_white_list_port_ctrl_enable, 4, 2},
     {cib_xsec_dec_dec_nextpn_tbl, cib_xsec_dec_dec_lowestpn_tbl, cib_xsec_dec_dec_sak_entry_vld,
-     cib_xsec_dec_dec_mib_port, cib_xsec_dec_dec_mib_sc, cib_xsec_dec_dec_mib_port_clr,
-     cib_xsec_dec_dec_mib_sc_clr_l32, cib_xsec_dec_dec_mib_sc_clr_h32, cib_xsec_dec_dec_white_list_ovlan,
-     cib_xsec_dec_dec_white_list_ivlan, cib_xsec_dec_dec_white_list_ovlan_en,
-     cib_xsec_dec_dec_white_list_ivlan_en, cib_xsec_dec_dec_white_list_port_ctrl_enable, 8, 8},
+     cib_xsec_dec_dec_mib_port, cib_xsec_dec_dec_mib_sc, cib_xsec_dec_dec_mib_port_clr, cib_xsec_dec_dec_mib_sc_clr_l32,
+     cib_xsec_dec_dec_mib_sc_clr_h32, cib_xsec_dec_dec_white_list_ovlan, cib_xsec_dec_dec_white_list_ivlan,
+     cib_xsec_dec_dec_white_list_ovlan_en, cib_xsec_dec_dec_white_list_ivlan_en,
+     cib_xsec_dec_dec_white_list_port_ctrl_enable, 8, 8},
 };
 
 // ---- checks -------------------------------------------------------------------------
@@ -232,10 +231,13 @@ i32 _hw_init(u32 chip_id)
     if (rc != 0 || bypass == 1) {
         return rc;
     }
-    rc = _init_wait(chip_id, csl_reef_cib_xsec_enc_init_ctrl_get, [](const cib_xsec_enc_init_ctrl_t &r) {
-        return r.enc_init_status_done == 1 && r.enc_glb_init_status_done == 1 && r.enc_mib_init_done_port == 1 &&
-               r.enc_mib_init_done_sc == 1;
-    }, "enc");
+    rc = _init_wait(
+        chip_id, csl_reef_cib_xsec_enc_init_ctrl_get,
+        [](const cib_xsec_enc_init_ctrl_t &r) {
+            return r.enc_init_status_done == 1 && r.enc_glb_init_status_done == 1 && r.enc_mib_init_done_port == 1 &&
+                   r.enc_mib_init_done_sc == 1;
+        },
+        "enc");
     if (rc != 0) {
         return rc;
     }
@@ -250,10 +252,13 @@ i32 _hw_init(u32 chip_id)
     if (rc != 0) {
         return rc;
     }
-    rc = _init_wait(chip_id, csl_reef_cib_xsec_dec_init_ctrl_get, [](const cib_xsec_dec_init_ctrl_t &r) {
-        return r.dec_init_done == 1 && r.dec_glb_init_status_done == 1 && r.dec_mib_init_done_port == 1 &&
-               r.dec_mib_init_done_sc == 1;
-    }, "dec");
+    rc = _init_wait(
+        chip_id, csl_reef_cib_xsec_dec_init_ctrl_get,
+        [](const cib_xsec_dec_init_ctrl_t &r) {
+            return r.dec_init_done == 1 && r.dec_glb_init_status_done == 1 && r.dec_mib_init_done_port == 1 &&
+                   r.dec_mib_init_done_sc == 1;
+        },
+        "dec");
     if (rc != 0) {
         return rc;
     }
@@ -264,14 +269,20 @@ i32 _hw_init(u32 chip_id)
     for (u32 port = 0; rc == 0 && port <= MACSEC_PORT_MAX; port++) {
         cib_xsec_glb_dec_portmap_tbl_t pm{};
         rc = csl_reef_cib_xsec_glb_dec_portmap_tbl_get(chip_id, 0, port, &pm);
-        pm.fastp_en = static_cast<u8>(csl_port_property_get(chip_id, static_cast<i32>(port), "macsec_fastp_enable", 0) & 1);
-        pm.dport = static_cast<u8>(csl_port_property_get(chip_id, static_cast<i32>(port), "macsec_fastp_dport", 0) & 0x1F);
+        pm.fastp_en =
+            static_cast<u8>(csl_port_property_get(chip_id, static_cast<i32>(port), "macsec_fastp_enable", 0) & 1);
+        pm.dport =
+            static_cast<u8>(csl_port_property_get(chip_id, static_cast<i32>(port), "macsec_fastp_dport", 0) & 0x1F);
         rc = rc != 0 ? rc : _put(csl_reef_cib_xsec_glb_dec_portmap_tbl_set, chip_id, port, pm);
     }
     cib_xsec_enc_init_ctrl_t ecm{};
-    rc = rc != 0 ? rc : _put(csl_reef_cib_xsec_enc_init_ctrl_set, chip_id, ecm, {cib_xsec_enc_init_ctrl__enc_mib_ctrl_clr_mode});
+    rc = rc != 0
+             ? rc
+             : _put(csl_reef_cib_xsec_enc_init_ctrl_set, chip_id, ecm, {cib_xsec_enc_init_ctrl__enc_mib_ctrl_clr_mode});
     cib_xsec_dec_init_ctrl_t dcm{};
-    rc = rc != 0 ? rc : _put(csl_reef_cib_xsec_dec_init_ctrl_set, chip_id, dcm, {cib_xsec_dec_init_ctrl__dec_mib_ctrl_clr_mode});
+    rc = rc != 0
+             ? rc
+             : _put(csl_reef_cib_xsec_dec_init_ctrl_set, chip_id, dcm, {cib_xsec_dec_init_ctrl__dec_mib_ctrl_clr_mode});
     return rc;
 }
 
@@ -318,20 +329,28 @@ i32 _enc_port_set(u32 chip_id, u32 port, const macsec_port_config *c)
         cib_xsec_enc_enc_profile_tbl_t f{};
         f.profile_tbl_cfg_vld = 1;
         f.sectag_offset = kSectagOffset;
-        rc |= _put(csl_reef_cib_xsec_enc_enc_profile_tbl_set, chip_id, kProfile, f,
-                   {cib_xsec_enc_enc_profile_tbl__profile_tbl_cfg_vld, cib_xsec_enc_enc_profile_tbl__sectag_offset});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_enc_enc_profile_tbl_set, chip_id, kProfile, f,
+                            {cib_xsec_enc_enc_profile_tbl__profile_tbl_cfg_vld,
+                             cib_xsec_enc_enc_profile_tbl__sectag_offset});
     }
     if ((m & MACSEC_PORT_BYPASS_VID) != 0) {
         p.vlan_id = c->bypass_vid;
-        rc |= _put(csl_reef_cib_xsec_glb_enc_port_tbl_set, chip_id, port, p, {cib_xsec_glb_enc_port_tbl__vlan_id});
+        rc = rc != 0
+                 ? rc
+                 : _put(csl_reef_cib_xsec_glb_enc_port_tbl_set, chip_id, port, p, {cib_xsec_glb_enc_port_tbl__vlan_id});
     }
     if ((m & MACSEC_PORT_BYPASS_TPID) != 0) {
         p.vlan_tpid = c->bypass_tpid;
-        rc |= _put(csl_reef_cib_xsec_glb_enc_port_tbl_set, chip_id, port, p, {cib_xsec_glb_enc_port_tbl__vlan_tpid});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_glb_enc_port_tbl_set, chip_id, port, p,
+                            {cib_xsec_glb_enc_port_tbl__vlan_tpid});
     }
     if ((m & MACSEC_PORT_DEFAULT_SC) != 0) {
         p.default_sc = static_cast<u8>(c->default_sc);
-        rc |= _put(csl_reef_cib_xsec_glb_enc_port_tbl_set, chip_id, port, p, {cib_xsec_glb_enc_port_tbl__default_sc});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_glb_enc_port_tbl_set, chip_id, port, p,
+                            {cib_xsec_glb_enc_port_tbl__default_sc});
     }
     return rc;
 }
@@ -352,36 +371,45 @@ i32 _dec_port_set(u32 chip_id, u32 port, const macsec_port_config *c)
         cib_xsec_dec_dec_profile_tbl_t f{};
         f.profile_tbl_vld = 1;
         f.sectag_offset = kSectagOffset;
-        rc |= _put(csl_reef_cib_xsec_dec_dec_profile_tbl_set, chip_id, kProfile, f,
-                   {cib_xsec_dec_dec_profile_tbl__profile_tbl_vld, cib_xsec_dec_dec_profile_tbl__sectag_offset});
+        rc = rc != 0
+                 ? rc
+                 : _put(csl_reef_cib_xsec_dec_dec_profile_tbl_set, chip_id, kProfile, f,
+                        {cib_xsec_dec_dec_profile_tbl__profile_tbl_vld, cib_xsec_dec_dec_profile_tbl__sectag_offset});
         pc.port_cfg_tbl_vld = e;
-        rc |= _put(csl_reef_cib_xsec_dec_dec_port_cfg_tbl_set, chip_id, port, pc,
-                   {cib_xsec_dec_dec_port_cfg_tbl__port_cfg_tbl_vld});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_dec_dec_port_cfg_tbl_set, chip_id, port, pc,
+                            {cib_xsec_dec_dec_port_cfg_tbl__port_cfg_tbl_vld});
     }
     if ((m & MACSEC_PORT_BYPASS_VID) != 0) {
         p.bypass_vlan_id = c->bypass_vid;
-        rc |= _put(csl_reef_cib_xsec_glb_dec_port_tbl_set, chip_id, port, p, {cib_xsec_glb_dec_port_tbl__bypass_vlan_id});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_glb_dec_port_tbl_set, chip_id, port, p,
+                            {cib_xsec_glb_dec_port_tbl__bypass_vlan_id});
     }
     if ((m & MACSEC_PORT_BYPASS_TPID) != 0) {
         p.bypass_vlan_tpid = c->bypass_tpid;
-        rc |= _put(csl_reef_cib_xsec_glb_dec_port_tbl_set, chip_id, port, p,
-                   {cib_xsec_glb_dec_port_tbl__bypass_vlan_tpid});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_glb_dec_port_tbl_set, chip_id, port, p,
+                            {cib_xsec_glb_dec_port_tbl__bypass_vlan_tpid});
     }
     if ((m & MACSEC_PORT_SAFE_MODE) != 0) {
         p.safe_mode = static_cast<u8>(c->safe_mode);
-        rc |= _put(csl_reef_cib_xsec_glb_dec_port_tbl_set, chip_id, port, p, {cib_xsec_glb_dec_port_tbl__safe_mode});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_glb_dec_port_tbl_set, chip_id, port, p,
+                            {cib_xsec_glb_dec_port_tbl__safe_mode});
     }
     if ((m & MACSEC_PORT_DEFAULT_SC) != 0) {
         pc.dec_port_ctrl_default_sc = static_cast<u8>(c->default_sc);
-        rc |= _put(csl_reef_cib_xsec_dec_dec_port_cfg_tbl_set, chip_id, port, pc,
-                   {cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_default_sc});
+        rc = rc != 0 ? rc
+                     : _put(csl_reef_cib_xsec_dec_dec_port_cfg_tbl_set, chip_id, port, pc,
+                            {cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_default_sc});
     }
     if ((m & MACSEC_PORT_LOOPBACK) != 0) {
         cib_xsec_glb_dec_portmap_tbl_t pm{};
         pm.dport = static_cast<u8>(c->lb_dport);
         pm.fastp_en = c->lb_fastp_en != 0 ? 1 : 0;
         pm.vld = c->lb_vld != 0 ? 1 : 0;
-        rc |= _put(csl_reef_cib_xsec_glb_dec_portmap_tbl_set, chip_id, port, pm);
+        rc = rc != 0 ? rc : _put(csl_reef_cib_xsec_glb_dec_portmap_tbl_set, chip_id, port, pm);
     }
     return rc;
 }
@@ -396,7 +424,7 @@ i32 _port_config_set(u32 chip_id, u32 port, u32 dir, macsec_port_config *c)
     if ((c->mask & MACSEC_PORT_WHITE_LIST) != 0) {
         rc = _bit_set(chip_id, kSide[dir].wl_port_en, port, c->white_list_enable);
     }
-    return rc | (dir == kEnc ? _enc_port_set(chip_id, port, c) : _dec_port_set(chip_id, port, c));
+    return rc != 0 ? rc : dir == kEnc ? _enc_port_set(chip_id, port, c) : _dec_port_set(chip_id, port, c);
 }
 
 i32 _port_config_get(u32 chip_id, u32 port, u32 dir, macsec_port_config *c)
@@ -414,8 +442,8 @@ i32 _port_config_get(u32 chip_id, u32 port, u32 dir, macsec_port_config *c)
     if (dir == kEnc) {
         cib_xsec_glb_enc_port_tbl_t p{};
         cib_xsec_enc_enc_profile_tbl_t f{};
-        rc |= csl_reef_cib_xsec_glb_enc_port_tbl_get(chip_id, 0, port, &p);
-        rc |= csl_reef_cib_xsec_enc_enc_profile_tbl_get(chip_id, 0, kProfile, &f);
+        rc = rc != 0 ? rc : csl_reef_cib_xsec_glb_enc_port_tbl_get(chip_id, 0, port, &p);
+        rc = rc != 0 ? rc : csl_reef_cib_xsec_enc_enc_profile_tbl_get(chip_id, 0, kProfile, &f);
         c->macsec_enable = p.macsec_en;
         c->bypass_vid = p.vlan_id;
         c->bypass_tpid = p.vlan_tpid;
@@ -427,10 +455,10 @@ i32 _port_config_get(u32 chip_id, u32 port, u32 dir, macsec_port_config *c)
     cib_xsec_dec_dec_port_cfg_tbl_t pc{};
     cib_xsec_dec_dec_profile_tbl_t f{};
     cib_xsec_glb_dec_portmap_tbl_t pm{};
-    rc |= csl_reef_cib_xsec_glb_dec_port_tbl_get(chip_id, 0, port, &p);
-    rc |= csl_reef_cib_xsec_dec_dec_port_cfg_tbl_get(chip_id, 0, port, &pc);
-    rc |= csl_reef_cib_xsec_dec_dec_profile_tbl_get(chip_id, 0, kProfile, &f);
-    rc |= csl_reef_cib_xsec_glb_dec_portmap_tbl_get(chip_id, 0, port, &pm);
+    rc = rc != 0 ? rc : csl_reef_cib_xsec_glb_dec_port_tbl_get(chip_id, 0, port, &p);
+    rc = rc != 0 ? rc : csl_reef_cib_xsec_dec_dec_port_cfg_tbl_get(chip_id, 0, port, &pc);
+    rc = rc != 0 ? rc : csl_reef_cib_xsec_dec_dec_profile_tbl_get(chip_id, 0, kProfile, &f);
+    rc = rc != 0 ? rc : csl_reef_cib_xsec_glb_dec_portmap_tbl_get(chip_id, 0, port, &pm);
     c->mask |= MACSEC_PORT_LOOPBACK | MACSEC_PORT_SAFE_MODE;
     c->macsec_enable = p.macsec_en;
     c->bypass_vid = p.bypass_vlan_id;
@@ -516,8 +544,8 @@ i32 _em_set(u32 chip_id, u32 sc, const macsec_secure_chan *c)
                                   cib_xsec_glb_enc_em_tbl__profile_id})
                           : _put(csl_reef_cib_xsec_glb_enc_em_tbl_set, chip_id, sc, e,
                                  {cib_xsec_glb_enc_em_tbl__em_tbl_cfg_vld, cib_xsec_glb_enc_em_tbl__sc});
-    rc |= _word_set(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc, w0);
-    rc |= _word_set(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc + 1, w1);
+    rc = rc != 0 ? rc : _word_set(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc, w0);
+    rc = rc != 0 ? rc : _word_set(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc + 1, w1);
     return rc;
 }
 
@@ -638,9 +666,9 @@ i32 _secure_chan_get(u32 chip_id, u32 port, u32 dir, u32 sc, macsec_secure_chan 
         cib_xsec_glb_enc_em_tbl_t e{};
         u32 w0 = 0, w1 = 0;
         rc = csl_reef_cib_xsec_enc_enc_sc_tbl_get(chip_id, 0, sc, &r);
-        rc |= csl_reef_cib_xsec_glb_enc_em_tbl_get(chip_id, 0, sc, &e);
-        rc |= _word_get(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc, &w0);
-        rc |= _word_get(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc + 1, &w1);
+        rc = rc != 0 ? rc : csl_reef_cib_xsec_glb_enc_em_tbl_get(chip_id, 0, sc, &e);
+        rc = rc != 0 ? rc : _word_get(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc, &w0);
+        rc = rc != 0 ? rc : _word_get(chip_id, cib_xsec_glb_enc_em_cfg, 2 * sc + 1, &w1);
         c->mask = MACSEC_SC_PROTECT_MODE | MACSEC_SC_ENABLE | MACSEC_SC_SCI | MACSEC_SC_SA3_AN | MACSEC_SC_SA2_AN |
                   MACSEC_SC_SA1_AN | MACSEC_SC_SA0_AN | MACSEC_SC_TCI_ES | MACSEC_SC_TCI_SC | MACSEC_SC_TCI_SCB |
                   MACSEC_SC_TCI_AN | MACSEC_SC_PROTECT_FRAMES;
@@ -657,7 +685,7 @@ i32 _secure_chan_get(u32 chip_id, u32 port, u32 dir, u32 sc, macsec_secure_chan 
         c->tci = static_cast<u8>(r.es_en << 1 | r.sci_en << 2 | r.scb_en << 3 | r.encoding_sa << 4);
         c->protect_frames = r.protect_frames;
         c->em_dport = w1 >> 16 & 0xFF;
-        const u8 mac[6] = {static_cast<u8>(w1 >> 8), static_cast<u8>(w1), static_cast<u8>(w0 >> 24),
+        const u8 mac[6] = {static_cast<u8>(w1 >> 8),  static_cast<u8>(w1),      static_cast<u8>(w0 >> 24),
                            static_cast<u8>(w0 >> 16), static_cast<u8>(w0 >> 8), static_cast<u8>(w0)};
         memcpy(c->em_dmac, mac, sizeof(mac));
         return rc;
@@ -665,7 +693,7 @@ i32 _secure_chan_get(u32 chip_id, u32 port, u32 dir, u32 sc, macsec_secure_chan 
     cib_xsec_dec_dec_sc_tbl_t r{};
     cib_xsec_dec_dec_sci_tbl_t s{};
     rc = csl_reef_cib_xsec_dec_dec_sc_tbl_get(chip_id, 0, sc, &r);
-    rc |= csl_reef_cib_xsec_dec_dec_sci_tbl_get(chip_id, 0, sc, &s);
+    rc = rc != 0 ? rc : csl_reef_cib_xsec_dec_dec_sci_tbl_get(chip_id, 0, sc, &s);
     c->mask = MACSEC_SC_VALIDATE_MODE | MACSEC_SC_ENABLE | MACSEC_SC_SCI | MACSEC_SC_SA3_AN | MACSEC_SC_SA2_AN |
               MACSEC_SC_SA1_AN | MACSEC_SC_SA0_AN | MACSEC_SC_SCI_ENABLE;
     c->validate_mode = r.sc_validate_frames;
@@ -742,8 +770,8 @@ i32 _sa_read(u32 chip_id, u32 dir, u32 row, SaRow *s)
     }
     cib_xsec_dec_dec_sa_tbl_t r{};
     const i32 rc = csl_reef_cib_xsec_dec_dec_sa_tbl_get(chip_id, 0, row, &r);
-    *s = SaRow{r.xpn_en, r.curr_cs, r.enc_ofs, r.replay_protect, r.sa_tbl_vld, r.salt_1, r.ssci, r.replay_window,
-               r.salt_0, 0};
+    *s = SaRow{r.xpn_en, r.curr_cs, r.enc_ofs,       r.replay_protect, r.sa_tbl_vld,
+               r.salt_1, r.ssci,    r.replay_window, r.salt_0,         0};
     return rc;
 }
 
@@ -753,8 +781,8 @@ i32 _sa_write(u32 chip_id, u32 dir, u32 row, const SaRow &s)
         cib_xsec_enc_enc_sa_tbl_t r{s.xpn_en, s.curr_cs, s.enc_ofs, s.salt_1, s.salt_0, s.ssci, s.pn_th, s.vld};
         return _put(csl_reef_cib_xsec_enc_enc_sa_tbl_set, chip_id, row, r);
     }
-    cib_xsec_dec_dec_sa_tbl_t r{s.xpn_en,  s.curr_cs, s.enc_ofs, s.replay_window, s.replay_protect,
-                                s.salt_1,  s.salt_0,  s.ssci,    s.vld};
+    cib_xsec_dec_dec_sa_tbl_t r{s.xpn_en, s.curr_cs, s.enc_ofs, s.replay_window, s.replay_protect, s.salt_1,
+                                s.salt_0, s.ssci,    s.vld};
     return _put(csl_reef_cib_xsec_dec_dec_sa_tbl_set, chip_id, row, r);
 }
 
@@ -847,26 +875,26 @@ i32 _secure_assoc_get(u32 chip_id, u32 port, u32 sc, u32 an, u32 dir, macsec_sec
     u64 pn[2] = {0, 0};
     u32 vld = 0;
     rc = _sa_read(chip_id, dir, row, &s);
-    rc |= _pns_get(chip_id, dir, row, pn);
-    rc |= _word_get(chip_id, kSide[dir].sak_vld, row / 32, &vld);
+    rc = rc != 0 ? rc : _pns_get(chip_id, dir, row, pn);
+    rc = rc != 0 ? rc : _word_get(chip_id, kSide[dir].sak_vld, row / 32, &vld);
     if (dir == kEnc) {
         cib_xsec_enc_enc_sak_tbl_t k{};
         cib_xsec_enc_init_ctrl_t c{};
-        rc |= csl_reef_cib_xsec_enc_enc_sak_tbl_get(chip_id, 0, row, &k);
-        rc |= csl_reef_cib_xsec_enc_init_ctrl_get(chip_id, 0, &c);
+        rc = rc != 0 ? rc : csl_reef_cib_xsec_enc_enc_sak_tbl_get(chip_id, 0, row, &k);
+        rc = rc != 0 ? rc : csl_reef_cib_xsec_enc_init_ctrl_get(chip_id, 0, &c);
         a->sak[3] = k.enc_sak_table_3, a->sak[2] = k.enc_sak_table_2, a->sak[1] = k.enc_sak_table_1;
         a->sak[0] = k.enc_sak_table_0;
         a->pn_rollover = c.enc_global_ctrl_pn_rollover;
         a->mask = MACSEC_SA_PN_TH | MACSEC_SA_PN_ROLLOVER;
     } else {
         cib_xsec_dec_dec_sak_tbl_t k{};
-        rc |= csl_reef_cib_xsec_dec_dec_sak_tbl_get(chip_id, 0, row, &k);
+        rc = rc != 0 ? rc : csl_reef_cib_xsec_dec_dec_sak_tbl_get(chip_id, 0, row, &k);
         a->sak[3] = k.dec_sak_table_3, a->sak[2] = k.dec_sak_table_2, a->sak[1] = k.dec_sak_table_1;
         a->sak[0] = k.dec_sak_table_0;
         a->mask = MACSEC_SA_REPLAY_PROTECT | MACSEC_SA_REPLAY_WINDOW | MACSEC_SA_LOWEST_PN;
     }
-    a->mask |= MACSEC_SA_CRYPTO | MACSEC_SA_SAK | MACSEC_SA_SECURE_OFFSET | MACSEC_SA_NEXT_PN |
-               MACSEC_SA_XPN_ENABLE | MACSEC_SA_PN_H32 | MACSEC_SA_IV;
+    a->mask |= MACSEC_SA_CRYPTO | MACSEC_SA_SAK | MACSEC_SA_SECURE_OFFSET | MACSEC_SA_NEXT_PN | MACSEC_SA_XPN_ENABLE |
+               MACSEC_SA_PN_H32 | MACSEC_SA_IV;
     a->crypto = s.curr_cs;
     a->sak_valid = vld >> (row % 32) & 1;
     a->pn_th = s.pn_th;
@@ -931,10 +959,10 @@ i32 _secure_chan_destroy(u32 chip_id, u32 port, u32 dir, u32 sc)
 // ---- flows ---------------------------------------------------------------------------
 
 // The fields of dec_port_cfg_tbl behind the flow conditions, in mask order.
-constexpr u32 kFlowMembers[4] = {
-    cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_ec01_bypass, cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_ec10_drop,
-    cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_unknownsci_bypass,
-    cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_validate_en};
+constexpr u32 kFlowMembers[4] = {cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_ec01_bypass,
+                                 cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_ec10_drop,
+                                 cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_unknownsci_bypass,
+                                 cib_xsec_dec_dec_port_cfg_tbl__dec_port_ctrl_validate_en};
 
 u8 *_flow_field(cib_xsec_dec_dec_port_cfg_tbl_t &r, u32 i)
 {
@@ -1102,7 +1130,8 @@ i32 _white_list(u32 chip_id, u32 index, u32 dir, u32 type, u16 value[2], bool se
         }
         // Both sides' ether type entries have the same layout: the ether
         // type in bits 15:0 and its mask in bits 31:16.
-        const u32 tab = dir == kEnc ? u32{cib_xsec_enc_enc_white_list_etype_cfg} : u32{cib_xsec_dec_dec_white_list_etype_cfg};
+        const u32 tab =
+            dir == kEnc ? u32{cib_xsec_enc_enc_white_list_etype_cfg} : u32{cib_xsec_dec_dec_white_list_etype_cfg};
         const u32 shift = type == MACSEC_WHITE_LIST_ETYPE ? 0 : 16;
         u32 w = 0;
         rc = _word_get(chip_id, tab, index, &w);
@@ -1126,7 +1155,7 @@ i32 _white_list(u32 chip_id, u32 index, u32 dir, u32 type, u16 value[2], bool se
         }
         u32 tpid = 0, bits = 0;
         rc = _word_get(chip_id, tab, index, &tpid);
-        rc |= csl_reef_reg_get_u32(chip_id, en, &bits);
+        rc = rc != 0 ? rc : csl_reef_reg_get_u32(chip_id, en, &bits);
         value[0] = static_cast<u16>(tpid);
         value[1] = static_cast<u16>(bits >> index & 1);
         return rc;
@@ -1174,8 +1203,8 @@ i32 _globle_get(u32 chip_id, macsec_global *g)
 {
     g->mask = MACSEC_GLOBAL_BYPASS | MACSEC_GLOBAL_DEC_ENC_LOOPBACK | MACSEC_GLOBAL_SC_MODE;
     i32 rc = csl_reef_reg_get_u32(chip_id, cib_xsec_glb_macsec_bypass, &g->bypass);
-    rc |= csl_reef_reg_get_u32(chip_id, cib_xsec_glb_dec_enc_loopback, &g->dec_enc_loopback);
-    rc |= _sc_mode(chip_id, &g->sc_mode);
+    rc = rc != 0 ? rc : csl_reef_reg_get_u32(chip_id, cib_xsec_glb_dec_enc_loopback, &g->dec_enc_loopback);
+    rc = rc != 0 ? rc : _sc_mode(chip_id, &g->sc_mode);
     return rc;
 }
 
@@ -1212,16 +1241,26 @@ i32 _next_pn_get(u32 chip_id, u32 port, u32 sc, u32 an, u32 dir, u64 pn[2])
 // The engine's debug counters: 0 to 9 chip-wide, 10 to 19 of the port the
 // engine last counted; the ids up to 29 the engine reserves read 0.
 constexpr u32 kDfxRegs[20] = {
-    cib_xsec_enc_enc_rx_total_cnt_debug,     cib_xsec_enc_enc_tx_total_cnt_debug,
-    cib_xsec_dec_dec_rx_total_cnt_debug,     cib_xsec_dec_dec_tx_total_cnt_debug,
-    cib_xsec_dec_dec_loop_enc_total_cnt_debug, cib_xsec_enc_enc_rx_err_total_cnt_debug,
-    cib_xsec_enc_enc_tx_err_total_cnt_debug, cib_xsec_dec_dec_rx_err_total_cnt_debug,
-    cib_xsec_dec_dec_tx_err_total_cnt_debug, cib_xsec_dec_dec_loop_enc_err_total_cnt_debug,
-    cib_xsec_enc_enc_rx_cnt_debug,           cib_xsec_enc_enc_tx_cnt_debug,
-    cib_xsec_dec_dec_rx_cnt_debug,           cib_xsec_dec_dec_tx_cnt_debug,
-    cib_xsec_dec_dec_loop_enc_cnt_debug,     cib_xsec_enc_enc_rx_err_cnt_debug,
-    cib_xsec_enc_enc_tx_err_cnt_debug,       cib_xsec_dec_dec_rx_err_cnt_debug,
-    cib_xsec_dec_dec_tx_err_cnt_debug,       cib_xsec_dec_dec_loop_enc_err_cnt_debug,
+    cib_xsec_enc_enc_rx_total_cnt_debug,
+    cib_xsec_enc_enc_tx_total_cnt_debug,
+    cib_xsec_dec_dec_rx_total_cnt_debug,
+    cib_xsec_dec_dec_tx_total_cnt_debug,
+    cib_xsec_dec_dec_loop_enc_total_cnt_debug,
+    cib_xsec_enc_enc_rx_err_total_cnt_debug,
+    cib_xsec_enc_enc_tx_err_total_cnt_debug,
+    cib_xsec_dec_dec_rx_err_total_cnt_debug,
+    cib_xsec_dec_dec_tx_err_total_cnt_debug,
+    cib_xsec_dec_dec_loop_enc_err_total_cnt_debug,
+    cib_xsec_enc_enc_rx_cnt_debug,
+    cib_xsec_enc_enc_tx_cnt_debug,
+    cib_xsec_dec_dec_rx_cnt_debug,
+    cib_xsec_dec_dec_tx_cnt_debug,
+    cib_xsec_dec_dec_loop_enc_cnt_debug,
+    cib_xsec_enc_enc_rx_err_cnt_debug,
+    cib_xsec_enc_enc_tx_err_cnt_debug,
+    cib_xsec_dec_dec_rx_err_cnt_debug,
+    cib_xsec_dec_dec_tx_err_cnt_debug,
+    cib_xsec_dec_dec_loop_enc_err_cnt_debug,
 };
 
 i32 _dfx_cnt_get(u32 chip_id, u32 lport, u32 type, u32 *out)
