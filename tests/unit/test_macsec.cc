@@ -639,3 +639,23 @@ TEST_F(Macsec, AnSaWithoutNumbersLeftRaisesSaExpire)
 }
 
 } // namespace
+
+namespace {
+
+class MacsecSibling : public SimChips {
+protected:
+    MacsecSibling() : SimChips(2, 0) {}
+};
+
+TEST_F(MacsecSibling, AChipWithoutTheEngineInTheBuildRefusesEveryCall)
+{
+    tide::test::kelpreef_identity_set(1, 0);
+    up_chip(1);
+    macsec_global g{};
+    Capture::clear();
+    EXPECT_EQ(macsec_api_globle_get(1, &g), SHR_E_NOT_SUPPORT);
+    EXPECT_TRUE(Capture::has("no MACsec engine in this build"));
+    EXPECT_EQ(macsec_api_secure_chan_traverse(1), SHR_E_NOT_SUPPORT);
+}
+
+} // namespace
