@@ -15,6 +15,7 @@
 #include "sim/sim_mcc.h"
 #include "sim/sim_int.h"
 #include "sim/sim_intr.h"
+#include "sim/sim_macsec.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
 #include "sim/sim_stat.h"
@@ -347,6 +348,20 @@ int tide_sim_stat_set(uint32_t chip, const char *table, uint32_t index, uint64_t
     Chip *c = _chip(chip);
     std::lock_guard<std::mutex> lock(c->mutex);
     return tide::sim::stat_set(*c, table, index, pkts, bytes);
+}
+
+int tide_sim_macsec_tx(uint32_t chip, uint32_t port, uint32_t sc, uint32_t frames, uint32_t bytes, uint32_t *done)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    if (done == nullptr) {
+        return -20;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return tide::sim::macsec_tx(*c, port, sc, frames, bytes, done);
 }
 
 int tide_sim_write_log_get(uint32_t chip, tide_sim_write *entries, uint32_t max, uint32_t *count)

@@ -8,6 +8,7 @@
 #include "sim/sim_em.h"
 #include "sim/sim_mcc.h"
 #include "sim/sim_intr.h"
+#include "sim/sim_macsec.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
 #include "sim/sim_stat.h"
@@ -321,6 +322,7 @@ void Chip::reset_core()
     Region &lsw = regions_[kApLsw];
     madvise(lsw.mem, lsw.size, MADV_DONTNEED);
     RegMap::get().for_each_reset([this](uint32_t addr, uint32_t reset) { store(4, addr, 4, reset); });
+    macsec_reset(*this);
     if (arl) {
         arl->clear();
     }
@@ -352,6 +354,7 @@ void Chip::install_engines()
     serdes->install();
     qos->install();
     stat_install(*this);
+    macsec_install(*this);
     // Reset controller: a write of 0 to the sequence register starts a
     // reset and clears the done bit; the last step of the sequence (15)
     // resets the switch core and sets the done bit (bit 0 on atolreef,

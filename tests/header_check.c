@@ -6,6 +6,7 @@
 #include <tide/hal_os.h>
 #include <tide/init.h>
 #include <tide/l2.h>
+#include <tide/macsec.h>
 #include <tide/port.h>
 #include <tide/qos.h>
 #include <tide/serdes.h>

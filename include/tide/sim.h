@@ -67,6 +67,7 @@ typedef enum tide_sim_engine {
     TIDE_SIM_ENGINE_TCAM = 3,     /* TCAM commands never finish, block resets never report done */
     TIDE_SIM_ENGINE_EM = 4,       /* command block of the exact-match engine: never finishes */
     TIDE_SIM_ENGINE_EM_INIT = 5,  /* init of the exact-match memories: never reports done */
+    TIDE_SIM_ENGINE_MACSEC_INIT = 6, /* the MACsec memories' init-done bits never read 1 */
     TIDE_SIM_ENGINE_COUNT
 } tide_sim_engine;
 /* `stall` 1: the engine never reports completion; 0: normal. */
@@ -83,6 +84,18 @@ TIDE_API int tide_sim_qos_never_empty_set(uint32_t chip, uint32_t lport, int on)
  * test.  -7 for a table that is not a statistics table, -4 for an index
  * beyond it. */
 TIDE_API int tide_sim_stat_set(uint32_t chip, const char *table, uint32_t index, uint64_t pkts, uint64_t bytes);
+
+/* MACsec: the encrypt side protects `frames` frames of `bytes` bytes for
+ * secure channel `sc` leaving port `port`, with the SC's encoding SA.  No
+ * cipher runs: each frame takes the SA's next packet number and counts in
+ * the MIB rows (protected or encrypted by the SC's protect mode).  The
+ * frame that takes the number just below the SA's pn_th raises PN-expire;
+ * a frame that finds no number left (past 0xFFFFFFFF without XPN, unless
+ * the chip-wide rollover is on) is not sent and raises SA-expire.
+ * `done` gets the frames protected.  -4 for a port, SC or SA beyond the
+ * tables, -7 for an SC or SA not valid. */
+TIDE_API int tide_sim_macsec_tx(uint32_t chip, uint32_t port, uint32_t sc, uint32_t frames, uint32_t bytes,
+                                uint32_t *done);
 
 /* The write log: every register write that reaches the model through the
  * hooks, in order.  It holds the last TIDE_SIM_WRITE_LOG_DEPTH writes. */

@@ -16,6 +16,7 @@
 #include <tide/init.h>
 #include <tide/interrupt.h>
 #include <tide/l2.h>
+#include <tide/macsec.h>
 #include <tide/port.h>
 #include <tide/qos.h>
 #include <tide/serdes.h>
@@ -481,5 +482,45 @@ API_DECLARE_FAMILY(qos, TIDE_QOS_OPS)
     OP(control_get, (u32 chip_id, u32 key, u32 *value), (chip_id, key, value))
 
 API_DECLARE_FAMILY(counter, TIDE_COUNTER_OPS)
+
+/* ---- macsec: 28 slots; traverses, stat_get32 and the events are empty ---- */
+#define TIDE_MACSEC_OPS(OP)                                                                                         \
+    OP(port_config_set, (u32 chip_id, u32 port, u32 dir, macsec_port_config *config), (chip_id, port, dir, config)) \
+    OP(port_config_get, (u32 chip_id, u32 port, u32 dir, macsec_port_config *config), (chip_id, port, dir, config)) \
+    OP(port_capability_get, (u32 chip_id, u32 port, u32 dir, u32 cap[4]), (chip_id, port, dir, cap))               \
+    OP(secure_chan_create, (u32 chip_id, u32 port, u32 reserved, u32 dir, macsec_secure_chan *chan, u32 sc),        \
+       (chip_id, port, reserved, dir, chan, sc))                                                                    \
+    OP(secure_chan_get, (u32 chip_id, u32 port, u32 dir, u32 sc, macsec_secure_chan *chan),                         \
+       (chip_id, port, dir, sc, chan))                                                                              \
+    OP(secure_chan_destroy, (u32 chip_id, u32 port, u32 dir, u32 sc), (chip_id, port, dir, sc))                     \
+    OP(secure_chan_traverse, (u32 chip_id), (chip_id))                                                              \
+    OP(secure_assoc_create, (u32 chip_id, u32 port, u32 sc, u32 reserved, u32 dir, macsec_secure_assoc *assoc, u32 an), \
+       (chip_id, port, sc, reserved, dir, assoc, an))                                                               \
+    OP(secure_assoc_get, (u32 chip_id, u32 port, u32 sc, u32 an, u32 dir, macsec_secure_assoc *assoc),              \
+       (chip_id, port, sc, an, dir, assoc))                                                                         \
+    OP(secure_assoc_destroy, (u32 chip_id, u32 port, u32 an, u32 sc, u32 dir), (chip_id, port, an, sc, dir))        \
+    OP(secure_assoc_traverse, (u32 chip_id), (chip_id))                                                             \
+    OP(flow_create, (u32 chip_id, u32 port, u32 reserved, macsec_flow *flow, u32 action),                           \
+       (chip_id, port, reserved, flow, action))                                                                     \
+    OP(flow_get, (u32 chip_id, u32 port, u32 reserved, macsec_flow *flow, u32 *action),                             \
+       (chip_id, port, reserved, flow, action))                                                                     \
+    OP(flow_traverse, (u32 chip_id), (chip_id))                                                                     \
+    OP(flow_destroy, (u32 chip_id, u32 port, u32 flow_id), (chip_id, port, flow_id))                                \
+    OP(stat_clear, (u32 chip_id, u32 type, u32 index, u32 dir), (chip_id, type, index, dir))                        \
+    OP(stat_get, (u32 chip_id, u32 port, u32 stat, u32 sc, u32 an, u64 *value, u32 reserved),                       \
+       (chip_id, port, stat, sc, an, value, reserved))                                                              \
+    OP(stat_get32, (u32 chip_id), (chip_id))                                                                        \
+    OP(event_register, (u32 chip_id), (chip_id))                                                                    \
+    OP(event_unregister, (u32 chip_id), (chip_id))                                                                  \
+    OP(event_set, (u32 chip_id), (chip_id))                                                                         \
+    OP(event_get, (u32 chip_id), (chip_id))                                                                         \
+    OP(globle_set, (u32 chip_id, macsec_global *global), (chip_id, global))                                         \
+    OP(globle_get, (u32 chip_id, macsec_global *global), (chip_id, global))                                         \
+    OP(white_list_set, (u32 chip_id, u32 index, u32 dir, u32 type, u16 value[2]), (chip_id, index, dir, type, value)) \
+    OP(white_list_get, (u32 chip_id, u32 index, u32 dir, u32 type, u16 value[2]), (chip_id, index, dir, type, value)) \
+    OP(next_pn_set, (u32 chip_id, u32 port, u32 sc, u32 an, u32 dir, u64 pn[2]), (chip_id, port, sc, an, dir, pn))  \
+    OP(next_pn_get, (u32 chip_id, u32 port, u32 sc, u32 an, u32 dir, u64 pn[2]), (chip_id, port, sc, an, dir, pn))
+
+API_DECLARE_FAMILY(macsec, TIDE_MACSEC_OPS)
 
 #endif /* TIDE_API_FAMILIES_H */

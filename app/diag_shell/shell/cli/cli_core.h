@@ -218,6 +218,7 @@ typedef struct cli_legacy_cmd {
 #define CLI_MODE_L2 3u
 #define CLI_MODE_BASE 5u
 #define CLI_MODE_PORT 8u
+#define CLI_MODE_MACSEC 11u
 #define CLI_MODE_VLAN 14u
 #define CLI_MODE_ACL 21u
 #define CLI_MODE_SERDES 22u

@@ -92,6 +92,7 @@ void cli_cmd_init_all(void)
     cli_cmd_init_common();
     cli_cmd_init_base();
     cli_cmd_init_vlan();
+    cli_cmd_init_macsec();
     cli_cmd_init_debug_reef_mcc();
     cli_cmd_init_interrupt();
     cli_cmd_init_qos();

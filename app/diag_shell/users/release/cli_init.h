@@ -82,6 +82,8 @@ void cli_cmd_init_qos(void);
 void cli_cmd_init_debug_interrupt(void);
 /* Mode `counter`. */
 void cli_cmd_init_counter(void);
+/* Mode `macsec`. */
+void cli_cmd_init_macsec(void);
 
 /* The commands of the chip model, in mode "sim". */
 void cli_cmd_init_sim(void);

@@ -14,6 +14,7 @@
 #include "dpl/reef/base/dpl_reef_base.h"
 #include "dpl/reef/counter/dpl_reef_counter.h"
 #include "dpl/reef/l2/dpl_reef_l2.h"
+#include "dpl/reef/macsec/dpl_reef_macsec.h"
 #include "dpl/reef/mcc/dpl_reef_mcc.h"
 #include "dpl/reef/init/dpl_reef_init.h"
 #include "dpl/reef/interrupt/dpl_reef_interrupt.h"
@@ -39,6 +40,7 @@ constexpr dpl_step kSoftInit[] = {
     {"base", dpl_reef_base_soft_init, nullptr},
     {"serdes", dpl_reef_serdes_soft_init, nullptr},
     {"port", dpl_reef_port_soft_init, nullptr},
+    {"macsec", dpl_reef_macsec_soft_init, nullptr},
     {"vlan", dpl_reef_vlan_soft_init, nullptr},
     {"mcc", dpl_reef_mcc_soft_init, nullptr},
     {"l2", dpl_reef_l2_soft_init, nullptr},
@@ -57,6 +59,7 @@ constexpr dpl_step kSoftDeinit[] = {
     {"l2", dpl_reef_l2_soft_deinit, nullptr},
     {"mcc", dpl_reef_mcc_soft_deinit, nullptr},
     {"vlan", dpl_reef_vlan_soft_deinit, nullptr},
+    {"macsec", dpl_reef_macsec_soft_deinit, nullptr},
     {"port", dpl_reef_port_soft_deinit, nullptr},
     {"serdes", dpl_reef_serdes_soft_deinit, nullptr},
     {"base", dpl_reef_base_soft_deinit, nullptr},
@@ -69,6 +72,7 @@ constexpr dpl_step kHwInit[] = {
     {"serdes", dpl_reef_serdes_hw_init, nullptr},
     {"port_phase1", dpl_reef_port_hw_phase1_init, nullptr},
     {"base", dpl_reef_base_hw_init, nullptr},
+    {"macsec", dpl_reef_macsec_hw_init, nullptr},
     {"acl", dpl_reef_acl_fp_hw_init, nullptr},
     {"vlan", dpl_reef_vlan_hw_init, nullptr},
     {"l2", dpl_reef_l2_hw_init, nullptr},
@@ -86,6 +90,7 @@ constexpr dpl_step kHwDeinit[] = {
     {"mcc", dpl_reef_mcc_hw_deinit, nullptr},
     {"l2", dpl_reef_l2_hw_deinit, nullptr},
     {"vlan", dpl_reef_vlan_hw_deinit, nullptr},
+    {"macsec", dpl_reef_macsec_hw_deinit, nullptr},
     {"base", dpl_reef_base_hw_deinit, nullptr},
     {"serdes", dpl_reef_serdes_hw_deinit, nullptr},
     {"interrupt", dpl_reef_interrupt_hw_deinit, nullptr},
