@@ -224,7 +224,9 @@ void Pipeline::resolve()
                {&ivlan.unuc_broad, "unuc_broad"},
                {&ivlan.unuc_tocp, "unuc_tocp"},
                {&ivlan.vlan_lrn_lmt, "vlan_lrn_lmt"},
-               {&ivlan.mac_lmt_dlf, "mac_lmt_dlf"}});
+               {&ivlan.mac_lmt_dlf, "mac_lmt_dlf"},
+               {&ivlan.cnt_type, "cnt_type"},
+               {&ivlan.cnt_id, "cnt_id"}});
     t.vmap = need_tab("ipro_vmap_tbl", &tab);
     need(tab, {{&vlan.vmap_vld, "vld"}, {&vlan.vmap_idx, "vlan_idx"}});
     t.vbmp = need_tab("ipro_vbmp_tbl", &tab);
@@ -251,13 +253,15 @@ void Pipeline::resolve()
                {&ecib.inner_cfi, "inner_cfi"},
                {&ecib.vlan_opc, "vlan_opc"}});
     t.evlan = need_tab("epro_evlan_table", &tab);
-    need(tab, {{&vlan.evlan_vld, "vld"}});
+    need(tab, {{&vlan.evlan_vld, "vld"}, {&vlan.evlan_cnt_type, "cnt_type"}, {&vlan.evlan_cnt_id, "cnt_id"}});
     t.vlanbmp = need_tab("epro_vlanbitmap_table", &tab);
     need(tab, {{&vlan.members, "portbitmap"}, {&vlan.untagged, "utport_bitmap"}});
     t.stat = need_tab("stat_causeid_stat_result_tbl", &tab);
     need(tab, {{&stat_pkts, "causeid_stat_result_pkt_num"}, {&stat_bytes, "causeid_stat_result_byt_num"}});
     t.mgid_stat = need_tab("stat_mgid_stat_result_tbl", &tab);
     need(tab, {{&mgid_pkts, "mgid_stat_pkt_num"}, {&mgid_bytes, "mgid_stat_byt_num"}});
+    t.vlan_stat = need_tab("stat_vlan_acl_stat_result_tbl", &tab);
+    need(tab, {{&vlan_stat_pkts, "vlan_acl_stat_pkt_num"}, {&vlan_stat_bytes, "vlan_acl_stat_byt_num"}});
     t.iport_stat = need_tab("stat_iport_stat_result_tbl", &tab);
     need(tab, {{&iport_pkts, "iport_stat_pkt_num"}, {&iport_bytes, "iport_stat_byt_num"}});
     t.oport_stat = need_tab("stat_oport_stat_result_tbl", &tab);
@@ -308,6 +312,13 @@ void Pipeline::count_cause(uint32_t entry, uint32_t bytes)
 void Pipeline::count_mgid(uint32_t mrt, uint32_t bytes)
 {
     count_entry(chip_, t.mgid_stat, mrt, mgid_pkts, mgid_bytes, bytes);
+}
+
+void Pipeline::count_vlan(uint32_t cnt_type, uint32_t cnt_id, uint32_t bytes)
+{
+    if (cnt_type != 0) {
+        count_entry(chip_, t.vlan_stat, cnt_id, vlan_stat_pkts, vlan_stat_bytes, bytes);
+    }
 }
 
 uint32_t Pipeline::move_priority(uint32_t port) const

@@ -273,7 +273,8 @@ public:
         FieldRef lrn_mode, mac_float_pfe, sta_float_act, mac_float_fail_act, hash_conflict_act;
     } r;
     struct Tables {
-        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat, ecib, iport_stat, oport_stat;
+        TableView ipat, ivlan, vmap, vbmp, epat, evlan, vlanbmp, stat, mgid_stat, ecib, iport_stat, oport_stat,
+            vlan_stat;
     } t;
     struct IpatFields {
         FieldRef vld, pvid, discard_untag, discard_tag, vlan_check_en, mac_lrn_mode, nolrn_tocp, nolrn_discard,
@@ -282,10 +283,10 @@ public:
     } ipat;
     struct IvlanFields {
         FieldRef vld, mac_lrn_mode, bc_broad, bc_tocp, unmc_broad, unmc_tocp, unuc_broad, unuc_tocp, vlan_lrn_lmt,
-            mac_lmt_dlf;
+            mac_lmt_dlf, cnt_type, cnt_id;
     } ivlan;
     struct VlanFields {
-        FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld;
+        FieldRef vmap_vld, vmap_idx, ingress_members, members, untagged, evlan_vld, evlan_cnt_type, evlan_cnt_id;
     } vlan;
     struct EgressFields {
         FieldRef epat_vld, vlan_check_en, tpid_index, unuc_ctrl, unmc_ctrl, mc_ctrl, bc_ctrl, sit1, sit2,
@@ -295,7 +296,8 @@ public:
     struct EcibFields {
         FieldRef vld, ivid, ovid, outer_pri, outer_cfi, inner_pri, inner_cfi, vlan_opc;
     } ecib;
-    FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes, iport_pkts, iport_bytes, oport_pkts, oport_bytes;
+    FieldRef stat_pkts, stat_bytes, mgid_pkts, mgid_bytes, iport_pkts, iport_bytes, oport_pkts, oport_bytes,
+        vlan_stat_pkts, vlan_stat_bytes;
 
     uint32_t reg(const RegView &r, uint32_t instance = 0) const;
     void read(const TableView &t, uint32_t index, uint32_t *words) const;
@@ -303,6 +305,9 @@ public:
     // replication id's.
     void count_cause(uint32_t entry, uint32_t bytes);
     void count_mgid(uint32_t mrt, uint32_t bytes);
+    // Adds one packet of `bytes` to the VLAN counter of a VLAN row whose
+    // counter type is not "none".
+    void count_vlan(uint32_t cnt_type, uint32_t cnt_id, uint32_t bytes);
     // The move-priority nibble of a port: priority in bits 1..0, enable 2.
     uint32_t move_priority(uint32_t port) const;
     ArlEngine &arl();

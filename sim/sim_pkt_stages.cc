@@ -144,6 +144,8 @@ bool _ipro(Pipeline &pl, Packet &p)
         p.drop(kCauseIvlanInvalid);
         return false;
     }
+    pl.count_vlan(static_cast<uint32_t>(bits_get(p.ivlan, pl.ivlan.cnt_type)),
+                  static_cast<uint32_t>(bits_get(p.ivlan, pl.ivlan.cnt_id)), p.len + kFcs);
     pl.read(pl.t.vbmp, p.vid, w);
     p.members = static_cast<uint32_t>(bits_get(w, pl.vlan.ingress_members));
     // A non-member on a checking port: the check's action, 2 forwarding,
@@ -529,6 +531,8 @@ bool _epro(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
         *cause = kCauseEvlanInvalid;
         return false;
     }
+    pl.count_vlan(static_cast<uint32_t>(bits_get(ev, pl.vlan.evlan_cnt_type)),
+                  static_cast<uint32_t>(bits_get(ev, pl.vlan.evlan_cnt_id)), p.len + kFcs);
     // The tag edit: an untagged member loses the outer tag; any other
     // leaves with an outer tag of the port's TPID and the frame's VLAN.
     std::vector<uint8_t> &f = *c.frame;

@@ -143,6 +143,34 @@ TEST_F(Counter, ABurstIsCountedInPortsDropCauseAndCpuCauseFreshAndByTheThread)
     EXPECT_EQ(read(COUNTER_OPORT_STAT, 5).bytes, (kN + 2) * kWire);
 }
 
+TEST_F(Counter, AVlanCountsItsFramesInAndEachCopyOut)
+{
+    ASSERT_EQ(counter_api_enable_set(0, COUNTER_VLAN_ACL_STAT, 1), 0);
+    for (const vlan_control c : {vlan_control{VLAN_CTRL_CNT_TYPE, 1}, vlan_control{VLAN_CTRL_CNT_ID, 5},
+                                 vlan_control{VLAN_CTRL_EGRESS_CNT_TYPE, 1}, vlan_control{VLAN_CTRL_EGRESS_CNT_ID, 9}}) {
+        vlan_control ctl = c;
+        ASSERT_EQ(vlan_api_control_set(0, 1, &ctl), 0);
+    }
+    ASSERT_EQ(tide::test::vlan_ports(0, 2, kFront, kFront), 0);
+
+    constexpr uint32_t kN = 4;
+    burst(1, eth(kB, kA), kN);  // known: one copy each, to port 5
+    burst(1, eth(kC, kA), 1);   // unknown: flooded to the 27 other front ports
+    const counter_stats in = read(COUNTER_VLAN_ACL_STAT, 5);
+    EXPECT_EQ(in.pkt, kN + 1);
+    EXPECT_EQ(in.bytes, (kN + 1) * kWire);
+    EXPECT_EQ(read(COUNTER_VLAN_ACL_STAT, 9).pkt, kN + 27);
+
+    // A VLAN whose counter type is none counts nowhere.
+    const counter_stats before = read(COUNTER_VLAN_ACL_STAT, 0);
+    Frame tagged = eth(kB, kA);
+    tagged.insert(tagged.begin() + 12, {0x81, 0x00, 0x00, 0x02});
+    burst(1, tagged, 3);
+    EXPECT_EQ(read(COUNTER_VLAN_ACL_STAT, 5).pkt, kN + 1);
+    EXPECT_EQ(read(COUNTER_VLAN_ACL_STAT, 9).pkt, kN + 27);
+    EXPECT_EQ(read(COUNTER_VLAN_ACL_STAT, 0).pkt, before.pkt);
+}
+
 TEST_F(Counter, ACounterSetBelowItsWidthAddsTheDeltaAcrossTheWrap)
 {
     constexpr uint64_t kPkt = 1ull << 36, kByte = 1ull << 44;
