@@ -205,6 +205,12 @@ API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
 API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
 
 /* ---- vlan: the operations of VLANs, ports, TPIDs and global settings --- */
+/* The add, delete, get and traverse of one kind of VLAN TCAM entry. */
+#define TIDE_VLAN_VACL_OPS(OP, kind, key_t, cb_t)                                                              \
+    OP(kind##_add, (u32 chip_id, key_t *key, vlan_translate_action *action), (chip_id, key, action))          \
+    OP(kind##_delete, (u32 chip_id, key_t *key), (chip_id, key))                                               \
+    OP(kind##_get, (u32 chip_id, key_t *key, vlan_translate_action *action), (chip_id, key, action))          \
+    OP(kind##_traverse, (u32 chip_id, cb_t fn, void *user), (chip_id, fn, user))
 #define TIDE_VLAN_OPS(OP)                                                                                        \
     OP(port_trust_type_set, (u32 chip_id, u32 lport, u32 type, vlan_trust_info *info), (chip_id, lport, type, info)) \
     OP(port_trust_type_get, (u32 chip_id, u32 lport, u32 *type, vlan_trust_info *info), (chip_id, lport, type, info)) \
@@ -232,7 +238,11 @@ API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
     OP(egress_translate_get, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
        (chip_id, key, action))                                                                                 \
     OP(egress_translate_traverse, (u32 chip_id, vlan_egress_translate_traverse_cb fn, void *user),             \
-       (chip_id, fn, user))
+       (chip_id, fn, user))                                                                                    \
+    TIDE_VLAN_VACL_OPS(OP, ingress_translate, vlan_ingress_translate_key, vlan_ingress_translate_traverse_cb)  \
+    TIDE_VLAN_VACL_OPS(OP, macbased, vlan_mac_key, vlan_mac_traverse_cb)                                       \
+    TIDE_VLAN_VACL_OPS(OP, subnetbased, vlan_subnet_key, vlan_subnet_traverse_cb)                              \
+    TIDE_VLAN_VACL_OPS(OP, protocolbased, vlan_protocol_key, vlan_protocol_traverse_cb)
 
 API_DECLARE_FAMILY(vlan, TIDE_VLAN_OPS)
 

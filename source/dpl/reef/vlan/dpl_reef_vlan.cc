@@ -919,6 +919,99 @@ i32 dpl_reef_vlan_port_tpid_bitmap_get(u32 chip_id, u32 lport, u32 *bitmap)
     return _reg_get(chip_id, kTpidSelRegs[r], kTpidSelFields[r], 4 * (lport % kPortsPerSel), 4, bitmap);
 }
 
+// ---- VLAN TCAM entries: the chip's --------------------------------------------------------
+
+}
+
+namespace {
+
+template <typename Key>
+i32 _vacl_key(u32 chip_id, const Key *key)
+{
+    if (key == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "input para is NULL pointer\n");
+        return SHR_E_NULL_PTR;
+    }
+    return 0;
+}
+
+template <typename Key>
+i32 _vacl_add(u32 chip_id, u32 family, const Key *key, const vlan_translate_action *action)
+{
+    i32 rc = _vacl_key(chip_id, key);
+    if (rc == 0 && action == nullptr) {
+        rc = _vacl_key(chip_id, action);
+    }
+    return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_add, family, key, action);
+}
+
+template <typename Key>
+i32 _vacl_delete(u32 chip_id, u32 family, const Key *key)
+{
+    const i32 rc = _vacl_key(chip_id, key);
+    return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_delete, family, key);
+}
+
+template <typename Key>
+i32 _vacl_get(u32 chip_id, u32 family, const Key *key, vlan_translate_action *action)
+{
+    i32 rc = _vacl_key(chip_id, key);
+    if (rc == 0 && action == nullptr) {
+        rc = _vacl_key(chip_id, action);
+    }
+    return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_get, family, key, action);
+}
+
+// The typed callback of the caller behind the chip's untyped walk.
+template <typename Key, typename Cb>
+i32 _vacl_traverse(u32 chip_id, u32 family, Cb fn, void *user)
+{
+    if (fn == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "input para is NULL pointer\n");
+        return SHR_E_NULL_PTR;
+    }
+    struct Ctx {
+        Cb fn;
+        void *user;
+    } ctx{fn, user};
+    const dpl_vlan_vacl_cb each = [](u32 chip, void *key, vlan_translate_action *action, void *c) {
+        const Ctx *x = static_cast<const Ctx *>(c);
+        return x->fn(chip, static_cast<Key *>(key), action, x->user);
+    };
+    return _special(chip_id, &reef_vlan_special_t::vacl_traverse, family, each, static_cast<void *>(&ctx));
+}
+
+} // namespace
+
+extern "C" {
+
+#define DPL_REEF_VLAN_VACL(kind, family, key_t, cb_t)                                                              \
+    i32 dpl_reef_vlan_##kind##_add(u32 chip_id, key_t *key, vlan_translate_action *action)                         \
+    {                                                                                                              \
+        return _vacl_add(chip_id, family, key, action);                                                            \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_delete(u32 chip_id, key_t *key)                                                     \
+    {                                                                                                              \
+        return _vacl_delete(chip_id, family, key);                                                                 \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_get(u32 chip_id, key_t *key, vlan_translate_action *action)                         \
+    {                                                                                                              \
+        return _vacl_get(chip_id, family, key, action);                                                            \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_traverse(u32 chip_id, cb_t fn, void *user)                                          \
+    {                                                                                                              \
+        return _vacl_traverse<key_t>(chip_id, family, fn, user);                                                   \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_clear(u32 chip_id)                                                                  \
+    {                                                                                                              \
+        return _special(chip_id, &reef_vlan_special_t::vacl_clear, static_cast<u32>(family));                      \
+    }
+DPL_REEF_VLAN_VACL(ingress_translate, DPL_VACL_VT, vlan_ingress_translate_key, vlan_ingress_translate_traverse_cb)
+DPL_REEF_VLAN_VACL(macbased, DPL_VACL_MAC, vlan_mac_key, vlan_mac_traverse_cb)
+DPL_REEF_VLAN_VACL(subnetbased, DPL_VACL_SUBNET, vlan_subnet_key, vlan_subnet_traverse_cb)
+DPL_REEF_VLAN_VACL(protocolbased, DPL_VACL_PROTOCOL, vlan_protocol_key, vlan_protocol_traverse_cb)
+#undef DPL_REEF_VLAN_VACL
+
 #define DPL_REEF_VLAN_SLOT(name, params, args, ...) .name = dpl_reef_vlan_##name,
 const reef_vlan_dispatch_t reef_vlan_dispatch = {TIDE_VLAN_OPS(DPL_REEF_VLAN_SLOT)};
 #undef DPL_REEF_VLAN_SLOT
