@@ -371,3 +371,99 @@ TEST_F(VlanVacl, MacSubnetAndProtocolVlansTakeTheirOwnRanges)
 }
 
 } // namespace
+
+// ---- frames through the model's VLAN TCAM lookups ------------------------------------------
+
+namespace {
+
+using Frame = std::vector<uint8_t>;
+
+// A broadcast frame from `smac_low` (02:00:00:00:00:xx), tagged with
+// `vid` unless it is negative, of ethernet type `type`; an IPv4 frame
+// carries `sip`.
+Frame frame(int vid, uint8_t smac_low, uint16_t type = 0x0800, uint32_t sip = 0)
+{
+    Frame f = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x02, 0, 0, 0, 0, smac_low};
+    if (vid >= 0) {
+        f.insert(f.end(), {0x81, 0x00, static_cast<uint8_t>(vid >> 8), static_cast<uint8_t>(vid)});
+    }
+    f.insert(f.end(), {static_cast<uint8_t>(type >> 8), static_cast<uint8_t>(type)});
+    if (type == 0x0800) {
+        const uint8_t ip[20] = {0x45, 0, 0, 46, 0, 0, 0, 0, 64, 17, 0, 0, static_cast<uint8_t>(sip >> 24),
+                                static_cast<uint8_t>(sip >> 16), static_cast<uint8_t>(sip >> 8),
+                                static_cast<uint8_t>(sip), 10, 0, 0, 1};
+        f.insert(f.end(), ip, ip + sizeof(ip));
+    }
+    f.resize(f.size() + 50, 0x5A);
+    return f;
+}
+
+// The VID of the outer tag of the frames that left by port 2 (-1 for an
+// untagged one); every port's queue emptied.
+std::vector<int> sent_on_2(uint32_t port_in, const Frame &f)
+{
+    EXPECT_EQ(tide_sim_packet_inject(0, port_in, f.data(), static_cast<uint32_t>(f.size())), 0);
+    std::vector<int> out;
+    for (uint32_t p = 0; p < 32; p++) {
+        uint8_t buf[TIDE_SIM_FRAME_MAX];
+        uint32_t len = 0;
+        while (tide_sim_packet_capture(0, p, buf, sizeof(buf), &len) == 0) {
+            if (p == 2) {
+                out.push_back(buf[12] == 0x81 && buf[13] == 0x00 ? ((buf[14] & 0xF) << 8 | buf[15]) : -1);
+            }
+        }
+    }
+    return out;
+}
+
+TEST_F(VlanVacl, FramesTakeTheVlanOfTheirTranslationOrAssignment)
+{
+    up_reserved();
+    // VLANs 10 to 60 on ports 1 and 2, sent tagged; port 1's PVID is 10.
+    port_bitmap ports{{0x6, 0, 0}}, none{};
+    for (uint32_t vid : {10u, 20u, 30u, 40u, 50u, 60u}) {
+        ASSERT_EQ(vlan_api_create(0, vid), 0);
+        ASSERT_EQ(vlan_api_port_set(0, vid, &ports, &none), 0);
+    }
+    vlan_control pvid{VLAN_PORT_CTRL_PVID, 10};
+    ASSERT_EQ(vlan_api_port_control_set(0, 1, &pvid), 0);
+
+    // Nothing configured: the tag's VLAN, or the PVID.
+    EXPECT_EQ(sent_on_2(1, frame(20, 0x0B)), std::vector<int>{20});
+    EXPECT_EQ(sent_on_2(1, frame(-1, 0x0B)), std::vector<int>{10});
+
+    // Port 1's VLAN 20 becomes 30; another port's, or another VLAN, miss.
+    vlan_ingress_translate_key vk = vt_key(VLAN_IVT_KEY_PORT_OVID, 1, 20);
+    vlan_translate_action to30 = replace_outer(30);
+    ASSERT_EQ(vlan_api_ingress_translate_add(0, &vk, &to30), 0);
+    EXPECT_EQ(sent_on_2(1, frame(20, 0x0B)), std::vector<int>{30});
+    EXPECT_EQ(sent_on_2(1, frame(10, 0x0B)), std::vector<int>{10});
+    port_bitmap five{{0x20, 0, 0}};
+    ASSERT_EQ(vlan_api_port_add(0, 20, &five, &none), 0);
+    EXPECT_EQ(sent_on_2(5, frame(20, 0x0B)), std::vector<int>{20});
+
+    // MAC, subnet and protocol VLANs give untagged frames their VLAN.
+    vlan_translate_action to40{}, to50{}, to60{};
+    to40.otag_action = to50.otag_action = to60.otag_action = VLAN_TAG_ACT_ADD;
+    to40.new_outer_vlan = 40;
+    to50.new_outer_vlan = 50;
+    to60.new_outer_vlan = 60;
+    vlan_mac_key mk{{0x02, 0, 0, 0, 0, 0x0C}, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, 0, 0, 0, 0, 0};
+    ASSERT_EQ(vlan_api_macbased_add(0, &mk, &to40), 0);
+    vlan_subnet_key sk{0xC0A80000, 0xFFFF0000, 0, 0};
+    ASSERT_EQ(vlan_api_subnetbased_add(0, &sk, &to50), 0);
+    vlan_protocol_key pk{1, 0, 0, VLAN_L2_PKT_ETHERNETII, 0x88B5, 0};
+    ASSERT_EQ(vlan_api_protocolbased_add(0, &pk, &to60), 0);
+    EXPECT_EQ(sent_on_2(1, frame(-1, 0x0C)), std::vector<int>{40});
+    EXPECT_EQ(sent_on_2(1, frame(-1, 0x0B, 0x0800, 0xC0A80102)), std::vector<int>{50});
+    EXPECT_EQ(sent_on_2(1, frame(-1, 0x0B, 0x88B5)), std::vector<int>{60});
+    // Misses keep the PVID.
+    EXPECT_EQ(sent_on_2(1, frame(-1, 0x0B, 0x0800, 0xC0A90102)), std::vector<int>{10});
+    EXPECT_EQ(sent_on_2(1, frame(-1, 0x0B, 0x88B6)), std::vector<int>{10});
+
+    // Deleted, the assignment is gone.
+    ASSERT_EQ(vlan_api_macbased_delete(0, &mk), 0);
+    EXPECT_EQ(sent_on_2(1, frame(-1, 0x0C)), std::vector<int>{10});
+}
+
+} // namespace
