@@ -1071,16 +1071,6 @@ bool _mac_lookup(u32 chip_id, i32 argc, char **argv, vlan_mac_key *k)
     return true;
 }
 
-i32 cli_vlan_mac_vlan_delete(u32 chip_id, u32, i32 argc, char **argv)
-{
-    vlan_mac_key k{};
-    if (!_mac_lookup(chip_id, argc, argv, &k)) {
-        return SHR_E_NOT_FOUND;
-    }
-    const i32 rc = vlan_api_macbased_delete(chip_id, &k);
-    return rc != 0 ? _fail("vlan_api_macbased_delete", rc) : 0;
-}
-
 i32 _mac_show_one(u32, vlan_mac_key *k, vlan_translate_action *a, void *)
 {
     const u8 *m = k->smac, *n = k->smac_mask;
@@ -1089,22 +1079,6 @@ i32 _mac_show_one(u32, vlan_mac_key *k, vlan_translate_action *a, void *)
                     k->lport, k->outer_vlan, k->dscp);
     _action_show(a);
     return 0;
-}
-
-i32 cli_vlan_mac_vlan_show(u32 chip_id, u32, i32 argc, char **argv)
-{
-    cli_output_show("%-17s %-17s %-5s %-4s %-4s %-4s | action\n", "SMAC", "Mask", "Voice", "Port", "OVID", "DSCP");
-    if (argc == 0 || std::strcmp(argv[0], "all") == 0) {
-        const i32 rc = vlan_api_macbased_traverse(chip_id, _mac_show_one, nullptr);
-        return rc != 0 ? _fail("vlan_api_macbased_traverse", rc) : 0;
-    }
-    vlan_mac_key k{};
-    vlan_translate_action a{};
-    if (!_mac_lookup(chip_id, argc, argv, &k)) {
-        return SHR_E_NOT_FOUND;
-    }
-    const i32 rc = vlan_api_macbased_get(chip_id, &k, &a);
-    return rc != 0 ? _fail("vlan_api_macbased_get", rc) : _mac_show_one(chip_id, &k, &a, nullptr);
 }
 
 // The n-th subnet entry in the order of the adds.
@@ -1154,29 +1128,6 @@ bool _subnet_key(u32 chip_id, i32 argc, char **argv, vlan_subnet_key *k)
     return true;
 }
 
-// subnet-vlan add (sip A.B.C.D ip-mask A.B.C.D | sipv6 WORD ipv6-mask WORD) {opri WORD | ovid-add WORD}
-i32 cli_vlan_subnet_vlan_add(u32 chip_id, u32, i32 argc, char **argv)
-{
-    vlan_subnet_key k{};
-    vlan_translate_action a{};
-    if (!_subnet_key(chip_id, argc, argv, &k) ||
-        !_pairs(4, argc, argv, [&](const char *w, const char *v) { return _assign_word(w, v, &a, nullptr); })) {
-        return SHR_E_PARAM;
-    }
-    const i32 rc = vlan_api_subnetbased_add(chip_id, &k, &a);
-    return rc != 0 ? _fail("vlan_api_subnetbased_add", rc) : 0;
-}
-
-i32 cli_vlan_subnet_vlan_delete(u32 chip_id, u32, i32 argc, char **argv)
-{
-    vlan_subnet_key k{};
-    if (!_subnet_key(chip_id, argc, argv, &k)) {
-        return SHR_E_PARAM;
-    }
-    const i32 rc = vlan_api_subnetbased_delete(chip_id, &k);
-    return rc != 0 ? _fail("vlan_api_subnetbased_delete", rc) : 0;
-}
-
 i32 _subnet_show_one(u32, vlan_subnet_key *k, vlan_translate_action *a, void *)
 {
     const u32 s = k->ipv4_sip, m = k->ipv4_mask;
@@ -1184,22 +1135,6 @@ i32 _subnet_show_one(u32, vlan_subnet_key *k, vlan_translate_action *a, void *)
                     m >> 16 & 0xFF, m >> 8 & 0xFF, m & 0xFF);
     _action_show(a);
     return 0;
-}
-
-i32 cli_vlan_subnet_vlan_show(u32 chip_id, u32, i32 argc, char **argv)
-{
-    cli_output_show("%-15s %-15s | action\n", "SIP", "Mask");
-    if (argc == 0 || std::strcmp(argv[0], "all") == 0) {
-        const i32 rc = vlan_api_subnetbased_traverse(chip_id, _subnet_show_one, nullptr);
-        return rc != 0 ? _fail("vlan_api_subnetbased_traverse", rc) : 0;
-    }
-    vlan_subnet_key k{};
-    vlan_translate_action a{};
-    if (!_subnet_key(chip_id, argc, argv, &k)) {
-        return SHR_E_PARAM;
-    }
-    const i32 rc = vlan_api_subnetbased_get(chip_id, &k, &a);
-    return rc != 0 ? _fail("vlan_api_subnetbased_get", rc) : _subnet_show_one(chip_id, &k, &a, nullptr);
 }
 
 const cli_word k_frame_types[] = {{VLAN_L2_PKT_ETHERNETII, "eth"}, {VLAN_L2_PKT_SNAP, "snap"},
@@ -1235,29 +1170,6 @@ bool _protocol_key(u32 chip_id, i32 argc, char **all, vlan_protocol_key *k)
     return true;
 }
 
-// protocol-vlan add (port WORD | tgid WORD) frame-type (...) protocol-type WORD {opri WORD | ovid-add WORD}
-i32 cli_vlan_protocol_vlan_add(u32 chip_id, u32, i32 argc, char **argv)
-{
-    vlan_protocol_key k{};
-    vlan_translate_action a{};
-    if (!_protocol_key(chip_id, argc, argv, &k) ||
-        !_pairs(4, argc, argv, [&](const char *w, const char *v) { return _assign_word(w, v, &a, nullptr); })) {
-        return SHR_E_PARAM;
-    }
-    const i32 rc = vlan_api_protocolbased_add(chip_id, &k, &a);
-    return rc != 0 ? _fail("vlan_api_protocolbased_add", rc) : 0;
-}
-
-i32 cli_vlan_protocol_vlan_delete(u32 chip_id, u32, i32 argc, char **argv)
-{
-    vlan_protocol_key k{};
-    if (!_protocol_key(chip_id, argc, argv, &k)) {
-        return SHR_E_PARAM;
-    }
-    const i32 rc = vlan_api_protocolbased_delete(chip_id, &k);
-    return rc != 0 ? _fail("vlan_api_protocolbased_delete", rc) : 0;
-}
-
 i32 _protocol_show_one(u32, vlan_protocol_key *k, vlan_translate_action *a, void *)
 {
     cli_output_show("%-4s %-4u %-9s 0x%04x ", k->trunk_flag != 0 ? "tgid" : "port",
@@ -1267,20 +1179,120 @@ i32 _protocol_show_one(u32, vlan_protocol_key *k, vlan_translate_action *a, void
     return 0;
 }
 
-i32 cli_vlan_protocol_vlan_show(u32 chip_id, u32, i32 argc, char **argv)
+// ---- the commands of an assignment family, alike but for the key ----------------------------
+
+// A family of the shell: how its words become a key (false after a line),
+// its calls, one shown entry, the heading of a show.
+template <typename Key>
+struct AssignFamily {
+    bool (*key)(u32 chip_id, i32 argc, char **argv, Key *k);
+    i32 (*add)(u32, Key *, vlan_translate_action *);
+    i32 (*del)(u32, Key *);
+    i32 (*get)(u32, Key *, vlan_translate_action *);
+    i32 (*traverse)(u32, i32 (*)(u32, Key *, vlan_translate_action *, void *), void *);
+    i32 (*show_one)(u32, Key *, vlan_translate_action *, void *);
+    const char *heading;
+    const char *calls[4]; // the names of add, delete, get, traverse
+};
+
+// <key words> {opri WORD | ovid-add WORD}: the key takes the first four words.
+template <typename Key>
+i32 _assign_add(u32 chip_id, i32 argc, char **argv, const AssignFamily<Key> &f)
 {
-    cli_output_show("%-4s %-4s %-9s %-6s | action\n", "", "Id", "Frame", "Type");
-    if (argc == 0 || std::strcmp(argv[0], "all") == 0) {
-        const i32 rc = vlan_api_protocolbased_traverse(chip_id, _protocol_show_one, nullptr);
-        return rc != 0 ? _fail("vlan_api_protocolbased_traverse", rc) : 0;
-    }
-    vlan_protocol_key k{};
+    Key k{};
     vlan_translate_action a{};
-    if (!_protocol_key(chip_id, argc, argv, &k)) {
+    if (!f.key(chip_id, argc, argv, &k) ||
+        !_pairs(4, argc, argv, [&](const char *w, const char *v) { return _assign_word(w, v, &a, nullptr); })) {
         return SHR_E_PARAM;
     }
-    const i32 rc = vlan_api_protocolbased_get(chip_id, &k, &a);
-    return rc != 0 ? _fail("vlan_api_protocolbased_get", rc) : _protocol_show_one(chip_id, &k, &a, nullptr);
+    const i32 rc = f.add(chip_id, &k, &a);
+    return rc != 0 ? _fail(f.calls[0], rc) : 0;
+}
+
+template <typename Key>
+i32 _assign_delete(u32 chip_id, i32 argc, char **argv, const AssignFamily<Key> &f)
+{
+    Key k{};
+    if (!f.key(chip_id, argc, argv, &k)) {
+        return SHR_E_PARAM;
+    }
+    const i32 rc = f.del(chip_id, &k);
+    return rc != 0 ? _fail(f.calls[1], rc) : 0;
+}
+
+// show <family> (<key words> | all)
+template <typename Key>
+i32 _assign_show(u32 chip_id, i32 argc, char **argv, const AssignFamily<Key> &f)
+{
+    cli_output_show("%s | action\n", f.heading);
+    if (argc == 0 || std::strcmp(argv[0], "all") == 0) {
+        const i32 rc = f.traverse(chip_id, f.show_one, nullptr);
+        return rc != 0 ? _fail(f.calls[3], rc) : 0;
+    }
+    Key k{};
+    vlan_translate_action a{};
+    if (!f.key(chip_id, argc, argv, &k)) {
+        return SHR_E_PARAM;
+    }
+    const i32 rc = f.get(chip_id, &k, &a);
+    return rc != 0 ? _fail(f.calls[2], rc) : f.show_one(chip_id, &k, &a, nullptr);
+}
+
+constexpr AssignFamily<vlan_mac_key> k_mac_family = {
+    _mac_lookup, vlan_api_macbased_add, vlan_api_macbased_delete, vlan_api_macbased_get,
+    vlan_api_macbased_traverse, _mac_show_one, "SMAC              Mask              Voice Port OVID DSCP",
+    {"vlan_api_macbased_add", "vlan_api_macbased_delete", "vlan_api_macbased_get", "vlan_api_macbased_traverse"}};
+constexpr AssignFamily<vlan_subnet_key> k_subnet_family = {
+    _subnet_key, vlan_api_subnetbased_add, vlan_api_subnetbased_delete, vlan_api_subnetbased_get,
+    vlan_api_subnetbased_traverse, _subnet_show_one, "SIP             Mask",
+    {"vlan_api_subnetbased_add", "vlan_api_subnetbased_delete", "vlan_api_subnetbased_get",
+     "vlan_api_subnetbased_traverse"}};
+constexpr AssignFamily<vlan_protocol_key> k_protocol_family = {
+    _protocol_key, vlan_api_protocolbased_add, vlan_api_protocolbased_delete, vlan_api_protocolbased_get,
+    vlan_api_protocolbased_traverse, _protocol_show_one, "     Id   Frame     Type",
+    {"vlan_api_protocolbased_add", "vlan_api_protocolbased_delete", "vlan_api_protocolbased_get",
+     "vlan_api_protocolbased_traverse"}};
+
+i32 cli_vlan_mac_vlan_delete(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_delete(chip_id, argc, argv, k_mac_family);
+}
+
+i32 cli_vlan_mac_vlan_show(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_show(chip_id, argc, argv, k_mac_family);
+}
+
+// subnet-vlan add (sip A.B.C.D ip-mask A.B.C.D | sipv6 WORD ipv6-mask WORD) {opri WORD | ovid-add WORD}
+i32 cli_vlan_subnet_vlan_add(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_add(chip_id, argc, argv, k_subnet_family);
+}
+
+i32 cli_vlan_subnet_vlan_delete(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_delete(chip_id, argc, argv, k_subnet_family);
+}
+
+i32 cli_vlan_subnet_vlan_show(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_show(chip_id, argc, argv, k_subnet_family);
+}
+
+// protocol-vlan add (port WORD | tgid WORD) frame-type (...) protocol-type WORD {opri WORD | ovid-add WORD}
+i32 cli_vlan_protocol_vlan_add(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_add(chip_id, argc, argv, k_protocol_family);
+}
+
+i32 cli_vlan_protocol_vlan_delete(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_delete(chip_id, argc, argv, k_protocol_family);
+}
+
+i32 cli_vlan_protocol_vlan_show(u32 chip_id, u32, i32 argc, char **argv)
+{
+    return _assign_show(chip_id, argc, argv, k_protocol_family);
 }
 
 // vlan (ingress-vlan-translate | egress-vlan-translate | mac-vlan | subnet-vlan | protocol-vlan) clear
