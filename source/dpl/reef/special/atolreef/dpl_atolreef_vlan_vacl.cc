@@ -513,8 +513,8 @@ i32 _lookup(u32 chip_id, const Family<Key, Rec> &f, const Key &key, dpl_atolreef
     return 0;
 }
 
-template <typename Key, typename Rec>
-i32 _delete_node(u32 chip_id, const Key &key, u32 kind, dpl_atolreef_vacl_node *n)
+template <typename Rec>
+i32 _delete_node(u32 chip_id, u32 kind, dpl_atolreef_vacl_node *n)
 {
     dpl_atolreef_vlan_info *v = _info(chip_id);
     u32 block = 0, index = 0;
@@ -526,7 +526,6 @@ i32 _delete_node(u32 chip_id, const Key &key, u32 kind, dpl_atolreef_vacl_node *
         SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "vacl tcam entry %u delete fail (%d)!!!\n", n->key_ad_index, rc);
         return rc;
     }
-    (void)key;
     dpl_atolreef_vacl_space &s = _space(v, kind);
     _mark(s, n->key_ad_index, false);
     _remove(s, n);
@@ -541,7 +540,7 @@ i32 _delete(u32 chip_id, const Family<Key, Rec> &f, const Key &raw)
     VLAN_LOCK(chip_id);
     dpl_atolreef_vacl_node *n = nullptr;
     const i32 rc = _lookup(chip_id, f, key, &n);
-    return rc != 0 ? rc : _delete_node<Key, Rec>(chip_id, key, f.kind(key), n);
+    return rc != 0 ? rc : _delete_node<Rec>(chip_id, f.kind(key), n);
 }
 
 template <typename Rec>
@@ -614,7 +613,7 @@ i32 _clear(u32 chip_id, const Family<Key, Rec> &f)
 {
     VLAN_LOCK(chip_id);
     return _each(chip_id, f, [&](Key &key, dpl_atolreef_vacl_node *n) {
-        return _delete_node<Key, Rec>(chip_id, key, f.kind(key), n);
+        return _delete_node<Rec>(chip_id, f.kind(key), n);
     });
 }
 
