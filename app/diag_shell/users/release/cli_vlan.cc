@@ -934,8 +934,11 @@ i32 cli_vlan_ingress_vt_global_cfg_set(u32 chip_id, u32, i32 argc, char **argv)
     if (argc < 2 || !cli_word_id_get(k_keys, argv[0], &c.key)) {
         return SHR_E_PARAM;
     }
-    if (c.key == 1 ? !_num(argv[1], &c.value) : (c.value = _enable(argv[1]) ? 1 : 0, false)) {
+    if (c.key == 1 && !_num(argv[1], &c.value)) {
         return SHR_E_PARAM;
+    }
+    if (c.key != 1) {
+        c.value = _enable(argv[1]) ? 1 : 0;
     }
     const i32 rc = vlan_api_translation_global_cfg_set(chip_id, &c);
     return rc != 0 ? _fail("vlan_api_translation_global_cfg_set", rc) : 0;

@@ -925,10 +925,11 @@ i32 dpl_reef_vlan_port_tpid_bitmap_get(u32 chip_id, u32 lport, u32 *bitmap)
 
 namespace {
 
-template <typename Key>
-i32 _vacl_key(u32 chip_id, const Key *key)
+// -20 with its line when one of the pointers is NULL.
+template <typename... P>
+i32 _not_null(u32 chip_id, const P *...p)
 {
-    if (key == nullptr) {
+    if (((p == nullptr) || ...)) {
         SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "input para is NULL pointer\n");
         return SHR_E_NULL_PTR;
     }
@@ -938,27 +939,21 @@ i32 _vacl_key(u32 chip_id, const Key *key)
 template <typename Key>
 i32 _vacl_add(u32 chip_id, u32 family, const Key *key, const vlan_translate_action *action)
 {
-    i32 rc = _vacl_key(chip_id, key);
-    if (rc == 0 && action == nullptr) {
-        rc = _vacl_key(chip_id, action);
-    }
+    const i32 rc = _not_null(chip_id, key, action);
     return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_add, family, key, action);
 }
 
 template <typename Key>
 i32 _vacl_delete(u32 chip_id, u32 family, const Key *key)
 {
-    const i32 rc = _vacl_key(chip_id, key);
+    const i32 rc = _not_null(chip_id, key);
     return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_delete, family, key);
 }
 
 template <typename Key>
 i32 _vacl_get(u32 chip_id, u32 family, const Key *key, vlan_translate_action *action)
 {
-    i32 rc = _vacl_key(chip_id, key);
-    if (rc == 0 && action == nullptr) {
-        rc = _vacl_key(chip_id, action);
-    }
+    const i32 rc = _not_null(chip_id, key, action);
     return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_get, family, key, action);
 }
 
