@@ -366,6 +366,44 @@ TIDE_API int32_t vlan_api_protocolbased_get(uint32_t chip_id, vlan_protocol_key 
                                            vlan_translate_action *action);
 TIDE_API int32_t vlan_api_protocolbased_traverse(uint32_t chip_id, vlan_protocol_traverse_cb fn, void *user);
 
+/* ---- private VLANs, port default actions, tag checks by destination MAC -------
+ * Calls of the family that no chip of this build implements: each answers
+ * -24. */
+
+/* Settings of vlan_api_pvlan_port_set, by `key`. */
+enum vlan_pvlan_key {
+    VLAN_PVLAN_TYPE = 1,    /* the VLAN `vid` becomes `value`: 0 promiscuous, 1 isolated, 2 community */
+    VLAN_PVLAN_PRIMARY = 2, /* the port joins (`enable` 1) or leaves the secondary `vid` of primary `value` */
+    VLAN_PVLAN_OUTPUT = 3   /* frames leave untagged (`value` 0) or with VID `vid` and priority `pri` */
+};
+/* The port of a setting of the VLAN itself (VLAN_PVLAN_TYPE). */
+#define VLAN_PVLAN_NO_PORT 0xFFFFFFFFu
+
+typedef struct vlan_pvlan_cfg {
+    uint32_t key; /* enum vlan_pvlan_key */
+    uint32_t vid;
+    uint32_t value;
+    uint32_t pri;
+    uint32_t enable;
+} vlan_pvlan_cfg;
+
+/* Frames to a destination MAC under a mask that skip the accepted-frame
+ * checks of their port. */
+typedef struct vlan_dmac_check {
+    uint8_t dmac[6];
+    uint8_t dmac_mask[6];
+    uint32_t enable; /* 1 add, 0 delete */
+} vlan_dmac_check;
+
+TIDE_API int32_t vlan_api_port_default_action_add(uint32_t chip_id, uint32_t lport, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_port_default_action_get(uint32_t chip_id, uint32_t lport, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_port_default_action_delete(uint32_t chip_id, uint32_t lport);
+TIDE_API int32_t vlan_api_pvlan_enable(uint32_t chip_id, uint32_t lport, uint32_t enable);
+TIDE_API int32_t vlan_api_tag_check_by_dmac_set(uint32_t chip_id, vlan_dmac_check *check);
+TIDE_API int32_t vlan_api_tag_check_by_dmac_get(uint32_t chip_id, vlan_dmac_check *check);
+TIDE_API int32_t vlan_api_pvlan_port_set(uint32_t chip_id, uint32_t lport, vlan_pvlan_cfg *cfg);
+TIDE_API int32_t vlan_api_pvlan_port_get(uint32_t chip_id, uint32_t lport, vlan_pvlan_cfg *cfg);
+
 TIDE_END_DECLS
 
 #endif /* TIDE_VLAN_H */

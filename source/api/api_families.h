@@ -244,7 +244,20 @@ API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
     TIDE_VLAN_VACL_OPS(OP, subnetbased, vlan_subnet_key, vlan_subnet_traverse_cb)                              \
     TIDE_VLAN_VACL_OPS(OP, protocolbased, vlan_protocol_key, vlan_protocol_traverse_cb)
 
-API_DECLARE_FAMILY(vlan, TIDE_VLAN_OPS)
+/* The slots no chip of this build fills (14 to 16, 43 to 49): -24. */
+#define TIDE_VLAN_EMPTY_OPS(OP)                                                                                   \
+    OP(port_default_action_add, (u32 chip_id, u32 lport, vlan_translate_action *action), (chip_id, lport, action)) \
+    OP(port_default_action_get, (u32 chip_id, u32 lport, vlan_translate_action *action), (chip_id, lport, action)) \
+    OP(port_default_action_delete, (u32 chip_id, u32 lport), (chip_id, lport))                                 \
+    OP(pvlan_enable, (u32 chip_id, u32 lport, u32 enable), (chip_id, lport, enable))                           \
+    OP(tag_check_by_dmac_set, (u32 chip_id, vlan_dmac_check *check), (chip_id, check))                         \
+    OP(tag_check_by_dmac_get, (u32 chip_id, vlan_dmac_check *check), (chip_id, check))                         \
+    OP(pvlan_port_set, (u32 chip_id, u32 lport, vlan_pvlan_cfg *cfg), (chip_id, lport, cfg))                   \
+    OP(pvlan_port_get, (u32 chip_id, u32 lport, vlan_pvlan_cfg *cfg), (chip_id, lport, cfg))
+
+#define TIDE_VLAN_ALL_OPS(OP) TIDE_VLAN_OPS(OP) TIDE_VLAN_EMPTY_OPS(OP)
+
+API_DECLARE_FAMILY(vlan, TIDE_VLAN_ALL_OPS)
 
 /* ---- acl: the operations of groups, entries, lookups and controls, in the
  * order of the family's slots; PTRS marks those whose pointer arguments

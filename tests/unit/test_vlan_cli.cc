@@ -6,11 +6,13 @@
 #include <tide/property.h>
 #include <tide/vlan.h>
 
+#include <cstdio>
 #include <initializer_list>
 #include <string>
 #include <utility>
 
 #include "app/diag_shell/shell/cli/cli_core.h"
+#include "dpl/reef/vlan/dpl_reef_vlan.h"
 #include "support/mode_cli.h"
 
 namespace {
@@ -160,6 +162,146 @@ TEST_F(VlanCli, EgressTranslationsAreAddedShownAndDeleted)
     EXPECT_TRUE(has("vp-ovid-ivid is not supported")) << out_;
     EXPECT_NE(run("egress-vlan-translate add key-type port-ovid port 2 match-vlan ovid 4096 action new-ovid 1"), 0);
 }
+
+u32 _ctrl(u32 vid, u32 key)
+{
+    vlan_control c{key, 99};
+    EXPECT_EQ(vlan_api_control_get(0, vid, &c), 0) << key;
+    return c.value;
+}
+
+u32 _port_ctrl(u32 lport, u32 key)
+{
+    vlan_control c{key, 99};
+    EXPECT_EQ(vlan_api_port_control_get(0, lport, &c), 0) << key;
+    return c.value;
+}
+
+TEST_F(VlanCli, VlanEnablesCounterTypesAndTheSoftwareTable)
+{
+    ASSERT_EQ(run("vlan create 30-31"), 0) << out_;
+    ASSERT_EQ(run("vlan 30 pa-action 2 drop enable"), 0) << out_;
+    EXPECT_EQ(_ctrl(30, VLAN_CTRL_AD_ACT2_FWD_DISABLE), 1u);
+    EXPECT_EQ(_ctrl(30, VLAN_CTRL_AD_ACT2_TOCPU), 0u);
+    ASSERT_EQ(run("vlan 30-31 pa-action 3 copy-to-cpu enable"), 0) << out_;
+    EXPECT_EQ(_ctrl(31, VLAN_CTRL_AD_ACT3_TOCPU), 1u);
+    ASSERT_EQ(run("vlan 30 dai enable"), 0) << out_;
+    EXPECT_EQ(_ctrl(30, VLAN_CTRL_DAI_EN), 1u);
+    EXPECT_NE(run("vlan 30 pa-action 4 drop enable"), 0);
+    EXPECT_TRUE(has("pa-action 4 is out of range")) << out_;
+    EXPECT_EQ(run("vlan 30 trust-dot1p enable"), -24);
+    EXPECT_TRUE(has("trust-dot1p is not supported")) << out_;
+
+    ASSERT_EQ(run("vlan 30-31 counter-type ip-counter"), 0) << out_;
+    EXPECT_EQ(_ctrl(31, VLAN_CTRL_CNT_TYPE), 2u);
+    ASSERT_EQ(run("vlan 30 egr-counter-type l2-l3-counter"), 0) << out_;
+    EXPECT_EQ(_ctrl(30, VLAN_CTRL_EGRESS_CNT_TYPE), 4u);
+    // The ingress record has no type 4: refused, the row keeps its type.
+    EXPECT_NE(run("vlan 30 counter-type l2-l3-counter"), 0);
+    EXPECT_TRUE(has("vlan_api_control_set failed")) << out_;
+    EXPECT_EQ(_ctrl(30, VLAN_CTRL_CNT_TYPE), 2u);
+
+}
+
+TEST_F(VlanCli, PortEnablesSelectionsAndVidRanges)
+{
+    ASSERT_EQ(run("vlan ports 4-5 ingress-filter enable"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(5, VLAN_PORT_CTRL_VLAN_CHECK), 1u);
+    ASSERT_EQ(run("vlan ports 4 egr-vt-miss-drop enable"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VTMISS_DROP), 1u);
+    ASSERT_EQ(run("vlan ports 4 egr-iblk enable"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_E_I_BLK), 1u);
+    ASSERT_EQ(run("vlan ports 4 pvid-add-mode untag"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_PVID_ADD_MODE), 1u);
+    ASSERT_EQ(run("vlan ports 4 egr-vt-lookup second port-ovid"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_SIT2), u32{VLAN_EVT_KEY_PORT_OVID});
+
+    // Slot 1 of the ingress ranges: max 46, min 47; a range may move past the one it replaces.
+    ASSERT_EQ(run("vlan ports 4 vlan-range 1 min 100 max 200"), 0) << out_;
+    ASSERT_EQ(run("vlan ports 4 vlan-range 1 min 300 max 400"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MAX0 + 3), 400u);
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MIN0 + 3), 300u);
+    ASSERT_EQ(run("vlan ports 4 vlan-range 1 min 10 max 20"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MAX0 + 3), 20u);
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MIN0 + 3), 10u);
+    // Refusals leave the slot as it was.
+    EXPECT_NE(run("vlan ports 4 egr-vlan-range 0 min 10 max 5000"), 0);
+    EXPECT_TRUE(has("vlan_api_port_control_set failed")) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_E_VID_MIN0), 0u);
+    EXPECT_NE(run("vlan ports 4 vlan-range 1 min 500 max 450"), 0);
+    EXPECT_NE(run("vlan ports 4 vlan-range 4 min 1 max 2"), 0);
+    EXPECT_TRUE(has("is invalid")) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MAX0 + 3), 20u);
+
+    EXPECT_EQ(run("vlan ports 4 output-tpid-mode port"), 0) << out_;
+    EXPECT_EQ(run("vlan ports 4 output-tpid-mode vlan"), -24);
+    EXPECT_TRUE(has("output-tpid-mode vlan is not supported")) << out_;
+    EXPECT_EQ(run("vlan egr-vt-hash-mode crc16-lower"), -24);
+    EXPECT_TRUE(has("egr-vt-hash-mode is not supported")) << out_;
+}
+
+// The private VLAN, port VLAN and bypass commands reach calls that no chip
+// of this build implements; their words are parsed before the call.
+TEST_F(VlanCli, PrivateAndPortVlansAndBypassFramesReachTheirCalls)
+{
+    EXPECT_EQ(vlan_api_pvlan_enable(0, 4, 1), -24);
+    vlan_dmac_check check{};
+    EXPECT_EQ(vlan_api_tag_check_by_dmac_get(0, &check), -24);
+    for (const auto &[line, call] : std::initializer_list<std::pair<const char *, const char *>>{
+             {"private-vlan ports 4 enable", "vlan_api_pvlan_enable"},
+             {"private-vlan 10 type isolate", "vlan_api_pvlan_port_set"},
+             {"private-vlan 11 primary 10 ports 4 enable", "vlan_api_pvlan_port_set"},
+             {"private-vlan port 4 output tag 10 priority 3", "vlan_api_pvlan_port_set"},
+             {"show private-vlan vlan 10", "vlan_api_pvlan_port_get"},
+             {"show private-vlan ports 4", "vlan_api_pvlan_port_get"},
+             {"port-vlan add port 4 action otag-action add new-ovid 12", "vlan_api_port_default_action_add"},
+             {"port-vlan del port 4", "vlan_api_port_default_action_delete"},
+             {"show port-vlan port 4", "vlan_api_port_default_action_get"},
+             {"show port-vlan all", "vlan_api_port_default_action_get"},
+             {"vlan bypass-accept-frame add dmac 01:80:c2:00:00:00 dmac-mask ff:ff:ff:ff:ff:f0",
+              "vlan_api_tag_check_by_dmac_set"},
+             {"show vlan bypass-accept-frame dmac", "vlan_api_tag_check_by_dmac_get"}}) {
+        EXPECT_EQ(run(line), -24) << line;
+        EXPECT_TRUE(has(std::string(" call ") + call + " failed")) << line << "\n" << out_;
+    }
+    EXPECT_EQ(run("egress-vlan-translate add key-type vp-ovid-ivid vp 3 match-vlan ovid 10 ivid 20 action new-ovid 5"),
+              -24);
+    EXPECT_TRUE(has("vp-ovid-ivid is not supported")) << out_;
+    EXPECT_EQ(run("egress-vlan-translate add key-type port-group-ovid-ivid port-group 1 match-vlan ovid 10 ivid 20 "
+                  "action new-ovid 5"),
+              -24);
+    EXPECT_TRUE(has("port-group-ovid-ivid is not supported")) << out_;
+    // Bad words stop before the call.
+    EXPECT_EQ(run("private-vlan 11 primary x ports 4 enable"), SHR_E_PARAM);
+    EXPECT_TRUE(has("parameter x is incorrect")) << out_;
+    EXPECT_EQ(run("port-vlan add port 4 action new-ovid y"), SHR_E_PARAM);
+    EXPECT_FALSE(has("failed")) << out_;
+    EXPECT_EQ(run("private-vlan 1-x type community"), SHR_E_PARAM);
+}
+
+// The debug mode shows a VLAN's rows in software.
+class VlanDebugCli : public tide::test::ModeCli {
+protected:
+    VlanDebugCli() : ModeCli("debug") {}
+    bool has(const std::string &text) const { return out_.find(text) != std::string::npos; }
+};
+
+TEST_F(VlanDebugCli, TheSoftwareTableShowsAVlansRowAndItsCounts)
+{
+    ASSERT_EQ(vlan_api_create(0, 31), 0);
+    vlan_control c{VLAN_CTRL_CNT_TYPE, 2};
+    ASSERT_EQ(vlan_api_control_set(0, 31, &c), 0);
+    // 31 differs from the default row: a row of its own, count 1.
+    ASSERT_EQ(run("show vlan 31 software-table"), 0) << out_;
+    u32 index = 0;
+    ASSERT_EQ(dpl_reef_vlan_map_index_get(0, 31, &index), 0);
+    char line[64];
+    std::snprintf(line, sizeof(line), "%-6u %-6u %-6u %-6u", 31u, index, 1u, 1u);
+    EXPECT_TRUE(has(line)) << out_;
+    EXPECT_NE(run("show vlan 40 software-table"), 0);
+    EXPECT_TRUE(has("software_info_get failed")) << out_;
+}
+
 
 // A chip whose VLAN TCAM spaces hold ranges for every kind of entry.
 class VlanVaclCli : public VlanCli {

@@ -1319,6 +1319,350 @@ i32 cli_vlan_vt_or_vacl_clear(u32 chip_id, u32, i32 argc, char **argv)
     return SHR_E_PARAM;
 }
 
+// ---- per-VLAN enables and counter types ------------------------------------------------------
+
+i32 _vlan_ctrl_each(u32 chip_id, const char *vids, u32 key, u32 value)
+{
+    return _each_vid(vids, [&](u32 vid) {
+        vlan_control c{key, value};
+        const i32 rc = vlan_api_control_set(chip_id, vid, &c);
+        return rc != 0 ? _fail("vlan_api_control_set", rc) : 0;
+    });
+}
+
+// vlan WORD (pa-action WORD (copy-to-cpu | drop) | dai | trust-dot1p | isvsi) (enable | disable): the
+// frame actions 1..3 of a VLAN are the control keys 5, 3 and 1 (to the CPU) and 6, 4, 2 (no forwarding).
+i32 cli_vlan_cfg_enable_set(u32 chip_id, u32, i32 argc, char **argv)
+{
+    const u32 on = _enable(argv[argc - 1]) ? 1 : 0;
+    if (std::strcmp(argv[1], "dai") == 0) {
+        return _vlan_ctrl_each(chip_id, argv[0], VLAN_CTRL_DAI_EN, on);
+    }
+    if (std::strcmp(argv[1], "pa-action") != 0) {
+        cli_output_show("%s is not supported on this chip\n", argv[1]);
+        return SHR_E_NOT_SUPPORT;
+    }
+    u32 act = 0;
+    if (!_num(argv[2], &act)) {
+        return SHR_E_PARAM;
+    }
+    if (act < 1 || act > 3) {
+        cli_output_show("pa-action %u is out of range 1~3\n", act);
+        return SHR_E_PARAM;
+    }
+    const u32 key = VLAN_CTRL_AD_ACT1_TOCPU - 2 * (act - 1) + (std::strcmp(argv[3], "drop") == 0 ? 1 : 0);
+    return _vlan_ctrl_each(chip_id, argv[0], key, on);
+}
+
+// vlan WORD (counter-type | egr-counter-type) (none | simple-counter | ... | l2-vlanif-counter): the
+// type's number goes to the record as it is; the record's range refuses the types it lacks.
+const cli_word k_vlan_cnt_types[] = {{0, "none"},          {1, "simple-counter"}, {2, "ip-counter"},
+                                     {3, "uc-mc-counter"}, {4, "l2-l3-counter"},  {5, "l2-vlanif-counter"}};
+
+i32 cli_vlan_counter_type_set(u32 chip_id, u32, i32, char **argv)
+{
+    u32 type = 0;
+    cli_word_id_get(k_vlan_cnt_types, argv[2], &type);
+    const u32 key = std::strcmp(argv[1], "counter-type") == 0 ? VLAN_CTRL_CNT_TYPE : VLAN_CTRL_EGRESS_CNT_TYPE;
+    return _vlan_ctrl_each(chip_id, argv[0], key, type);
+}
+
+// show vlan WORD software-table: the row nodes of the VLANs, with the index they share and its count.
+i32 cli_vlan_softeware_info_show(u32 chip_id, u32, i32, char **argv)
+{
+    cli_output_show("%-6s %-6s %-6s %-6s %-6s %-6s %s\n", "VID", "Index", "ICount", "ECount", "Learn", "Class",
+                    "Counter");
+    return _each_vid(argv[0], [&](u32 vid) {
+        dpl_reef_ivlan_node in{};
+        dpl_reef_evlan_node out{};
+        i32 rc = dpl_reef_vlan_ingress_control_software_info_get(chip_id, vid, &in);
+        if (rc == 0) {
+            rc = dpl_reef_vlan_egress_control_software_info_get(chip_id, vid, &out);
+        }
+        if (rc != 0) {
+            return _fail("dpl_reef_vlan_software_info_get", rc);
+        }
+        cli_output_show("%-6u %-6u %-6u %-6u %-6u %-6u %u/%u\n", vid, in.index, in.count, out.count,
+                        in.key.mac_lrn_mode, in.key.classid, in.key.cnt_type, in.key.cnt_id);
+        return i32{SHR_E_NONE};
+    });
+}
+
+// ---- port enables and selections ----------------------------------------------------------
+
+// vlan ports WORD (<enable word>) (enable | disable): one port control key of 0..1 each.
+const cli_word k_port_enable_words[] = {
+    {VLAN_PORT_CTRL_VLAN_CHECK, "ingress-filter"},      {VLAN_PORT_CTRL_E_VLAN_CHECK, "egress-filter"},
+    {VLAN_PORT_CTRL_VLAN_RANGE_EN, "vlan-range"},       {VLAN_PORT_CTRL_E_VLAN_RANGE_EN, "egr-vlan-range"},
+    {VLAN_PORT_CTRL_TAG_PVID_PRI_ACT, "tag-pvid-pri"},  {VLAN_PORT_CTRL_TAG_PVID_CFI_ACT, "tag-pvid-cfi"},
+    {VLAN_PORT_CTRL_PVID_PRI_ACT, "untag-pvid-pri"},    {VLAN_PORT_CTRL_PVID_CFI_ACT, "untag-pvid-cfi"},
+    {VLAN_PORT_CTRL_RMTLP_BLK, "rmtlp-blk"},            {VLAN_PORT_CTRL_LAG_BLK, "lag-blk"},
+    {VLAN_PORT_CTRL_I_BLK, "iblk"},                     {VLAN_PORT_CTRL_ERPS_BLK, "erps-blk"},
+    {VLAN_PORT_CTRL_E_RMTLP_BLK, "egr-rmtlp-blk"},      {VLAN_PORT_CTRL_E_LAG_BLK, "egr-lag-blk"},
+    {VLAN_PORT_CTRL_E_I_BLK, "egr-iblk"},               {VLAN_PORT_CTRL_E_ERPS_BLK, "egr-erps-blk"},
+    {VLAN_PORT_CTRL_DAI_EN, "dai"},                     {VLAN_PORT_CTRL_DAI_PORT_TYPE, "dai-trust"},
+    {VLAN_PORT_CTRL_VTMISS_DROP, "egr-vt-miss-drop"},
+};
+
+i32 cli_vlan_port_enable_set(u32 chip_id, u32, i32, char **argv)
+{
+    u32 key = 0;
+    cli_word_id_get(k_port_enable_words, argv[1], &key);
+    const u32 on = _enable(argv[2]) ? 1 : 0;
+    return _each_port(chip_id, argv[0], [&](u32 lport) { return _port_ctrl(chip_id, lport, key, on); });
+}
+
+// vlan ports WORD (pvid-add-mode (none | untag | all) | egr-vt-lookup (first | second) (none |
+//   port-ovid-ivid | port-ovid-dot1p | port-ovid) | (vlan-range | egr-vlan-range) WORD min WORD max WORD)
+const cli_word k_pvid_add_modes[] = {{0, "none"}, {1, "untag"}, {2, "all"}};
+
+// A VID range slot: the bound that keeps the slot ordered goes first, so
+// that a range may move past the one it replaces.
+i32 _port_range_set(u32 chip_id, u32 lport, bool egress, u32 slot, u32 min, u32 max)
+{
+    const u32 max_key = egress ? VLAN_PORT_CTRL_E_VID_MAX0 + 3 * slot : VLAN_PORT_CTRL_VID_MAX0 + 3 * slot;
+    const u32 min_key = max_key + 1;
+    const bool max_first = min > _port_ctrl_get(chip_id, lport, max_key);
+    i32 rc = _port_ctrl(chip_id, lport, max_first ? max_key : min_key, max_first ? max : min);
+    return rc != 0 ? rc : _port_ctrl(chip_id, lport, max_first ? min_key : max_key, max_first ? min : max);
+}
+
+i32 cli_vlan_port_cfg_value_select_set(u32 chip_id, u32, i32 argc, char **argv)
+{
+    if (std::strcmp(argv[1], "pvid-add-mode") == 0) {
+        u32 mode = 0;
+        cli_word_id_get(k_pvid_add_modes, argv[2], &mode);
+        return _each_port(chip_id, argv[0],
+                          [&](u32 lport) { return _port_ctrl(chip_id, lport, VLAN_PORT_CTRL_PVID_ADD_MODE, mode); });
+    }
+    if (std::strcmp(argv[1], "egr-vt-lookup") == 0) {
+        u32 type = 0;
+        cli_word_id_get(k_evt_key_types, argv[3], &type);
+        const u32 key = std::strcmp(argv[2], "first") == 0 ? VLAN_PORT_CTRL_SIT1 : VLAN_PORT_CTRL_SIT2;
+        return _each_port(chip_id, argv[0], [&](u32 lport) { return _port_ctrl(chip_id, lport, key, type); });
+    }
+    // (vlan-range | egr-vlan-range) slot min max
+    u32 slot = 0, min = 0, max = 0;
+    // argv: the ports, the word, the slot, "min" and its VID, "max" and its VID.
+    if (argc < 7 || !_num(argv[2], &slot) || !_num(argv[4], &min) || !_num(argv[6], &max)) {
+        return SHR_E_PARAM;
+    }
+    if (slot > 3 || min > max) {
+        cli_output_show("range slot %u min %u max %u is invalid (slot 0~3, min not above max)\n", slot, min, max);
+        return SHR_E_PARAM;
+    }
+    const bool egress = argv[1][0] == 'e';
+    return _each_port(chip_id, argv[0],
+                      [&](u32 lport) { return _port_range_set(chip_id, lport, egress, slot, min, max); });
+}
+
+// What this chip has no setting for: its line and -24.
+i32 _not_supported(const char *word)
+{
+    cli_output_show("%s is not supported on this chip\n", word);
+    return SHR_E_NOT_SUPPORT;
+}
+
+// vlan ports WORD output-tpid-mode (port | vlan): the TPID of a sent outer tag is always the port's
+// (egr-tpid-index), so "port" is what the port does already and "vlan" is refused.
+i32 cli_vlan_port_output_tpid_mode_set(u32 chip_id, u32, i32, char **argv)
+{
+    if (std::strcmp(argv[1], "vlan") == 0) {
+        return _not_supported("output-tpid-mode vlan");
+    }
+    return _each_port(chip_id, argv[0], [&](u32 lport) {
+        vlan_control c{VLAN_PORT_CTRL_TPID_INDEX, 0};
+        const i32 rc = vlan_api_port_control_get(chip_id, lport, &c);
+        return rc != 0 ? _fail("vlan_api_port_control_get", rc) : 0;
+    });
+}
+
+// vlan (ing-vt-hash-mode | egr-vt-hash-mode | protocol-vlan-hash-mode) (...): the VLAN lookups of this
+// chip are TCAM lookups, and the egress translation hash is the exact-match engine's (mode hash).
+i32 cli_vlan_global_hash_set(u32, u32, i32, char **argv)
+{
+    return _not_supported(argv[0]);
+}
+
+// egress-vlan-translate add key-type (vp-ovid-ivid | port-group-ovid-ivid) ...: key types this chip's
+// egress translation lacks.
+template <const char *Type>
+i32 cli_vlan_egress_vt_add_absent(u32, u32, i32, char **)
+{
+    return _not_supported(Type);
+}
+constexpr char k_vp_ovid_ivid[] = "vp-ovid-ivid";
+constexpr char k_port_group_ovid_ivid[] = "port-group-ovid-ivid";
+
+// ---- private VLANs, port default actions, tag checks by destination MAC --------------------------
+// These commands reach calls that no chip of this build implements; the
+// failure line is the shell's answer.
+
+i32 _pvlan_set(u32 chip_id, u32 lport, vlan_pvlan_cfg cfg)
+{
+    const i32 rc = vlan_api_pvlan_port_set(chip_id, lport, &cfg);
+    return rc != 0 ? _fail("vlan_api_pvlan_port_set", rc) : 0;
+}
+
+// private-vlan ports WORD (enable | disable)
+i32 cli_vlan_pvlan_port_enable_set(u32 chip_id, u32, i32, char **argv)
+{
+    const u32 on = _enable(argv[1]) ? 1 : 0;
+    return _each_port(chip_id, argv[0], [&](u32 lport) {
+        const i32 rc = vlan_api_pvlan_enable(chip_id, lport, on);
+        return rc != 0 ? _fail("vlan_api_pvlan_enable", rc) : 0;
+    });
+}
+
+// private-vlan WORD type (promiscuous | isolate | community)
+i32 cli_vlan_pvlan_type_set(u32 chip_id, u32, i32, char **argv)
+{
+    static const cli_word kTypes[] = {{0, "promiscuous"}, {1, "isolate"}, {2, "community"}};
+    u32 type = 0;
+    cli_word_id_get(kTypes, argv[1], &type);
+    return _each_vid(argv[0], [&](u32 vid) {
+        return _pvlan_set(chip_id, VLAN_PVLAN_NO_PORT, vlan_pvlan_cfg{VLAN_PVLAN_TYPE, vid, type, 0, 1});
+    });
+}
+
+// private-vlan WORD primary WORD ports WORD (enable | disable)
+i32 cli_vlan_pvlan_port_set(u32 chip_id, u32, i32, char **argv)
+{
+    u32 primary = 0;
+    if (!_num(argv[1], &primary)) {
+        return SHR_E_PARAM;
+    }
+    const u32 on = _enable(argv[3]) ? 1 : 0;
+    return _each_vid(argv[0], [&](u32 vid) {
+        return _each_port(chip_id, argv[2], [&](u32 lport) {
+            return _pvlan_set(chip_id, lport, vlan_pvlan_cfg{VLAN_PVLAN_PRIMARY, vid, primary, 0, on});
+        });
+    });
+}
+
+// private-vlan port WORD output (untag | tag WORD priority WORD)
+i32 cli_vlan_pvlan_port_output_set(u32 chip_id, u32, i32 argc, char **argv)
+{
+    vlan_pvlan_cfg cfg{VLAN_PVLAN_OUTPUT, 0, 0, 0, 1};
+    if (std::strcmp(argv[1], "tag") == 0) {
+        // argv: the ports, "tag" and its VID, "priority" and its value.
+        if (argc < 5 || !_num(argv[2], &cfg.vid) || !_num(argv[4], &cfg.pri)) {
+            return SHR_E_PARAM;
+        }
+        cfg.value = 1;
+    }
+    return _each_port(chip_id, argv[0], [&](u32 lport) { return _pvlan_set(chip_id, lport, cfg); });
+}
+
+// show private-vlan vlan WORD
+i32 cli_vlan_pvlan_vlan_show(u32 chip_id, u32, i32, char **argv)
+{
+    return _each_vid(argv[0], [&](u32 vid) {
+        vlan_pvlan_cfg cfg{VLAN_PVLAN_TYPE, vid, 0, 0, 0};
+        const i32 rc = vlan_api_pvlan_port_get(chip_id, VLAN_PVLAN_NO_PORT, &cfg);
+        if (rc != 0) {
+            return _fail("vlan_api_pvlan_port_get", rc);
+        }
+        cli_output_show("vlan %u type %u\n", vid, cfg.value);
+        return i32{SHR_E_NONE};
+    });
+}
+
+// show private-vlan ports WORD
+i32 cli_vlan_pvlan_port_show(u32 chip_id, u32, i32, char **argv)
+{
+    return _each_port(chip_id, argv[0], [&](u32 lport) {
+        vlan_pvlan_cfg cfg{VLAN_PVLAN_OUTPUT, 0, 0, 0, 0};
+        const i32 rc = vlan_api_pvlan_port_get(chip_id, lport, &cfg);
+        if (rc != 0) {
+            return _fail("vlan_api_pvlan_port_get", rc);
+        }
+        cli_output_show("port %u output %s vid %u priority %u\n", lport, cfg.value != 0 ? "tag" : "untag", cfg.vid,
+                        cfg.pri);
+        return i32{SHR_E_NONE};
+    });
+}
+
+// port-vlan add port WORD action {...}: the action of a port's frames that no entry matched.
+i32 cli_vlan_port_vlan_add(u32 chip_id, u32, i32 argc, char **argv)
+{
+    vlan_translate_action a{};
+    const bool ok = _pairs(1, argc, argv, [&](const char *w, const char *v) {
+        bool known = false;
+        return _action_word(w, v, &a, &known) && known;
+    });
+    if (!ok) {
+        return SHR_E_PARAM;
+    }
+    return _each_port(chip_id, argv[0], [&](u32 lport) {
+        const i32 rc = vlan_api_port_default_action_add(chip_id, lport, &a);
+        return rc != 0 ? _fail("vlan_api_port_default_action_add", rc) : 0;
+    });
+}
+
+// port-vlan del port WORD
+i32 cli_vlan_port_vlan_delete(u32 chip_id, u32, i32, char **argv)
+{
+    return _each_port(chip_id, argv[0], [&](u32 lport) {
+        const i32 rc = vlan_api_port_default_action_delete(chip_id, lport);
+        return rc != 0 ? _fail("vlan_api_port_default_action_delete", rc) : 0;
+    });
+}
+
+// show port-vlan (port WORD | all)
+i32 cli_vlan_port_vlan_show(u32 chip_id, u32, i32 argc, char **argv)
+{
+    auto one = [&](u32 lport) {
+        vlan_translate_action a{};
+        const i32 rc = vlan_api_port_default_action_get(chip_id, lport, &a);
+        if (rc != 0) {
+            return _fail("vlan_api_port_default_action_get", rc);
+        }
+        cli_output_show("port %-4u otag %-7s new-ovid %u\n", lport, cli_word_name_get(k_tag_actions, a.otag_action, "?"),
+                        a.new_outer_vlan);
+        return i32{SHR_E_NONE};
+    };
+    if (argc > 1 && std::strcmp(argv[0], "port") == 0) {
+        return _each_port(chip_id, argv[1], one);
+    }
+    u32 lport = 0;
+    char name[CLI_PPORT_SIZE];
+    for (i32 prev = -1; cli_port_list_next_lport_get(chip_id, 0, prev, &lport, name) == 0; prev = static_cast<i32>(lport)) {
+        const i32 rc = one(lport);
+        if (rc != 0) {
+            return rc;
+        }
+    }
+    return 0;
+}
+
+// vlan bypass-accept-frame (add | del) dmac XX:XX:XX:XX:XX:XX dmac-mask XX:XX:XX:XX:XX:XX
+i32 cli_vlan_bypass_accept_frame_set(u32 chip_id, u32, i32, char **argv)
+{
+    vlan_dmac_check check{};
+    if (cli_get_mac_addr(argv[1], check.dmac) != 0 || cli_get_mac_addr(argv[2], check.dmac_mask) != 0) {
+        cli_output_show("mac address %s/%s is invalid.\n", argv[1], argv[2]);
+        return SHR_E_PARAM;
+    }
+    check.enable = std::strcmp(argv[0], "add") == 0 ? 1 : 0;
+    const i32 rc = vlan_api_tag_check_by_dmac_set(chip_id, &check);
+    return rc != 0 ? _fail("vlan_api_tag_check_by_dmac_set", rc) : 0;
+}
+
+// show vlan bypass-accept-frame dmac
+i32 cli_vlan_bypass_accept_frame_show(u32 chip_id, u32, i32, char **)
+{
+    vlan_dmac_check check{};
+    const i32 rc = vlan_api_tag_check_by_dmac_get(chip_id, &check);
+    if (rc != 0) {
+        return _fail("vlan_api_tag_check_by_dmac_get", rc);
+    }
+    const u8 *m = check.dmac;
+    cli_output_show("dmac %02x:%02x:%02x:%02x:%02x:%02x %s\n", m[0], m[1], m[2], m[3], m[4], m[5],
+                    check.enable != 0 ? "enable" : "disable");
+    return 0;
+}
+
 // ---- the table of the mode ---------------------------------------------------------------
 
 const char *const k_create_help[] = {"VLAN", "Create", "VLAN id list", "Member ports", "Port list",
@@ -1482,6 +1826,57 @@ const char *const k_protocol_show_help[] = {"Show", "Protocol VLAN", CLI_VLAN_PR
 const char *const k_clear_help[] = {"VLAN", "Ingress VLAN translation", "Egress VLAN translation", "MAC VLAN",
                                     "Subnet VLAN", "Protocol VLAN", "Clear", nullptr};
 
+const char *const k_sw_show_help[] = {"Show", "VLAN", "VLAN id list", "Software rows", nullptr};
+const char *const k_out_tpid_help[] = {"VLAN", "Ports", "Port list", "TPID of a sent outer tag", "The port's",
+                                       "The VLAN's", nullptr};
+const char *const k_bypass_help[] = {"VLAN", "Frames that skip the accepted-frame checks", "Add", "Delete",
+                                     "Destination MAC", "Address", "Mask", "Mask", nullptr};
+const char *const k_bypass_show_help[] = {"Show", "VLAN", "Frames that skip the accepted-frame checks",
+                                          "Destination MAC", nullptr};
+#define CLI_VLAN_EVT_ABSENT_HELP(what)                                                                          \
+    {"Egress VLAN translation", "Add", "Key type", "Key type", what, "Id", "Match", "Outer VID", "VID",          \
+     "Inner VID", "VID", CLI_VLAN_ACTION_HELP, "Destination port", "Port", nullptr}
+#define CLI_VLAN_ACTION_HELP                                                                                     \
+    "Action", "Outer tag action", "None", "Add", "Replace", "Delete", "Inner tag action", "None", "Add",        \
+        "Replace", "Delete", "New outer VID", "VID", "New inner VID", "VID", "New outer priority", "0~7",         \
+        "New outer CFI", "0~1", "New inner priority", "0~7", "New inner CFI", "0~1"
+const char *const k_evt_vp_help[] = CLI_VLAN_EVT_ABSENT_HELP("Virtual port");
+const char *const k_evt_group_help[] = CLI_VLAN_EVT_ABSENT_HELP("Port group");
+#undef CLI_VLAN_EVT_ABSENT_HELP
+const char *const k_port_vlan_add_help[] = {"Port VLAN", "Add", "Port", "Port list", CLI_VLAN_ACTION_HELP, nullptr};
+#undef CLI_VLAN_ACTION_HELP
+const char *const k_port_vlan_del_help[] = {"Port VLAN", "Delete", "Port", "Port list", nullptr};
+const char *const k_port_vlan_show_help[] = {"Show", "Port VLAN", "Port", "Port list", "All", nullptr};
+const char *const k_pvlan_enable_help[] = {"Private VLAN", "Ports", "Port list", "Enable", "Disable", nullptr};
+const char *const k_pvlan_type_help[] = {"Private VLAN", "VLAN id list", "Type", "Promiscuous", "Isolated",
+                                         "Community", nullptr};
+const char *const k_pvlan_port_help[] = {"Private VLAN", "Secondary VLAN id list", "Primary VLAN", "VLAN id",
+                                         "Ports", "Port list", "Enable", "Disable", nullptr};
+const char *const k_pvlan_vlan_show_help[] = {"Show", "Private VLAN", "VLAN", "VLAN id list", nullptr};
+const char *const k_pvlan_output_help[] = {"Private VLAN", "Port", "Port list", "Output", "Untagged", "Tagged",
+                                           "VLAN id", "Priority", "0~7", nullptr};
+const char *const k_pvlan_port_show_help[] = {"Show", "Private VLAN", "Ports", "Port list", nullptr};
+const char *const k_cfg_enable_help[] = {"VLAN", "VLAN id list", "Frame action", "Action 1~3", "Copy to CPU",
+                                         "Drop", "Dynamic ARP inspection", "Trust dot1p", "VSI", "Enable", "Disable",
+                                         nullptr};
+const char *const k_counter_type_help[] = {"VLAN", "VLAN id list", "Ingress counter type", "Egress counter type",
+                                           "None", "Simple", "IP", "Unicast and multicast", "L2 and L3",
+                                           "L2 and VLAN interface", nullptr};
+const char *const k_hash_help[] = {"VLAN", "Ingress translation hash", "Egress translation hash",
+                                   "Protocol VLAN hash", "Zero", "CRC32 upper", "CRC32 lower", "CRC16 upper",
+                                   "CRC16 lower", "LSB", nullptr};
+const char *const k_port_enable_help[] = {
+    "VLAN", "Ports", "Port list", "Ingress filtering", "Egress filtering", "Ingress VID ranges", "Egress VID ranges",
+    "PVID priority on tagged frames", "PVID CFI on tagged frames", "PVID priority on untagged frames",
+    "PVID CFI on untagged frames", "Remote loopback block", "LAG block", "Isolation block", "ERPS block",
+    "Egress remote loopback block", "Egress LAG block", "Egress isolation block", "Egress ERPS block",
+    "Dynamic ARP inspection", "ARP trusted port", "Egress translation miss drop", "Enable", "Disable", nullptr};
+const char *const k_port_select_help[] = {
+    "VLAN", "Ports", "Port list", "PVID add mode", "None", "Untagged frames", "All frames",
+    "Egress translation lookup", "First", "Second", "None", "Port, outer and inner VID", "Port, outer VID, priority",
+    "Port and outer VID", "Ingress VID range", "Egress VID range", "Slot 0~3", "Minimum", "VID", "Maximum", "VID",
+    nullptr};
+
 cli_cmd_desc g_vlan_desc[] = {
     {"vlan create WORD (ports WORD (untagged WORD |) |)", -1, cli_vlan_create, k_create_help, 0},
     {"vlan WORD add ports WORD (untagged WORD |)", -1, cli_vlan_member_add, k_add_help, 0},
@@ -1612,14 +2007,62 @@ cli_cmd_desc g_vlan_desc[] = {
      cli_vlan_protocol_vlan_show, k_protocol_show_help, 0},
     {"vlan (ingress-vlan-translate | egress-vlan-translate | mac-vlan | subnet-vlan | protocol-vlan) clear", -1,
      cli_vlan_vt_or_vacl_clear, k_clear_help, 0},
+    {"vlan ports WORD output-tpid-mode (port | vlan)", -1, cli_vlan_port_output_tpid_mode_set, k_out_tpid_help, 0},
+    {"vlan bypass-accept-frame (add | del) dmac XX:XX:XX:XX:XX:XX dmac-mask XX:XX:XX:XX:XX:XX", -1,
+     cli_vlan_bypass_accept_frame_set, k_bypass_help, 0},
+    {"show vlan bypass-accept-frame dmac", -1, cli_vlan_bypass_accept_frame_show, k_bypass_show_help, 0},
+#define CLI_VLAN_EVT_ABSENT(type, word)                                                                          \
+    "egress-vlan-translate add key-type " type " " word " WORD match-vlan ovid WORD ivid WORD action "          \
+    "{otag-action (none | add | replace | delete) | itag-action (none | add | replace | delete) | new-ovid WORD | " \
+    "new-ivid WORD | new-opri WORD | new-ocfi WORD | new-ipri WORD | new-icfi WORD | dpid WORD}"
+    {CLI_VLAN_EVT_ABSENT("vp-ovid-ivid", "vp"), -1, cli_vlan_egress_vt_add_absent<k_vp_ovid_ivid>, k_evt_vp_help, 0},
+    {CLI_VLAN_EVT_ABSENT("port-group-ovid-ivid", "port-group"), -1,
+     cli_vlan_egress_vt_add_absent<k_port_group_ovid_ivid>, k_evt_group_help, 0},
+#undef CLI_VLAN_EVT_ABSENT
+    {"port-vlan add port WORD action {otag-action (none | add | replace | delete) | itag-action (none | add | "
+     "replace | delete) | new-ovid WORD | new-ivid WORD | new-opri WORD | new-ocfi WORD | new-ipri WORD | "
+     "new-icfi WORD}",
+     -1, cli_vlan_port_vlan_add, k_port_vlan_add_help, 0},
+    {"port-vlan del port WORD", -1, cli_vlan_port_vlan_delete, k_port_vlan_del_help, 0},
+    {"show port-vlan (port WORD | all)", -1, cli_vlan_port_vlan_show, k_port_vlan_show_help, 0},
+    {"private-vlan ports WORD (enable | disable)", -1, cli_vlan_pvlan_port_enable_set, k_pvlan_enable_help, 0},
+    {"private-vlan WORD type (promiscuous | isolate | community)", -1, cli_vlan_pvlan_type_set, k_pvlan_type_help, 0},
+    {"private-vlan WORD primary WORD ports WORD (enable | disable)", -1, cli_vlan_pvlan_port_set, k_pvlan_port_help,
+     0},
+    {"show private-vlan vlan WORD", -1, cli_vlan_pvlan_vlan_show, k_pvlan_vlan_show_help, 0},
+    {"private-vlan port WORD output (untag | tag WORD priority WORD)", -1, cli_vlan_pvlan_port_output_set,
+     k_pvlan_output_help, 0},
+    {"show private-vlan ports WORD", -1, cli_vlan_pvlan_port_show, k_pvlan_port_show_help, 0},
+    {"vlan WORD (pa-action WORD (copy-to-cpu | drop) | dai | trust-dot1p | isvsi) (enable | disable)", -1,
+     cli_vlan_cfg_enable_set, k_cfg_enable_help, 0},
+    {"vlan WORD (counter-type | egr-counter-type) (none | simple-counter | ip-counter | uc-mc-counter | "
+     "l2-l3-counter | l2-vlanif-counter)",
+     -1, cli_vlan_counter_type_set, k_counter_type_help, 0},
+    {"vlan (ing-vt-hash-mode | egr-vt-hash-mode | protocol-vlan-hash-mode) (zero | crc32-upper | crc32-lower | "
+     "crc16-upper | crc16-lower | lsb)",
+     -1, cli_vlan_global_hash_set, k_hash_help, 0},
+    {"vlan ports WORD (ingress-filter | egress-filter | vlan-range | egr-vlan-range | tag-pvid-pri | tag-pvid-cfi | "
+     "untag-pvid-pri | untag-pvid-cfi | rmtlp-blk | lag-blk | iblk | erps-blk | egr-rmtlp-blk | egr-lag-blk | "
+     "egr-iblk | egr-erps-blk | dai | dai-trust | egr-vt-miss-drop) (enable | disable)",
+     -1, cli_vlan_port_enable_set, k_port_enable_help, 0},
+    {"vlan ports WORD (pvid-add-mode (none | untag | all) | egr-vt-lookup (first | second) (none | port-ovid-ivid | "
+     "port-ovid-dot1p | port-ovid) | (vlan-range | egr-vlan-range) WORD min WORD max WORD)",
+     -1, cli_vlan_port_cfg_value_select_set, k_port_select_help, 0},
 };
 
 constexpr u32 k_vlan_commands = sizeof(g_vlan_desc) / sizeof(g_vlan_desc[0]);
 cli_cmd_item g_vlan_items[k_vlan_commands];
+
+// The debug mode's view of the VLAN rows in software.
+cli_cmd_desc g_vlan_debug_desc[] = {
+    {"show vlan WORD software-table", -1, cli_vlan_softeware_info_show, k_sw_show_help, 0},
+};
+cli_cmd_item g_vlan_debug_items[1];
 
 } // namespace
 
 extern "C" void cli_cmd_init_vlan(void)
 {
     cli_cmd_descs_link(g_vlan_desc, g_vlan_items, k_vlan_commands, CLI_MODE_VLAN);
+    cli_cmd_descs_link(g_vlan_debug_desc, g_vlan_debug_items, 1, CLI_MODE_DEBUG);
 }

@@ -1008,7 +1008,10 @@ DPL_REEF_VLAN_VACL(protocolbased, DPL_VACL_PROTOCOL, vlan_protocol_key, vlan_pro
 #undef DPL_REEF_VLAN_VACL
 
 #define DPL_REEF_VLAN_SLOT(name, params, args, ...) .name = dpl_reef_vlan_##name,
-const reef_vlan_dispatch_t reef_vlan_dispatch = {TIDE_VLAN_OPS(DPL_REEF_VLAN_SLOT)};
+#define DPL_REEF_VLAN_EMPTY(name, params, args, ...) .name = nullptr,
+const reef_vlan_dispatch_t reef_vlan_dispatch = {TIDE_VLAN_OPS(DPL_REEF_VLAN_SLOT)
+                                                     TIDE_VLAN_EMPTY_OPS(DPL_REEF_VLAN_EMPTY)};
+#undef DPL_REEF_VLAN_EMPTY
 #undef DPL_REEF_VLAN_SLOT
 
 } // extern "C"
