@@ -124,6 +124,20 @@ TEST_F(VlanCli, PortSettingsTpidsAndGlobalActions)
     }
     ASSERT_EQ(run("show vlan glb-info"), 0) << out_;
     EXPECT_TRUE(has("voice-vlan-opri            iacl")) << out_;
+    // The copy modes: opri 37.., ocfi 42.., ipri 47.., icfi 52..; priority-tagged first, then tag 3 to 0.
+    ASSERT_EQ(run("vlan cp-mode 9 tag-num 1 icfi enable"), 0) << out_;
+    ASSERT_EQ(run("vlan cp-mode 5 pritag-ocfi enable"), 0) << out_;
+    ASSERT_EQ(run("vlan cp-mode 7 tag-num 3 opri enable"), 0) << out_;
+    ASSERT_EQ(run("vlan cp-mode 7 tag-num 3 opri disable"), 0) << out_;
+    for (const auto &[key, want] :
+         std::initializer_list<std::pair<u32, u32>>{{55, 9}, {42, 5}, {38, 0}, {47, 0}, {56, 0}}) {
+        vlan_control g{key, 99};
+        ASSERT_EQ(vlan_api_global_cfg_get(0, &g), 0) << key;
+        EXPECT_EQ(g.value, want) << key;
+    }
+    EXPECT_NE(run("vlan cp-mode 16 pritag-ipri enable"), 0);
+    EXPECT_TRUE(has("vlan_api_global_cfg_set failed")) << out_;
+    EXPECT_NE(run("vlan cp-mode 1 tag-num 4 ipri enable"), 0);
     EXPECT_NE(run("vlan vacl-vt-action-mode action-pri"), 0); // not on this chip
     EXPECT_TRUE(has("vlan_api_global_cfg_set failed")) << out_;
 

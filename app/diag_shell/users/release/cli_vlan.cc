@@ -534,8 +534,21 @@ i32 cli_vlan_global_enable_set(u32 chip_id, u32, i32 argc, char **argv)
         }
         return _glb_set(chip_id, VLAN_GLB_INNER_TPID0 + index, on);
     }
-    cli_output_show("cp-mode is not supported in this build\n");
-    return SHR_E_NOT_SUPPORT;
+    // cp-mode WORD (pritag-<kind> | tag-num N <kind>): the copy mode of a kind (opri, ocfi, ipri, icfi) for
+    // priority-tagged frames (keys 37, 42, 47, 52) or frames of N tags (the four keys after those, tag 3
+    // first); enable writes the mode WORD, disable 0.
+    static const cli_word kKinds[] = {{0, "opri"}, {1, "ocfi"}, {2, "ipri"}, {3, "icfi"}};
+    u32 mode = 0, kind = 0, tags = 0;
+    const bool pritag = std::strncmp(argv[2], "pritag-", 7) == 0;
+    if (!_num(argv[1], &mode) || (!pritag && (argc < 6 || !_num(argv[3], &tags)))) {
+        return SHR_E_PARAM;
+    }
+    if (!pritag && tags > 3) {
+        cli_output_show("tag-num %u is out of range 0~3\n", tags);
+        return SHR_E_PARAM;
+    }
+    cli_word_id_get(kKinds, pritag ? argv[2] + 7 : argv[4], &kind);
+    return _glb_set(chip_id, VLAN_GLB_OPRI_CP_MODE + 5 * kind + (pritag ? 0 : 4 - tags), on != 0 ? mode : 0);
 }
 
 // show vlan glb-info

@@ -359,9 +359,7 @@ struct GlobalKey {
     u8 max;
 };
 
-// Keys 8 and 9 and 11, 21..24 have no setting on atolreef; the copy modes
-// of ocfi, ipri and icfi (42..56) have no register in this build's
-// catalogue and answer -24 by the field lookup.
+// Keys 8 and 9 and 11, 21..24 have no setting on atolreef.
 constexpr GlobalKey kGlobalKeys[] = {
     {1, cib_ipro_vlan_glb_cfg0, "pritag_add_vlan_mode_cfg", 0, 1, 1},
     {2, cib_ipro_vlan_glb_cfg0, "pritag_add_vlan_mode_cfg", 1, 1, 1},
@@ -397,21 +395,21 @@ constexpr GlobalKey kGlobalKeys[] = {
     {39, cib_ipro_vlan_glb_cfg1, "tag2_opri_cp_mode_en_cfg", 0, 0, 15},
     {40, cib_ipro_vlan_glb_cfg1, "tag1_opri_cp_mode_en_cfg", 0, 0, 15},
     {41, cib_ipro_vlan_glb_cfg1, "tag0_opri_cp_mode_en_cfg", 0, 0, 15},
-    {42, cib_ipro_vlan_glb_cfg1, "pritag_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {43, cib_ipro_vlan_glb_cfg1, "tag3_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {44, cib_ipro_vlan_glb_cfg1, "tag2_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {45, cib_ipro_vlan_glb_cfg1, "tag1_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {46, cib_ipro_vlan_glb_cfg1, "tag0_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {47, cib_ipro_vlan_glb_cfg1, "pritag_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {48, cib_ipro_vlan_glb_cfg1, "tag3_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {49, cib_ipro_vlan_glb_cfg1, "tag2_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {50, cib_ipro_vlan_glb_cfg1, "tag1_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {51, cib_ipro_vlan_glb_cfg1, "tag0_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {52, cib_ipro_vlan_glb_cfg1, "pritag_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {53, cib_ipro_vlan_glb_cfg1, "tag3_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {54, cib_ipro_vlan_glb_cfg1, "tag2_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {55, cib_ipro_vlan_glb_cfg1, "tag1_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {56, cib_ipro_vlan_glb_cfg1, "tag0_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {42, cib_ipro_vlan_glb_cfg2, "pritag_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {43, cib_ipro_vlan_glb_cfg2, "tag3_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {44, cib_ipro_vlan_glb_cfg2, "tag2_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {45, cib_ipro_vlan_glb_cfg2, "tag1_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {46, cib_ipro_vlan_glb_cfg2, "tag0_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {47, cib_ipro_vlan_glb_cfg3, "pritag_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {48, cib_ipro_vlan_glb_cfg3, "tag3_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {49, cib_ipro_vlan_glb_cfg3, "tag2_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {50, cib_ipro_vlan_glb_cfg3, "tag1_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {51, cib_ipro_vlan_glb_cfg3, "tag0_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {52, cib_ipro_vlan_glb_cfg4, "pritag_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {53, cib_ipro_vlan_glb_cfg4, "tag3_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {54, cib_ipro_vlan_glb_cfg4, "tag2_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {55, cib_ipro_vlan_glb_cfg4, "tag1_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {56, cib_ipro_vlan_glb_cfg4, "tag0_icfi_cp_mode_en_cfg", 0, 0, 15},
     {57, cib_ipro_vlan_glb_cfg1, "vmap_key_untag_mode_cfg", 0, 0, 1},
 };
 
