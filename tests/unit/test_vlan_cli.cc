@@ -239,9 +239,10 @@ TEST_F(VlanCli, PortEnablesSelectionsAndVidRanges)
     EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MAX0 + 3), 20u);
     EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MIN0 + 3), 10u);
     // Refusals leave the slot as it was.
-    EXPECT_NE(run("vlan ports 4 egr-vlan-range 0 min 10 max 5000"), 0);
-    EXPECT_TRUE(has("vlan_api_port_control_set failed")) << out_;
-    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_E_VID_MIN0), 0u);
+    EXPECT_NE(run("vlan ports 4 vlan-range 1 min 5 max 5000"), 0);
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_VID_MIN0 + 3), 10u);
+    ASSERT_EQ(run("vlan ports 4 egr-vlan-range 0 min 10 max 20"), 0) << out_;
+    EXPECT_EQ(_port_ctrl(4, VLAN_PORT_CTRL_E_VID_MIN0), 10u);
     EXPECT_NE(run("vlan ports 4 vlan-range 1 min 500 max 450"), 0);
     EXPECT_NE(run("vlan ports 4 vlan-range 4 min 1 max 2"), 0);
     EXPECT_TRUE(has("is invalid")) << out_;

@@ -1460,8 +1460,10 @@ i32 cli_vlan_port_cfg_value_select_set(u32 chip_id, u32, i32 argc, char **argv)
     if (argc < 7 || !_num(argv[2], &slot) || !_num(argv[4], &min) || !_num(argv[6], &max)) {
         return SHR_E_PARAM;
     }
-    if (slot > 3 || min > max) {
-        cli_output_show("range slot %u min %u max %u is invalid (slot 0~3, min not above max)\n", slot, min, max);
+    // Checked here as a whole, so that a refused range leaves both bounds as they were.
+    if (slot > 3 || min > max || max > VLAN_VID_MAX) {
+        cli_output_show("range slot %u min %u max %u is invalid (slot 0~3, min not above max, max 0~4095)\n", slot,
+                        min, max);
         return SHR_E_PARAM;
     }
     const bool egress = argv[1][0] == 'e';
