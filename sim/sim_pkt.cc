@@ -8,6 +8,7 @@
 #include <string>
 
 #include "sim/sim_acl.h"
+#include "sim/sim_vlan.h"
 #include "sim/sim_em.h"
 #include "sim/sim_int.h"
 #include "sim/sim_pcap.h"
@@ -108,6 +109,8 @@ Pipeline::Pipeline(Chip &chip) : chip_(chip)
     resolve();
     acl_ = std::make_unique<AclStage>(*this);
     ok_ &= acl_->ok();
+    vlan_tcam_ = std::make_unique<VlanTcamStage>(*this);
+    ok_ &= vlan_tcam_->ok();
 }
 
 Pipeline::~Pipeline() = default;

@@ -26,6 +26,7 @@
 namespace tide::sim {
 
 class AclStage;
+class VlanTcamStage;
 class Chip;
 class MccEngine;
 class EmEngine;
@@ -262,6 +263,7 @@ private:
     std::array<PortState, kPorts> ports_{};
     std::unique_ptr<PcapWriter> pcap_;
     std::unique_ptr<AclStage> acl_;
+    std::unique_ptr<VlanTcamStage> vlan_tcam_;
     std::vector<uint8_t> scratch_; // the frame as one egress copy leaves
 
     // ---- what the stages read, found by name once ----
@@ -313,6 +315,7 @@ public:
     ArlEngine &arl();
     MccEngine &mcc();
     AclStage &acl() { return *acl_; }
+    VlanTcamStage &vlan_tcam() { return *vlan_tcam_; }
     Chip &chip() { return chip_; }
     EmEngine &em();
 

@@ -10,6 +10,7 @@
 #include "sim/sim_pkt.h"
 #include "sim/sim_em.h"
 #include "sim/sim_qos.h"
+#include "sim/sim_vlan.h"
 
 namespace tide::sim {
 
@@ -112,7 +113,8 @@ bool _tti(Pipeline &pl, Packet &p)
 }
 
 // IPRO: the port row, the VLAN of the frame (its outer VID, or the port's
-// PVID for untagged and priority-tagged frames), the VLAN's map entry and
+// PVID for untagged and priority-tagged frames, then the VLAN TCAM
+// lookups of sim_vlan.cc), the VLAN's map entry and
 // row, and the ingress membership check.
 bool _ipro(Pipeline &pl, Packet &p)
 {
@@ -132,6 +134,7 @@ bool _ipro(Pipeline &pl, Packet &p)
     }
     const uint32_t tag_vid = p.outer_tci & 0xFFF;
     p.vid = p.tags != 0 && tag_vid != 0 ? tag_vid : static_cast<uint32_t>(bits_get(p.ipat, ip.pvid)) & 0xFFF;
+    pl.vlan_tcam().run(p);
     uint32_t w[kMaxEntryWords] = {};
     pl.read(pl.t.vmap, p.vid, w);
     if (bits_get(w, pl.vlan.vmap_vld) == 0) {

@@ -11,7 +11,8 @@ for want in init_api_base_software_process init_api_software_process init_api_ha
     port_api_config_get port_api_enable_get port_api_reset \
     l2_api_addr_add l2_api_addr_get l2_api_addr_del l2_api_mac_msg_parse l2_api_protocol_traverse \
     acl_api_group_create acl_api_entry_install acl_api_global_cfg_get \
-    vlan_api_create vlan_api_port_set vlan_api_port_control_set macsec_api_secure_assoc_create macsec_api_event_get \
+    vlan_api_create vlan_api_port_set vlan_api_port_control_set vlan_api_pvlan_enable vlan_api_pvlan_port_get \
+    macsec_api_secure_assoc_create macsec_api_event_get \
     l3_api_iif_create pkt_api_init pkt_api_deinit shr_errmsg shr_chip_valid_get xsal_malloc \
     hal_ui_os_ops_set cli_cmd_execute cli_ctree_getprompt cli_server_main cli_server_wait cli_server_exit \
     cli_server_socket_path_set cli_server_add_init_cmd cli_output_show output_show_console cli_portmap_register \

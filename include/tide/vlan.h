@@ -254,6 +254,156 @@ TIDE_API int32_t vlan_api_egress_translate_get(uint32_t chip_id, vlan_egress_tra
 TIDE_API int32_t vlan_api_egress_translate_traverse(uint32_t chip_id, vlan_egress_translate_traverse_cb fn,
                                                    void *user);
 
+/* ---- ingress translation and VLAN assignment --------------------------------- */
+
+/* Ingress translation, MAC-, subnet- and protocol-based VLANs are entries
+ * of the VLAN TCAM spaces; each kind has the range of the space its
+ * reservation property gives it ("vacl_cnt", "mac_vlan_cnt",
+ * "subnet_vlan_cnt", "protocol_vlan_cnt", all 0 by default: with a range
+ * of 0 every add answers -6).  Their actions are vlan_translate_action. */
+
+/* What an ingress translation matches on. */
+enum vlan_ingress_translate_key_type {
+    VLAN_IVT_KEY_OVID_IVID = 4,
+    VLAN_IVT_KEY_OVID = 5,
+    VLAN_IVT_KEY_IVID = 6,
+    VLAN_IVT_KEY_PORT_OVID_IVID = 12,
+    VLAN_IVT_KEY_PORT_OVID = 13,
+    VLAN_IVT_KEY_PORT_IVID = 14,
+    VLAN_IVT_KEY_OVID_OPRI = 20,
+    VLAN_IVT_KEY_IVID_IPRI = 21,
+    VLAN_IVT_KEY_PORT_OVID_OPRI = 22,
+    VLAN_IVT_KEY_PORT_IVID_IPRI = 23
+};
+
+/* The fields the key type does not name are not compared by the chip, but
+ * two keys that differ in them are two entries. */
+typedef struct vlan_ingress_translate_key {
+    uint32_t lport;
+    uint32_t tgid;
+    uint16_t outer_vlan;
+    uint16_t inner_vlan;
+    uint16_t outer_pri;
+    uint16_t inner_pri;
+    uint16_t tag_num;  /* 0..3 */
+    uint16_t reserved; /* ignored */
+    uint32_t trunk_flag; /* 1: tgid instead of lport */
+    uint32_t vt_key_type; /* enum vlan_ingress_translate_key_type */
+} vlan_ingress_translate_key;
+
+/* A MAC-based VLAN: frames whose source MAC matches `smac` under
+ * `smac_mask`.  A voice entry (`voice` 1) also matches the port and outer
+ * VID, and marks the frame's DSCP (0..63). */
+typedef struct vlan_mac_key {
+    uint8_t smac[6];
+    uint8_t smac_mask[6];
+    uint32_t voice;
+    uint32_t lport;
+    uint16_t outer_vlan;
+    uint8_t dscp;
+    uint8_t reserved; /* ignored */
+} vlan_mac_key;
+
+/* A subnet-based VLAN: IPv4 frames whose source address matches under the
+ * mask.  IPv6 subnets (`ipv6` 1, or bit 0 of `flags`) answer -24. */
+typedef struct vlan_subnet_key {
+    uint32_t ipv4_sip;
+    uint32_t ipv4_mask;
+    uint32_t ipv6;
+    uint32_t flags;
+} vlan_subnet_key;
+
+/* Frame kinds of a protocol-based VLAN. */
+enum vlan_l2_pkt_type {
+    VLAN_L2_PKT_ETHERNETII = 0, /* protocol_type: the ethernet type */
+    VLAN_L2_PKT_SNAP = 1,       /* protocol_type: the SNAP type */
+    VLAN_L2_PKT_LLC = 2         /* protocol_type: DSAP << 8 | SSAP */
+};
+
+/* A protocol-based VLAN: frames of a port (or trunk) of one frame kind and
+ * protocol. */
+typedef struct vlan_protocol_key {
+    uint32_t lport;
+    uint32_t tgid;
+    uint32_t trunk_flag; /* 1: tgid instead of lport */
+    uint32_t l2_pkt_type; /* enum vlan_l2_pkt_type */
+    uint16_t protocol_type;
+    uint16_t reserved; /* ignored */
+} vlan_protocol_key;
+
+typedef int32_t (*vlan_ingress_translate_traverse_cb)(uint32_t chip_id, vlan_ingress_translate_key *key,
+                                                      vlan_translate_action *action, void *user);
+typedef int32_t (*vlan_mac_traverse_cb)(uint32_t chip_id, vlan_mac_key *key, vlan_translate_action *action,
+                                        void *user);
+typedef int32_t (*vlan_subnet_traverse_cb)(uint32_t chip_id, vlan_subnet_key *key, vlan_translate_action *action,
+                                           void *user);
+typedef int32_t (*vlan_protocol_traverse_cb)(uint32_t chip_id, vlan_protocol_key *key,
+                                             vlan_translate_action *action, void *user);
+
+/* Add: -8 for a key that is there, -6 when the kind's range is full.
+ * Delete and get: -7 for a key that is not there.  Traverse: the entries
+ * of the kind in the order they were added; a failing callback does not
+ * stop the walk, its status is OR-ed into the result. */
+TIDE_API int32_t vlan_api_ingress_translate_add(uint32_t chip_id, vlan_ingress_translate_key *key,
+                                               vlan_translate_action *action);
+TIDE_API int32_t vlan_api_ingress_translate_delete(uint32_t chip_id, vlan_ingress_translate_key *key);
+TIDE_API int32_t vlan_api_ingress_translate_get(uint32_t chip_id, vlan_ingress_translate_key *key,
+                                               vlan_translate_action *action);
+TIDE_API int32_t vlan_api_ingress_translate_traverse(uint32_t chip_id, vlan_ingress_translate_traverse_cb fn,
+                                                    void *user);
+TIDE_API int32_t vlan_api_macbased_add(uint32_t chip_id, vlan_mac_key *key, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_macbased_delete(uint32_t chip_id, vlan_mac_key *key);
+TIDE_API int32_t vlan_api_macbased_get(uint32_t chip_id, vlan_mac_key *key, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_macbased_traverse(uint32_t chip_id, vlan_mac_traverse_cb fn, void *user);
+TIDE_API int32_t vlan_api_subnetbased_add(uint32_t chip_id, vlan_subnet_key *key, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_subnetbased_delete(uint32_t chip_id, vlan_subnet_key *key);
+TIDE_API int32_t vlan_api_subnetbased_get(uint32_t chip_id, vlan_subnet_key *key, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_subnetbased_traverse(uint32_t chip_id, vlan_subnet_traverse_cb fn, void *user);
+TIDE_API int32_t vlan_api_protocolbased_add(uint32_t chip_id, vlan_protocol_key *key,
+                                           vlan_translate_action *action);
+TIDE_API int32_t vlan_api_protocolbased_delete(uint32_t chip_id, vlan_protocol_key *key);
+TIDE_API int32_t vlan_api_protocolbased_get(uint32_t chip_id, vlan_protocol_key *key,
+                                           vlan_translate_action *action);
+TIDE_API int32_t vlan_api_protocolbased_traverse(uint32_t chip_id, vlan_protocol_traverse_cb fn, void *user);
+
+/* ---- private VLANs, port default actions, tag checks by destination MAC -------
+ * Calls of the family that no chip of this build implements: each answers
+ * -24. */
+
+/* Settings of vlan_api_pvlan_port_set, by `key`. */
+enum vlan_pvlan_key {
+    VLAN_PVLAN_TYPE = 1,    /* the VLAN `vid` becomes `value`: 0 promiscuous, 1 isolated, 2 community */
+    VLAN_PVLAN_PRIMARY = 2, /* the port joins (`enable` 1) or leaves the secondary `vid` of primary `value` */
+    VLAN_PVLAN_OUTPUT = 3   /* frames leave untagged (`value` 0) or with VID `vid` and priority `pri` */
+};
+/* The port of a setting of the VLAN itself (VLAN_PVLAN_TYPE). */
+#define VLAN_PVLAN_NO_PORT 0xFFFFFFFFu
+
+typedef struct vlan_pvlan_cfg {
+    uint32_t key; /* enum vlan_pvlan_key */
+    uint32_t vid;
+    uint32_t value;
+    uint32_t pri;
+    uint32_t enable;
+} vlan_pvlan_cfg;
+
+/* Frames to a destination MAC under a mask that skip the accepted-frame
+ * checks of their port. */
+typedef struct vlan_dmac_check {
+    uint8_t dmac[6];
+    uint8_t dmac_mask[6];
+    uint32_t enable; /* 1 add, 0 delete */
+} vlan_dmac_check;
+
+TIDE_API int32_t vlan_api_port_default_action_add(uint32_t chip_id, uint32_t lport, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_port_default_action_get(uint32_t chip_id, uint32_t lport, vlan_translate_action *action);
+TIDE_API int32_t vlan_api_port_default_action_delete(uint32_t chip_id, uint32_t lport);
+TIDE_API int32_t vlan_api_pvlan_enable(uint32_t chip_id, uint32_t lport, uint32_t enable);
+TIDE_API int32_t vlan_api_tag_check_by_dmac_set(uint32_t chip_id, vlan_dmac_check *check);
+TIDE_API int32_t vlan_api_tag_check_by_dmac_get(uint32_t chip_id, vlan_dmac_check *check);
+TIDE_API int32_t vlan_api_pvlan_port_set(uint32_t chip_id, uint32_t lport, vlan_pvlan_cfg *cfg);
+TIDE_API int32_t vlan_api_pvlan_port_get(uint32_t chip_id, uint32_t lport, vlan_pvlan_cfg *cfg);
+
 TIDE_END_DECLS
 
 #endif /* TIDE_VLAN_H */

@@ -206,6 +206,12 @@ API_DECLARE_FAMILY(port, TIDE_PORT_OPS)
 API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
 
 /* ---- vlan: the operations of VLANs, ports, TPIDs and global settings --- */
+/* The add, delete, get and traverse of one kind of VLAN TCAM entry. */
+#define TIDE_VLAN_VACL_OPS(OP, kind, key_t, cb_t)                                                              \
+    OP(kind##_add, (u32 chip_id, key_t *key, vlan_translate_action *action), (chip_id, key, action))          \
+    OP(kind##_delete, (u32 chip_id, key_t *key), (chip_id, key))                                               \
+    OP(kind##_get, (u32 chip_id, key_t *key, vlan_translate_action *action), (chip_id, key, action))          \
+    OP(kind##_traverse, (u32 chip_id, cb_t fn, void *user), (chip_id, fn, user))
 #define TIDE_VLAN_OPS(OP)                                                                                        \
     OP(port_trust_type_set, (u32 chip_id, u32 lport, u32 type, vlan_trust_info *info), (chip_id, lport, type, info)) \
     OP(port_trust_type_get, (u32 chip_id, u32 lport, u32 *type, vlan_trust_info *info), (chip_id, lport, type, info)) \
@@ -233,9 +239,26 @@ API_DECLARE_FAMILY(l2, TIDE_L2_OPS)
     OP(egress_translate_get, (u32 chip_id, vlan_egress_translate_key *key, vlan_translate_action *action),     \
        (chip_id, key, action))                                                                                 \
     OP(egress_translate_traverse, (u32 chip_id, vlan_egress_translate_traverse_cb fn, void *user),             \
-       (chip_id, fn, user))
+       (chip_id, fn, user))                                                                                    \
+    TIDE_VLAN_VACL_OPS(OP, ingress_translate, vlan_ingress_translate_key, vlan_ingress_translate_traverse_cb)  \
+    TIDE_VLAN_VACL_OPS(OP, macbased, vlan_mac_key, vlan_mac_traverse_cb)                                       \
+    TIDE_VLAN_VACL_OPS(OP, subnetbased, vlan_subnet_key, vlan_subnet_traverse_cb)                              \
+    TIDE_VLAN_VACL_OPS(OP, protocolbased, vlan_protocol_key, vlan_protocol_traverse_cb)
 
-API_DECLARE_FAMILY(vlan, TIDE_VLAN_OPS)
+/* The slots no chip of this build fills (14 to 16, 43 to 49): -24. */
+#define TIDE_VLAN_EMPTY_OPS(OP)                                                                                   \
+    OP(port_default_action_add, (u32 chip_id, u32 lport, vlan_translate_action *action), (chip_id, lport, action)) \
+    OP(port_default_action_get, (u32 chip_id, u32 lport, vlan_translate_action *action), (chip_id, lport, action)) \
+    OP(port_default_action_delete, (u32 chip_id, u32 lport), (chip_id, lport))                                 \
+    OP(pvlan_enable, (u32 chip_id, u32 lport, u32 enable), (chip_id, lport, enable))                           \
+    OP(tag_check_by_dmac_set, (u32 chip_id, vlan_dmac_check *check), (chip_id, check))                         \
+    OP(tag_check_by_dmac_get, (u32 chip_id, vlan_dmac_check *check), (chip_id, check))                         \
+    OP(pvlan_port_set, (u32 chip_id, u32 lport, vlan_pvlan_cfg *cfg), (chip_id, lport, cfg))                   \
+    OP(pvlan_port_get, (u32 chip_id, u32 lport, vlan_pvlan_cfg *cfg), (chip_id, lport, cfg))
+
+#define TIDE_VLAN_ALL_OPS(OP) TIDE_VLAN_OPS(OP) TIDE_VLAN_EMPTY_OPS(OP)
+
+API_DECLARE_FAMILY(vlan, TIDE_VLAN_ALL_OPS)
 
 /* ---- acl: the operations of groups, entries, lookups and controls, in the
  * order of the family's slots; PTRS marks those whose pointer arguments

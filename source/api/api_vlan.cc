@@ -6,4 +6,4 @@
 API_DEFINE_DISPATCH(vlan)
 
 #define VLAN_EXPORT(name, params, args) API_EXPORT_FN(vlan, name, params, args)
-TIDE_VLAN_OPS(VLAN_EXPORT)
+TIDE_VLAN_ALL_OPS(VLAN_EXPORT)

@@ -487,6 +487,22 @@ TEST_F(Vlan, TpidsTrustAndGlobalSettings)
     EXPECT_EQ(vlan_api_global_cfg_set(0, &g), -4);
     EXPECT_TRUE(Capture::has("input : 4 param is invalid!!!"));
     EXPECT_EQ(vlan_api_global_cfg_set(0, nullptr), -1);
+    // The copy modes of ocfi, ipri and icfi (42..56): each key its own 4 bits.
+    for (u32 key = 42; key <= 56; key++) {
+        g = vlan_control{key, key - 41};
+        ASSERT_EQ(vlan_api_global_cfg_set(0, &g), 0) << key;
+    }
+    for (u32 key = 42; key <= 56; key++) {
+        g = vlan_control{key, 99};
+        ASSERT_EQ(vlan_api_global_cfg_get(0, &g), 0) << key;
+        EXPECT_EQ(g.value, key - 41) << key;
+    }
+    g = vlan_control{47, 16};
+    EXPECT_EQ(vlan_api_global_cfg_set(0, &g), -4);
+    EXPECT_TRUE(Capture::has("input : 16 param is invalid!!!"));
+    g = vlan_control{47, 99};
+    ASSERT_EQ(vlan_api_global_cfg_get(0, &g), 0);
+    EXPECT_EQ(g.value, 6u);
 
     vlan_control vt{VLAN_VT_GLB_UNTAG_KEY_PVID, 1};
     ASSERT_EQ(vlan_api_translation_global_cfg_set(0, &vt), 0);

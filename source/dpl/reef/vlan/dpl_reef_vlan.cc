@@ -359,9 +359,7 @@ struct GlobalKey {
     u8 max;
 };
 
-// Keys 8 and 9 and 11, 21..24 have no setting on atolreef; the copy modes
-// of ocfi, ipri and icfi (42..56) have no register in this build's
-// catalogue and answer -24 by the field lookup.
+// Keys 8 and 9 and 11, 21..24 have no setting on atolreef.
 constexpr GlobalKey kGlobalKeys[] = {
     {1, cib_ipro_vlan_glb_cfg0, "pritag_add_vlan_mode_cfg", 0, 1, 1},
     {2, cib_ipro_vlan_glb_cfg0, "pritag_add_vlan_mode_cfg", 1, 1, 1},
@@ -397,21 +395,21 @@ constexpr GlobalKey kGlobalKeys[] = {
     {39, cib_ipro_vlan_glb_cfg1, "tag2_opri_cp_mode_en_cfg", 0, 0, 15},
     {40, cib_ipro_vlan_glb_cfg1, "tag1_opri_cp_mode_en_cfg", 0, 0, 15},
     {41, cib_ipro_vlan_glb_cfg1, "tag0_opri_cp_mode_en_cfg", 0, 0, 15},
-    {42, cib_ipro_vlan_glb_cfg1, "pritag_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {43, cib_ipro_vlan_glb_cfg1, "tag3_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {44, cib_ipro_vlan_glb_cfg1, "tag2_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {45, cib_ipro_vlan_glb_cfg1, "tag1_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {46, cib_ipro_vlan_glb_cfg1, "tag0_ocfi_cp_mode_en_cfg", 0, 0, 15},
-    {47, cib_ipro_vlan_glb_cfg1, "pritag_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {48, cib_ipro_vlan_glb_cfg1, "tag3_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {49, cib_ipro_vlan_glb_cfg1, "tag2_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {50, cib_ipro_vlan_glb_cfg1, "tag1_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {51, cib_ipro_vlan_glb_cfg1, "tag0_ipri_cp_mode_en_cfg", 0, 0, 15},
-    {52, cib_ipro_vlan_glb_cfg1, "pritag_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {53, cib_ipro_vlan_glb_cfg1, "tag3_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {54, cib_ipro_vlan_glb_cfg1, "tag2_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {55, cib_ipro_vlan_glb_cfg1, "tag1_icfi_cp_mode_en_cfg", 0, 0, 15},
-    {56, cib_ipro_vlan_glb_cfg1, "tag0_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {42, cib_ipro_vlan_glb_cfg2, "pritag_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {43, cib_ipro_vlan_glb_cfg2, "tag3_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {44, cib_ipro_vlan_glb_cfg2, "tag2_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {45, cib_ipro_vlan_glb_cfg2, "tag1_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {46, cib_ipro_vlan_glb_cfg2, "tag0_ocfi_cp_mode_en_cfg", 0, 0, 15},
+    {47, cib_ipro_vlan_glb_cfg3, "pritag_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {48, cib_ipro_vlan_glb_cfg3, "tag3_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {49, cib_ipro_vlan_glb_cfg3, "tag2_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {50, cib_ipro_vlan_glb_cfg3, "tag1_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {51, cib_ipro_vlan_glb_cfg3, "tag0_ipri_cp_mode_en_cfg", 0, 0, 15},
+    {52, cib_ipro_vlan_glb_cfg4, "pritag_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {53, cib_ipro_vlan_glb_cfg4, "tag3_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {54, cib_ipro_vlan_glb_cfg4, "tag2_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {55, cib_ipro_vlan_glb_cfg4, "tag1_icfi_cp_mode_en_cfg", 0, 0, 15},
+    {56, cib_ipro_vlan_glb_cfg4, "tag0_icfi_cp_mode_en_cfg", 0, 0, 15},
     {57, cib_ipro_vlan_glb_cfg1, "vmap_key_untag_mode_cfg", 0, 0, 1},
 };
 
@@ -919,8 +917,99 @@ i32 dpl_reef_vlan_port_tpid_bitmap_get(u32 chip_id, u32 lport, u32 *bitmap)
     return _reg_get(chip_id, kTpidSelRegs[r], kTpidSelFields[r], 4 * (lport % kPortsPerSel), 4, bitmap);
 }
 
+// ---- VLAN TCAM entries: the chip's --------------------------------------------------------
+
+}
+
+namespace {
+
+// -20 with its line when one of the pointers is NULL.
+template <typename... P>
+i32 _not_null(u32 chip_id, const P *...p)
+{
+    if (((p == nullptr) || ...)) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "input para is NULL pointer\n");
+        return SHR_E_NULL_PTR;
+    }
+    return 0;
+}
+
+template <typename Key>
+i32 _vacl_add(u32 chip_id, u32 family, const Key *key, const vlan_translate_action *action)
+{
+    const i32 rc = _not_null(chip_id, key, action);
+    return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_add, family, key, action);
+}
+
+template <typename Key>
+i32 _vacl_delete(u32 chip_id, u32 family, const Key *key)
+{
+    const i32 rc = _not_null(chip_id, key);
+    return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_delete, family, key);
+}
+
+template <typename Key>
+i32 _vacl_get(u32 chip_id, u32 family, const Key *key, vlan_translate_action *action)
+{
+    const i32 rc = _not_null(chip_id, key, action);
+    return rc != 0 ? rc : _special(chip_id, &reef_vlan_special_t::vacl_get, family, key, action);
+}
+
+// The typed callback of the caller behind the chip's untyped walk.
+template <typename Key, typename Cb>
+i32 _vacl_traverse(u32 chip_id, u32 family, Cb fn, void *user)
+{
+    if (fn == nullptr) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_VLAN, "input para is NULL pointer\n");
+        return SHR_E_NULL_PTR;
+    }
+    struct Ctx {
+        Cb fn;
+        void *user;
+    } ctx{fn, user};
+    const dpl_vlan_vacl_cb each = [](u32 chip, void *key, vlan_translate_action *action, void *c) {
+        const Ctx *x = static_cast<const Ctx *>(c);
+        return x->fn(chip, static_cast<Key *>(key), action, x->user);
+    };
+    return _special(chip_id, &reef_vlan_special_t::vacl_traverse, family, each, static_cast<void *>(&ctx));
+}
+
+} // namespace
+
+extern "C" {
+
+#define DPL_REEF_VLAN_VACL(kind, family, key_t, cb_t)                                                              \
+    i32 dpl_reef_vlan_##kind##_add(u32 chip_id, key_t *key, vlan_translate_action *action)                         \
+    {                                                                                                              \
+        return _vacl_add(chip_id, family, key, action);                                                            \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_delete(u32 chip_id, key_t *key)                                                     \
+    {                                                                                                              \
+        return _vacl_delete(chip_id, family, key);                                                                 \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_get(u32 chip_id, key_t *key, vlan_translate_action *action)                         \
+    {                                                                                                              \
+        return _vacl_get(chip_id, family, key, action);                                                            \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_traverse(u32 chip_id, cb_t fn, void *user)                                          \
+    {                                                                                                              \
+        return _vacl_traverse<key_t>(chip_id, family, fn, user);                                                   \
+    }                                                                                                              \
+    i32 dpl_reef_vlan_##kind##_clear(u32 chip_id)                                                                  \
+    {                                                                                                              \
+        return _special(chip_id, &reef_vlan_special_t::vacl_clear, static_cast<u32>(family));                      \
+    }
+DPL_REEF_VLAN_VACL(ingress_translate, DPL_VACL_VT, vlan_ingress_translate_key, vlan_ingress_translate_traverse_cb)
+DPL_REEF_VLAN_VACL(macbased, DPL_VACL_MAC, vlan_mac_key, vlan_mac_traverse_cb)
+DPL_REEF_VLAN_VACL(subnetbased, DPL_VACL_SUBNET, vlan_subnet_key, vlan_subnet_traverse_cb)
+DPL_REEF_VLAN_VACL(protocolbased, DPL_VACL_PROTOCOL, vlan_protocol_key, vlan_protocol_traverse_cb)
+#undef DPL_REEF_VLAN_VACL
+
 #define DPL_REEF_VLAN_SLOT(name, params, args, ...) .name = dpl_reef_vlan_##name,
-const reef_vlan_dispatch_t reef_vlan_dispatch = {TIDE_VLAN_OPS(DPL_REEF_VLAN_SLOT)};
+#define DPL_REEF_VLAN_EMPTY(name, params, args, ...) .name = nullptr,
+const reef_vlan_dispatch_t reef_vlan_dispatch = {TIDE_VLAN_OPS(DPL_REEF_VLAN_SLOT)
+                                                     TIDE_VLAN_EMPTY_OPS(DPL_REEF_VLAN_EMPTY)};
+#undef DPL_REEF_VLAN_EMPTY
 #undef DPL_REEF_VLAN_SLOT
 
 } // extern "C"

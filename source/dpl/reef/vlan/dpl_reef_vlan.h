@@ -60,6 +60,19 @@ typedef struct dpl_reef_evlan_node {
     u32 count;
 } dpl_reef_evlan_node;
 
+/* The families of the VLAN TCAM entries; the voice kind is the MAC family's
+ * entries with `voice` set. */
+enum dpl_vlan_vacl_family {
+    DPL_VACL_VOICE = 0,
+    DPL_VACL_VT = 1,
+    DPL_VACL_MAC = 2,
+    DPL_VACL_SUBNET = 3,
+    DPL_VACL_PROTOCOL = 8
+};
+/* Called for each entry of a family by the traverse slot; `key` is the
+ * family's key record. */
+typedef i32 (*dpl_vlan_vacl_cb)(u32 chip_id, void *key, vlan_translate_action *action, void *ctx);
+
 /* What only one chip type does; an empty slot gives -24. */
 typedef struct reef_vlan_special_t {
     i32 (*soft_init)(u32 chip_id);
@@ -81,6 +94,13 @@ typedef struct reef_vlan_special_t {
     i32 (*egress_software_info_get)(u32 chip_id, u32 vid, dpl_reef_evlan_node *node);
     i32 (*forward_bitmap_set)(u32 chip_id, const port_bitmap *bitmap, u32 all);
     i32 (*map_index_get)(u32 chip_id, u32 vid, u32 *index);
+    /* The VLAN TCAM entries of one family (enum dpl_vlan_vacl_family);
+     * `key` is the family's key record, never NULL. */
+    i32 (*vacl_add)(u32 chip_id, u32 family, const void *key, const vlan_translate_action *action);
+    i32 (*vacl_delete)(u32 chip_id, u32 family, const void *key);
+    i32 (*vacl_get)(u32 chip_id, u32 family, const void *key, vlan_translate_action *action);
+    i32 (*vacl_traverse)(u32 chip_id, u32 family, dpl_vlan_vacl_cb fn, void *ctx);
+    i32 (*vacl_clear)(u32 chip_id, u32 family);
 } reef_vlan_special_t;
 extern reef_vlan_special_t reef_vlan_special[SHR_MAX_CHIPS];
 
@@ -113,6 +133,12 @@ i32 dpl_reef_vlan_forward_bitmap_set(u32 chip_id, const port_bitmap *bitmap, u32
 i32 dpl_reef_vlan_map_index_get(u32 chip_id, u32 vid, u32 *index);
 /* Every egress translation deleted; goes on past a -7 and ORs other codes. */
 i32 dpl_reef_vlan_egress_translate_clear(u32 chip_id);
+/* Every entry of a family of the VLAN TCAM deleted; goes on past a failing
+ * delete and ORs the codes. */
+i32 dpl_reef_vlan_ingress_translate_clear(u32 chip_id);
+i32 dpl_reef_vlan_macbased_clear(u32 chip_id);
+i32 dpl_reef_vlan_subnetbased_clear(u32 chip_id);
+i32 dpl_reef_vlan_protocolbased_clear(u32 chip_id);
 /* -4 for a trunk id above the chip's highest (7 on atolreef, 127 else). */
 i32 dpl_reef_check_tgid(u32 chip_id, u32 tgid);
 

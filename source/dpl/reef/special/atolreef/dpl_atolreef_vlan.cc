@@ -445,6 +445,7 @@ i32 _atolreef_vlan_soft_deinit(u32 chip_id)
         return 0;
     }
     _atolreef_vlan_tcam_free(chip_id);
+    dpl_atolreef_vlan_vacl_destroy(v);
     while (v->head != nullptr) {
         _list_remove(v, v->head);
     }
@@ -944,6 +945,11 @@ i32 dpl_atolreef_vlan_special_register(u32 chip_id)
         .egress_software_info_get = _node_get<dpl_reef_evlan_node>,
         .forward_bitmap_set = _atolreef_vlan_forward_bitmap_set,
         .map_index_get = _atolreef_vlan_map_index_get,
+        .vacl_add = dpl_atolreef_vlan_vacl_add,
+        .vacl_delete = dpl_atolreef_vlan_vacl_delete,
+        .vacl_get = dpl_atolreef_vlan_vacl_get,
+        .vacl_traverse = dpl_atolreef_vlan_vacl_traverse,
+        .vacl_clear = dpl_atolreef_vlan_vacl_clear,
     };
     return 0;
 }

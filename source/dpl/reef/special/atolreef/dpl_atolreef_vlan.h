@@ -34,6 +34,26 @@ typedef struct dpl_atolreef_vlan_node {
     struct dpl_atolreef_vlan_node *next;
 } dpl_atolreef_vlan_node;
 
+/* An entry of a VLAN TCAM space: the key record it was added with (its
+ * ignored bytes zero), its place in the space, its kind (enum
+ * dpl_vlan_vacl_family); in the order of the adds. */
+#define DPL_VACL_KEY_BYTES 56u
+typedef struct dpl_atolreef_vacl_node {
+    u8 key[DPL_VACL_KEY_BYTES];
+    u32 key_ad_index;
+    u32 kind;
+    struct dpl_atolreef_vacl_node *prev;
+    struct dpl_atolreef_vacl_node *next;
+} dpl_atolreef_vacl_node;
+
+/* A VLAN TCAM space: its entries and its used places. */
+#define DPL_VACL_PLACES 4096u
+typedef struct dpl_atolreef_vacl_space {
+    dpl_atolreef_vacl_node *head;
+    dpl_atolreef_vacl_node *tail;
+    u32 used[DPL_VACL_PLACES / 32];
+} dpl_atolreef_vacl_space;
+
 typedef struct dpl_atolreef_vlan_info {
     dpl_atolreef_vlan_property prop;
     dpl_atolreef_vlan_node *vid_node[DPL_VLAN_VID_COUNT];
@@ -46,11 +66,22 @@ typedef struct dpl_atolreef_vlan_info {
     u32 evlan_bmp[DPL_VLAN_ROWS / 32];
     u32 ivlan_count;
     u32 evlan_count;
+    dpl_atolreef_vacl_space vacl[2]; /* the 160-bit and the 320-bit space */
+    u32 vacl_count[5];               /* entries of voice, translate, MAC, subnet, protocol */
 } dpl_atolreef_vlan_info;
 extern dpl_atolreef_vlan_info *g_atolreef_vlan_info[SHR_MAX_CHIPS];
 
 /* Fills the chip's row of reef_vlan_special. */
 i32 dpl_atolreef_vlan_special_register(u32 chip_id);
+
+/* The VLAN TCAM entries (dpl_atolreef_vlan_vacl.cc): the slots of the
+ * special table, and the lists given back at soft deinit. */
+i32 dpl_atolreef_vlan_vacl_add(u32 chip_id, u32 family, const void *key, const vlan_translate_action *action);
+i32 dpl_atolreef_vlan_vacl_delete(u32 chip_id, u32 family, const void *key);
+i32 dpl_atolreef_vlan_vacl_get(u32 chip_id, u32 family, const void *key, vlan_translate_action *action);
+i32 dpl_atolreef_vlan_vacl_traverse(u32 chip_id, u32 family, dpl_vlan_vacl_cb fn, void *ctx);
+i32 dpl_atolreef_vlan_vacl_clear(u32 chip_id, u32 family);
+void dpl_atolreef_vlan_vacl_destroy(dpl_atolreef_vlan_info *v);
 
 /* The default records of a new VLAN. */
 dpl_reef_ivlan_key dpl_atolreef_vlan_ingress_default(void);
