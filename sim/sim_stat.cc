@@ -15,6 +15,7 @@ constexpr uint32_t kBytesBits = 44;
 // The latched entry of a chip and what was counted into it meanwhile.
 struct Latch {
     uint32_t base = 0;
+    uint32_t words = 0;
     bool active = false;
     bool releasing = false; // its last word is being read
     uint64_t pkts = 0;
@@ -22,23 +23,27 @@ struct Latch {
 };
 Latch g_latch[kMaxChips];
 
-// The counts of the entry at `base` become `pkts` and `bytes`, cut to
-// their widths.
-void _write(Chip &chip, uint32_t base, uint64_t pkts, uint64_t bytes)
+// The counts of the entry at `base` (of `words` words) become `pkts` and
+// `bytes`, cut to their widths.  A two-word entry holds packets only.
+void _write(Chip &chip, uint32_t base, uint32_t words, uint64_t pkts, uint64_t bytes)
 {
     pkts &= (1ull << kPktBits) - 1;
     bytes &= (1ull << kBytesBits) - 1;
+    const uint32_t w1 = words >= 3 ? static_cast<uint32_t>(bytes << 4) : chip.core_word(base + 4) & ~0xFu;
     chip.set_core_word(base, static_cast<uint32_t>(pkts));
-    chip.set_core_word(base + 4, static_cast<uint32_t>(pkts >> 32) | static_cast<uint32_t>(bytes << 4));
-    const uint32_t w2 = chip.core_word(base + 8) & ~0xFFFFu;
-    chip.set_core_word(base + 8, w2 | static_cast<uint32_t>(bytes >> 28));
+    chip.set_core_word(base + 4, static_cast<uint32_t>(pkts >> 32) | w1);
+    if (words >= 3) {
+        const uint32_t w2 = chip.core_word(base + 8) & ~0xFFFFu;
+        chip.set_core_word(base + 8, w2 | static_cast<uint32_t>(bytes >> 28));
+    }
 }
 
 // Adds to the counts of the entry at `base`, wrapping at their widths.
-void _add(Chip &chip, uint32_t base, uint64_t pkts, uint64_t bytes)
+void _add(Chip &chip, uint32_t base, uint32_t words, uint64_t pkts, uint64_t bytes)
 {
-    const uint32_t w0 = chip.core_word(base), w1 = chip.core_word(base + 4), w2 = chip.core_word(base + 8);
-    _write(chip, base, (w0 | static_cast<uint64_t>(w1 & 0xF) << 32) + pkts,
+    const uint32_t w0 = chip.core_word(base), w1 = chip.core_word(base + 4);
+    const uint32_t w2 = words >= 3 ? chip.core_word(base + 8) : 0;
+    _write(chip, base, words, (w0 | static_cast<uint64_t>(w1 & 0xF) << 32) + pkts,
            (w1 >> 4 | static_cast<uint64_t>(w2 & 0xFFFF) << 28) + bytes);
 }
 
@@ -47,7 +52,7 @@ void _release(Chip &chip)
 {
     Latch &l = g_latch[chip.id() % kMaxChips];
     if (l.active && (l.pkts != 0 || l.bytes != 0)) {
-        _add(chip, l.base, l.pkts, l.bytes);
+        _add(chip, l.base, l.words, l.pkts, l.bytes);
     }
     l = Latch{};
 }
@@ -62,6 +67,7 @@ void _on_read(Chip &chip, uint32_t base, uint32_t word, uint32_t words)
     if (word == 0) {
         l.active = true;
         l.base = base;
+        l.words = words;
     }
     if (l.active && l.base == base && word + 1 == words) {
         l.releasing = true;
@@ -100,7 +106,7 @@ void stat_install(Chip &chip)
     });
     for (size_t i = 0; i < desc::kTableCount; i++) {
         const desc::Table &t = desc::kTables[i];
-        if ((t.flags & kTableStatistics) == 0 || (t.flags & desc::kTableIndirect) != 0 || t.words < 3) {
+        if ((t.flags & kTableStatistics) == 0 || (t.flags & desc::kTableIndirect) != 0 || t.words < 2) {
             continue;
         }
         for (uint32_t k = 0; k < t.instances; k++) {
@@ -130,14 +136,14 @@ bool stat_latched(Chip &chip, uint32_t base, uint32_t bytes)
 int stat_set(Chip &chip, const char *table, uint32_t index, uint64_t pkts, uint64_t bytes)
 {
     const desc::Table *t = desc::find_table(table);
-    if (t == nullptr || (t->flags & kTableStatistics) == 0 || t->instances == 0 || t->words < 3) {
+    if (t == nullptr || (t->flags & kTableStatistics) == 0 || t->instances == 0 || t->words < 2) {
         return -7;
     }
     if (index >= t->depth) {
         return -4;
     }
     _release(chip);
-    _write(chip, t->addrs[0] + index * t->words * 4, pkts, bytes);
+    _write(chip, t->addrs[0] + index * t->words * 4, t->words, pkts, bytes);
     return 0;
 }
 

@@ -1,7 +1,9 @@
 // The model's statistics tables: the clearing pulse of the chip's counters
 // and the knob that sets an entry.  The packet path counts into them
 // (sim_pkt.cc, sim_qos.cc); every statistics entry holds its packets in
-// bits 35:0 and its bytes in bits 79:36, and wraps at those widths.
+// bits 35:0 and its bytes in bits 79:36, and wraps at those widths; a
+// two-word entry (pa_stat) holds packets only.  Entries lie at the stride
+// of the description's entry.
 #ifndef TIDE_SIM_STAT_H
 #define TIDE_SIM_STAT_H
 

@@ -200,7 +200,7 @@ TEST_F(Counter, ACounterSetBelowItsWidthAddsTheDeltaAcrossTheWrap)
 TEST_F(Counter, TheWordsOfOneReadingBelongTogether)
 {
     ASSERT_EQ(tide_sim_stat_set(0, "stat_iport_stat_result_tbl", 3, 0xFFFFFFFFull, 1000), 0);
-    const u32 base = csl_reef_tab_info_get(0, cib_stat_iport_stat_result_tbl)->addr[0] + 3 * 12;
+    const u32 base = csl_reef_tab_info_get(0, cib_stat_iport_stat_result_tbl)->addr[0] + 3 * 16;
     auto word = [&](u32 i) {
         u8 d[4] = {};
         EXPECT_EQ(base_api_reg_get_by_addr(0, base + 4 * i, d, 4), 0);
@@ -212,6 +212,7 @@ TEST_F(Counter, TheWordsOfOneReadingBelongTogether)
     EXPECT_EQ(w1 & 0xF, 0u);     // the latched packet count
     EXPECT_EQ(w1 >> 4, 1000u);   // and bytes
     EXPECT_EQ(word(2), 0u);
+    EXPECT_EQ(word(3), 0u); // the last word frees the latch
     // Read whole, the entry has the frame now.
     const counter_stats s = read(COUNTER_IPORT_STAT, 3);
     EXPECT_EQ(s.pkt, 0x100000000ull);
@@ -369,6 +370,47 @@ TEST_F(Counter, TheCountedTablesStandAtTheirAddresses)
     for (u32 id : {4u, 5u, 22u, 23u, 26u, 27u}) {
         EXPECT_EQ(g_atolreef_counter_stat_addr[0][id], 0u) << g_counter_baseinfo[id].name;
     }
+    // Tables whose next neighbour leaves less room hold what fits at 16
+    // bytes an entry: the VLAN suppression pair 64 (the fwd table's room,
+    // and the siblings' 64 profiles), ecar_acl_car_fwd_stat 256.
+    const struct {
+        u32 id, entries;
+    } kSize[] = {{14, 64}, {15, 64}, {20, 256}};
+    for (const auto &z : kSize) {
+        u32 entries = 0;
+        ASSERT_EQ(counter_api_size_get(0, z.id, &entries), 0);
+        EXPECT_EQ(entries, z.entries) << g_counter_baseinfo[z.id].name;
+    }
+}
+
+// The chip lays its statistics entries 16 bytes apart, four words (pa_stat
+// 8 bytes, two words): entry 1 is read at base + 16, not where a stride of
+// the 80 counted bits (12 bytes) would put it, and entry 1 of pa_stat at
+// base + 8.
+TEST_F(Counter, EntryOneIsReadSixteenBytesOnAndEightForPaStat)
+{
+    auto put = [](u32 addr, u32 v) {
+        u8 d[4] = {static_cast<u8>(v), static_cast<u8>(v >> 8), static_cast<u8>(v >> 16), static_cast<u8>(v >> 24)};
+        ASSERT_EQ(base_api_reg_set_by_addr(0, addr, d, 4), 0);
+    };
+    const u32 iport = g_atolreef_counter_stat_addr[0][COUNTER_IPORT_STAT];
+    put(iport + 12, 0x55); // entry 0's last word: a 12-byte stride would take it for entry 1
+    put(iport + 16, 0x12345678);
+    put(iport + 20, 0x3u | 1000u << 4);
+    put(iport + 24, 0x2);
+    put(iport + 28, 0xFFFFFFFF); // the entry's unused high bits count for nothing
+    counter_stats s = read(COUNTER_IPORT_STAT, 1);
+    EXPECT_EQ(s.pkt, 0x312345678ull);
+    EXPECT_EQ(s.bytes, 1000ull | 2ull << 28);
+
+    ASSERT_EQ(counter_api_enable_set(0, COUNTER_PA_STAT, 1), 0);
+    const u32 pa = g_atolreef_counter_stat_addr[0][COUNTER_PA_STAT];
+    put(pa + 8, 9);
+    put(pa + 12, 0xFFFFFFF1); // a 36-bit count: the word's high bits are not part of it
+    put(pa + 16, 5);
+    EXPECT_EQ(read(COUNTER_PA_STAT, 1).pkt, 9 + (1ull << 32));
+    EXPECT_EQ(read(COUNTER_PA_STAT, 2).pkt, 5u);
+    EXPECT_EQ(read(COUNTER_PA_STAT, 2).bytes, 0u);
 }
 
 // A sibling chip has no statistics tables in the build: its tables are

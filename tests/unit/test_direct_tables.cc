@@ -447,8 +447,8 @@ TEST_F(RamBist, ExcludedBytesAndTablesAreNotCompared)
 
 TEST_F(RamBist, PatternsAndReadOnlyTables)
 {
-    // The highest field record does not take part: a statistics entry gets
-    // its packet count (35:0) set, not its byte count (79:36).
+    // The highest field record does not take part: pa_stat's entry gets its
+    // count (35:0) set, not the reserved bits above it (63:36).
     u8 e[12];
     ASSERT_EQ(csl_reef_tab_test_data_get(0, cib_stat_pa_stat_result_tbl, CSL_BIST_ONES, e, sizeof(e)), 0);
     const u8 want[12] = {0xff, 0xff, 0xff, 0xff, 0x0f, 0, 0, 0, 0, 0, 0, 0};

@@ -303,7 +303,11 @@ TEST_F(VlanVacl, MacSubnetAndProtocolVlansTakeTheirOwnRanges)
     EXPECT_EQ(bits(r.data, 101, 74), 6u);
     EXPECT_EQ(compared(r, 155, 144), 0xFFFu);
     EXPECT_EQ(bits(r.action, 42, 42), 1u); // voice VLAN
-    EXPECT_EQ(bits(r.action, 13, 8), 46u);
+    EXPECT_EQ(bits(r.action, 14, 14), 1u);      // dscpen
+    EXPECT_EQ(bits(r.action, 13, 6), 46u << 2); // the DSCP shifted left 2
+    vlan_translate_action voice_act{};
+    ASSERT_EQ(vlan_api_macbased_get(0, &voice, &voice_act), 0);
+    EXPECT_EQ(voice_act.dscp, 46u); // and read back as the DSCP
     vlan_mac_key voice2 = voice;
     voice2.lport = 7;
     EXPECT_EQ(vlan_api_macbased_add(0, &voice2, &a), -6);

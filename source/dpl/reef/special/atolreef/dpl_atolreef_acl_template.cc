@@ -207,7 +207,9 @@ constexpr ActionRow kCpuaclActionFields[] = {
 // bits of their own (no rule keeps them apart from each other or from the
 // redirects); the copy commands 1 from the inner, 2 from the outer field;
 // VID commands 1 add, 2 replace, 3 delete; fwdcmd 0 permit, 1 drop, 2 copy
-// to the CPU, 4 port, 5 trunk, 6 multicast group.
+// to the CPU, 4 port, 5 trunk, 6 multicast group.  The 8-bit dscp takes the
+// value as the ingress set's does (a DSCP shifted left 2); the counter id
+// has 5 bits.
 constexpr ActionRow kVaclActionFields[] = {
     {"not-l2-learn", {_c("nolrn", 1), {}}},
     {"not-l2-learn-to-cpu", {_c("nolrntocpu", 1), {}}},
@@ -240,8 +242,8 @@ constexpr ActionRow kVaclActionFields[] = {
     {"redirect-port", {_c("fwdcmd", 4), _s("dest", 31)}},
     {"redirect-trunk", {_c("fwdcmd", 5), _v("dest", 7)}},
     {"multicast-id-assign", {_c("fwdcmd", 6), _v("dest", 0x3FF)}},
-    {"dscp-tos-assign", {_c("dscpen", 1), _v("dscp", 0x3F)}},
-    {"cnt", {_c("staten", 1), _v("statid", 0x3F)}},
+    {"dscp-tos-assign", {_c("dscpen", 1), _v("dscp", 0xFF)}},
+    {"cnt", {_c("staten", 1), _v("statid", 0x1F)}},
 };
 // Egress metadata ACL: each update has its enable and its value.
 constexpr ActionRow kMaclActionFields[] = {

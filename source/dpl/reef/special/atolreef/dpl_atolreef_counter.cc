@@ -1,8 +1,9 @@
 // atolreef's part of the counter service.  An entry of a statistics table
-// holds a 36-bit packet count in its bits 35:0 and a 44-bit byte count in
-// bits 79:36; pa_stat holds one 36-bit value.  causeid_stat is refreshed
-// in two steps: the outer id 7 covers its entries 0 to 1023, the inner id
-// 29 the entries 1024 to 1535.
+// is four words, 16 bytes apart, with a 36-bit packet count in its bits
+// 35:0 and a 44-bit byte count in bits 79:36; pa_stat's entry is two words,
+// 8 bytes apart, with one 36-bit value.  The stride is the description's.
+// causeid_stat is refreshed in two steps: the outer id 7 covers its entries
+// 0 to 1023, the inner id 29 the entries 1024 to 1535.
 #include <tide/property.h>
 
 #include <cstdio>
@@ -54,7 +55,8 @@ i32 dpl_atolreef_counter_get_hardware_value(u32 chip_id, u32 id, u32 index, u64 
     i32 rc = 0;
     {
         CslModuleLock<csl_reef_module_tab_get_lock, csl_reef_module_tab_get_unlock> hold(chip_id, tab_id);
-        // The first word latches the entry; the others are read as latched.
+        // The first word latches the entry; the others, w1 to w3 (w1 for
+        // pa_stat), are read as latched, and the last one frees the latch.
         for (u32 i = 0; i < words && i < 4 && rc == 0; i++) {
             rc = csl_reg_read32(chip_id, base + 4 * i, &w[i]);
         }

@@ -29,6 +29,9 @@ constexpr u32 kActReplace = 2;
 constexpr u32 kFwdTypeMax = 7;
 constexpr u32 kFwdInfoMax = 1023;
 constexpr u32 kDscpMax = 63;
+// A voice entry's DSCP is stored shifted left 2, as the action's 8-bit
+// dscp holds it.
+constexpr u32 kDscpShift = 2;
 constexpr u32 kTagNumMax = 3;
 constexpr u32 kVtKeyTypeMax = 23;
 constexpr u32 kTrunkPortFlag = 32;
@@ -212,7 +215,7 @@ vlan_translate_action _action_of(const cib_ipro_tcam_vlanacl_ad_t &ad)
     a.new_inner_cfi = ad.icfi;
     a.fwdtype = ad.fwdcmd;
     a.fwdinfo = ad.dest;
-    a.dscp = ad.dscpen != 0 ? ad.dscp : 0;
+    a.dscp = ad.dscpen != 0 ? static_cast<u8>(ad.dscp >> kDscpShift) : 0;
     return a;
 }
 
@@ -331,7 +334,7 @@ i32 _mac_key(u32 chip_id, const vlan_mac_key &k, Rec160 *r)
     r->mask.portbitmap_l28 = kPort28Mask;
     r->ad.voicevlan = 1;
     r->ad.dscpen = 1;
-    r->ad.dscp = k.dscp;
+    r->ad.dscp = static_cast<u8>(k.dscp << kDscpShift);
     return rc;
 }
 
