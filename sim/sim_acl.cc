@@ -488,9 +488,7 @@ void AclStage::apply(Packet &p, const Hit &h)
             p.drop(kCauseOpcodeAbnormal);
             break;
         }
-        p.dest = 1u << (dest & 0x7FF);
-        p.replicate = false;
-        p.flood = false;
+        p.redirect_to_port(dest & 0x7FF);
         break;
     default: // next hops and others the model lacks
         p.drop(kCauseOpcodeAbnormal);
