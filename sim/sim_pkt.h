@@ -181,12 +181,38 @@ struct Packet {
         copy_to_cpu(cause);
         forward = false;
     }
-    // A destination an action names replaces what the MAC table found.
+    // A port an action names replaces what the MAC table found; a port
+    // beyond the chip's drops (733).
     void redirect_to_port(uint32_t port)
     {
+        if (port >= kPorts) {
+            drop(kCauseOpcodeAbnormal);
+            return;
+        }
         dest = 1u << port;
         replicate = false;
         flood = false;
+    }
+    // The forwarding commands the ACL and VLAN TCAM action rows share: 0
+    // permit, 1 drop with `drop_cause`, 2 a copy and 3 a redirect to the
+    // CPU with `cpu_cause`.  False for another command.
+    bool basic_forwarding(uint32_t cmd, uint16_t drop_cause, uint16_t cpu_cause)
+    {
+        switch (cmd) {
+        case 0:
+            return true;
+        case 1:
+            drop(drop_cause);
+            return true;
+        case 2:
+            copy_to_cpu(cpu_cause);
+            return true;
+        case 3:
+            redirect_to_cpu(cpu_cause);
+            return true;
+        default:
+            return false;
+        }
     }
 };
 

@@ -164,7 +164,8 @@ constexpr uint32_t kStateUntagged = 0, kStateOuter = 1, kStateBoth = 3, kStatePr
 constexpr uint32_t kCpInner = 1, kCpOuter = 2;
 
 // Forwarding commands of the action row.
-enum Fwd : uint32_t { kFwdPermit, kFwdDrop, kFwdCopy, kFwdToCpu, kFwdPort, kFwdTrunk, kFwdGroup };
+// (0 to 3 as Packet::basic_forwarding; 5 a trunk.)
+constexpr uint32_t kFwdPort = 4, kFwdGroup = 6;
 
 constexpr uint32_t kFcs = 4;
 constexpr uint32_t kIpv4Header = 20;
@@ -302,36 +303,19 @@ void VlanTcamStage::apply(Packet &p, const uint32_t *ad)
     p.no_learn_discard = get(kNoLrnDiscard) != 0;
     const uint32_t dest = get(kDest);
     const uint16_t cause = static_cast<uint16_t>(get(kCauseId));
-    switch (get(kFwdCmd)) {
-    case kFwdPermit:
-        break;
-    case kFwdDrop:
-        p.drop(kCauseVaclDrop);
-        break;
-    case kFwdCopy:
-        p.copy_to_cpu(cause);
-        break;
-    case kFwdToCpu:
-        p.redirect_to_cpu(cause);
-        break;
-    case kFwdPort:
-        if (dest >= kPorts) {
+    const uint32_t cmd = get(kFwdCmd);
+    if (!p.basic_forwarding(cmd, kCauseVaclDrop, cause)) {
+        p.dest_set = cmd == kFwdPort || cmd == kFwdGroup;
+        if (cmd == kFwdPort) {
+            p.redirect_to_port(dest);
+        } else if (cmd == kFwdGroup) {
+            p.dest = 0;
+            p.flood = false;
+            p.replicate = true;
+            p.mrt = dest;
+        } else { // trunks have no stage in the model yet
             p.drop(kCauseOpcodeAbnormal);
-            break;
         }
-        p.redirect_to_port(dest);
-        p.dest_set = true;
-        break;
-    case kFwdGroup:
-        p.dest = 0;
-        p.flood = false;
-        p.replicate = true;
-        p.mrt = dest;
-        p.dest_set = true;
-        break;
-    default: // trunks have no stage in the model yet
-        p.drop(kCauseOpcodeAbnormal);
-        break;
     }
     if (get(kToCpu) != 0) {
         p.redirect_to_cpu(cause);

@@ -4,6 +4,7 @@
 // forwarding commands, the not-learn bits, and the key settings by which
 // untagged and priority-tagged frames present their PVID.
 #include <gtest/gtest.h>
+#include <tide/counter.h>
 #include <tide/property.h>
 #include <tide/sim.h>
 #include <tide/vlan.h>
@@ -378,6 +379,28 @@ TEST_F(VlanVaclAction, NotLearnBitsKeepUnknownSourcesOutOfTheMacTable)
     EXPECT_TRUE(s.on[2].empty() && s.on[kCpu].empty());
     EXPECT_EQ(last_drop_cause(), 596u);
     EXPECT_EQ(learned(), 1u);
+}
+
+TEST_F(VlanVaclAction, AnEntrysCounterCountsItsFramesAsTheyCameIn)
+{
+    ASSERT_EQ(counter_api_enable_set(0, COUNTER_VLAN_ACL_STAT, 1), 0);
+    vlan_translate_action a{};
+    a.itag_action = VLAN_TAG_ACT_ADD; // the counted length is the frame's before the push
+    translate(20, a);
+    patch_first_translation([](cib_ipro_tcam_vlanacl_160_t *r) {
+        r->ad.staten = 1;
+        r->ad.statid = 7;
+    });
+    const Frame f = frame({tci(0, 20)});
+    for (int i = 0; i < 3; i++) {
+        send(f);
+    }
+    send(frame({tci(0, 21)})); // no hit
+    counter_key key{COUNTER_VLAN_ACL_STAT, 7, 0};
+    counter_stats st{};
+    ASSERT_EQ(counter_api_stats_get(0, &key, &st), 0);
+    EXPECT_EQ(st.pkt, 3u);
+    EXPECT_EQ(st.bytes, 3 * (f.size() + 4));
 }
 
 } // namespace
