@@ -347,8 +347,9 @@ void VlanTcamStage::edit(Packet &p, const uint32_t *ad)
                            : (p.outer_tci & 0xFFF) == 0 ? kStatePriTagged
                            : inner                        ? kStateBoth
                                                           : kStateOuter;
-    // Per tag field (in the order of kTagFieldRows): its copy source, its
-    // replace enable and value.
+    // Per tag field (in the order of kTagFieldRows): its copy source (the
+    // row's command, else the mode of the frame's tag state), its replace
+    // enable and value.
     uint32_t cp[kTagFields] = {};
     for (uint32_t t = 0; t < kTagFields; t++) {
         cp[t] = get(static_cast<Act>(kOpriCp + t));
