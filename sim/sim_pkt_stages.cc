@@ -421,7 +421,6 @@ constexpr IngressStage kIngress[] = {
 // priority; 3 port and outer VID.  The first hit's action row edits the
 // tags; a port with lookups that all miss drops the copy with 728 when its
 // `vtmiss_drop` is set.
-
 bool _egress_translate(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
 {
     const auto &eg = pl.egr;
