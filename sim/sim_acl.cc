@@ -276,7 +276,7 @@ constexpr TypeRow kTypes[] = {
 constexpr uint32_t kTidGlobal = 11, kTidPort = 4, kTidVlan = 10;
 
 // Forwarding commands of the action row.
-enum : uint32_t { kFwdPermit = 0, kFwdDrop = 1, kFwdCopy = 2, kFwdToCpu = 3, kFwdRedirect = 5, kFwdNexthop = 9 };
+enum : uint32_t { kFwdRedirect = 5, kFwdNexthop = 9 };
 constexpr uint32_t kDestTrunk = 0x800;
 
 void _set(uint32_t *key, FieldRef f, u128 v)
@@ -470,31 +470,14 @@ void AclStage::apply(Packet &p, const Hit &h)
     }
     const uint32_t dest = _get(ad, f_dest_);
     const uint16_t cause = static_cast<uint16_t>(dest & 0x3FF);
-    switch (_get(ad, f_fwdcmd_)) {
-    case kFwdPermit:
-        break;
-    case kFwdDrop:
-        p.drop(kCauseAclDrop);
-        break;
-    case kFwdCopy:
-        p.copy_to_cpu(cause);
-        break;
-    case kFwdToCpu:
-        p.redirect_to_cpu(cause);
-        break;
-    case kFwdRedirect:
-        if ((dest & kDestTrunk) != 0 || (dest & 0x7FF) >= kPorts) {
-            // Trunks have no stage in the model yet.
+    const uint32_t cmd = _get(ad, f_fwdcmd_);
+    if (!p.basic_forwarding(cmd, kCauseAclDrop, cause)) {
+        // Trunks, next hops and the others have no stage in the model yet.
+        if (cmd == kFwdRedirect && (dest & kDestTrunk) == 0) {
+            p.redirect_to_port(dest & 0x7FF);
+        } else {
             p.drop(kCauseOpcodeAbnormal);
-            break;
         }
-        p.dest = 1u << (dest & 0x7FF);
-        p.replicate = false;
-        p.flood = false;
-        break;
-    default: // next hops and others the model lacks
-        p.drop(kCauseOpcodeAbnormal);
-        break;
     }
     if (_get(ad, f_denydrop_) != 0) {
         p.deny_drop = true;

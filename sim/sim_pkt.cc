@@ -42,6 +42,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseVmapInvalid, "DISCARD_VMAP_TABLE_INVALID"},
     {kCauseIvlanInvalid, "DISCARD_IVLAN_TABLE_INVALID"},
     {kCauseIvlanCheck, "DISCARD_IVLAN_CHECK_FAIL"},
+    {kCauseVaclDrop, "IPRO_VLANACL_DROP"},
     {kCauseDmacErr, "ARL_DMAC_ERR"},
     {kCausePortBridge, "ARL_PORT_BRIDGE"},
     {kCauseBc, "ARL_BC"},

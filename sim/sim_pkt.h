@@ -44,6 +44,7 @@ enum Cause : uint16_t {
     kCauseVmapInvalid = 570,    // DISCARD_VMAP_TABLE_INVALID
     kCauseIvlanInvalid = 571,   // DISCARD_IVLAN_TABLE_INVALID
     kCauseIvlanCheck = 572,     // DISCARD_IVLAN_CHECK_FAIL
+    kCauseVaclDrop = 579,       // IPRO_VLANACL_DROP: the drop action of a VLAN TCAM entry
     kCauseDmacErr = 583,        // ARL_DMAC_ERR
     kCausePortBridge = 584,     // ARL_PORT_BRIDGE
     kCauseBc = 585,             // ARL_BC
@@ -136,6 +137,13 @@ struct Packet {
     DaKind da = DaKind::kUnicast;
     bool da_hit = false;
 
+    // The VLAN TCAM action: the frame as it rewrote it (`data` then points
+    // into it); its learning bits, which the ARL's source side reads; and
+    // whether it named the destination, which the ARL's lookup then leaves.
+    std::vector<uint8_t> edited;
+    bool no_learn = false, no_learn_tocpu = false, no_learn_discard = false;
+    bool dest_set = false;
+
     // Verdict: a drop ends forwarding; a redirect to the CPU replaces it; a
     // CPU copy goes with it.
     bool forward = true;
@@ -173,6 +181,39 @@ struct Packet {
         copy_to_cpu(cause);
         forward = false;
     }
+    // A port an action names replaces what the MAC table found; a port
+    // beyond the chip's drops (733).
+    void redirect_to_port(uint32_t port)
+    {
+        if (port >= kPorts) {
+            drop(kCauseOpcodeAbnormal);
+            return;
+        }
+        dest = 1u << port;
+        replicate = false;
+        flood = false;
+    }
+    // The forwarding commands the ACL and VLAN TCAM action rows share: 0
+    // permit, 1 drop with `drop_cause`, 2 a copy and 3 a redirect to the
+    // CPU with `cpu_cause`.  False for another command.
+    bool basic_forwarding(uint32_t cmd, uint16_t drop_cause, uint16_t cpu_cause)
+    {
+        switch (cmd) {
+        case 0:
+            return true;
+        case 1:
+            drop(drop_cause);
+            return true;
+        case 2:
+            copy_to_cpu(cpu_cause);
+            return true;
+        case 3:
+            redirect_to_cpu(cpu_cause);
+            return true;
+        default:
+            return false;
+        }
+    }
 };
 
 // A frame that left the chip on a port.
@@ -203,6 +244,17 @@ class Pipeline;
 // the packet; `egress` runs one copy and says whether it left the chip.
 void run_ingress(Pipeline &pl, Packet &p);
 bool run_egress(Pipeline &pl, const Packet &p, EgressCopy &c);
+
+// Tag commands of the action rows: 1 add, 2 replace, 3 delete.
+constexpr uint32_t kTagAdd = 1, kTagReplace = 2, kTagDelete = 3;
+// The tag control of the tag at byte `at` of a frame, and a whole tag put
+// there (sim_pkt_stages.cc).
+uint32_t tag_at(const std::vector<uint8_t> &f, size_t at);
+void tag_put(std::vector<uint8_t> &f, size_t at, uint32_t tpid, uint32_t tci);
+// One tag edit: `act` on the tag at `at` (present or not), with the new
+// tag control `tci` and which of its priority and CFI replace the old.
+void tag_edit(std::vector<uint8_t> &f, size_t at, bool present, uint32_t act, uint32_t tpid, uint32_t tci, bool pri,
+              bool cfi);
 
 // The replication stage (sim_pkt_mcc.cc): the copies of a replicated
 // packet; and the egress edit of one of them, on the frame EPRO built.

@@ -134,7 +134,9 @@ bool _ipro(Pipeline &pl, Packet &p)
     }
     const uint32_t tag_vid = p.outer_tci & 0xFFF;
     p.vid = p.tags != 0 && tag_vid != 0 ? tag_vid : static_cast<uint32_t>(bits_get(p.ipat, ip.pvid)) & 0xFFF;
-    pl.vlan_tcam().run(p);
+    if (!pl.vlan_tcam().run(p)) {
+        return false;
+    }
     uint32_t w[kMaxEntryWords] = {};
     pl.read(pl.t.vmap, p.vid, w);
     if (bits_get(w, pl.vlan.vmap_vld) == 0) {
@@ -210,7 +212,8 @@ void _arl_source(Pipeline &pl, Packet &p)
     ArlEngine &arl = pl.arl();
     const ArlEngine::EntryFields &ef = arl.fields();
     const uint32_t lrn = pl.reg(pl.r.lrn_cfg);
-    const bool port_learns = bits_get(p.ipat, pl.ipat.mac_lrn_mode) != 0;
+    // A VLAN TCAM action's not-learn bits act as the port's do.
+    const bool port_learns = bits_get(p.ipat, pl.ipat.mac_lrn_mode) != 0 && !p.no_learn;
     const bool learns =
         word_get(lrn, pl.r.glb_lrn_en) != 0 && port_learns && bits_get(p.ivlan, pl.ivlan.mac_lrn_mode) != 0;
     ArlEntry *e = arl.lookup(p.vid, p.smac);
@@ -263,8 +266,8 @@ void _arl_source(Pipeline &pl, Packet &p)
     if (!port_learns) {
         // The port's not-learn controls: discard drops, to-CPU copies, both
         // redirect.
-        const bool discard = bits_get(p.ipat, pl.ipat.nolrn_discard) != 0;
-        const bool tocp = bits_get(p.ipat, pl.ipat.nolrn_tocp) != 0;
+        const bool discard = bits_get(p.ipat, pl.ipat.nolrn_discard) != 0 || p.no_learn_discard;
+        const bool tocp = bits_get(p.ipat, pl.ipat.nolrn_tocp) != 0 || p.no_learn_tocpu;
         if (discard && tocp) {
             p.redirect_to_cpu(kCpuNoLearn);
         } else if (discard) {
@@ -320,12 +323,10 @@ void _arl_destination(Pipeline &pl, Packet &p)
     const bool bridge = bits_get(p.ipat, ip.port_bridge_en) != 0;
     auto both = [&](FieldRef a, FieldRef b) { return bits_get(p.ipat, a) != 0 && bits_get(p.ivlan, b) != 0; };
     auto either = [&](FieldRef a, FieldRef b) { return bits_get(p.ipat, a) != 0 || bits_get(p.ivlan, b) != 0; };
-    if (p.dmac == kBroadcast) {
-        p.da = DaKind::kBroadcast;
+    if (p.da == DaKind::kBroadcast) {
         _flood(p, both(ip.bc_broad, iv.bc_broad), either(ip.bc_tocp, iv.bc_tocp), kCauseBc, kCpuBc, bridge);
         return;
     }
-    p.da = (p.dmac & kGroupBit) != 0 ? DaKind::kMulticast : DaKind::kUnicast;
     ArlEngine &arl = pl.arl();
     const ArlEngine::EntryFields &ef = arl.fields();
     ArlEntry *e = arl.lookup(p.vid, p.dmac);
@@ -386,7 +387,13 @@ bool _arl(Pipeline &pl, Packet &p)
     if (!p.forward) {
         return false;
     }
-    _arl_destination(pl, p);
+    p.da = p.dmac == kBroadcast ? DaKind::kBroadcast
+           : (p.dmac & kGroupBit) != 0 ? DaKind::kMulticast
+                                       : DaKind::kUnicast;
+    // A destination a VLAN TCAM action named stands.
+    if (!p.dest_set) {
+        _arl_destination(pl, p);
+    }
     return p.forward;
 }
 
@@ -414,39 +421,6 @@ constexpr IngressStage kIngress[] = {
 // priority; 3 port and outer VID.  The first hit's action row edits the
 // tags; a port with lookups that all miss drops the copy with 728 when its
 // `vtmiss_drop` is set.
-constexpr uint32_t kTagAdd = 1, kTagReplace = 2, kTagDelete = 3;
-
-uint32_t _tag_at(const std::vector<uint8_t> &f, size_t at)
-{
-    return static_cast<uint32_t>(f[at + 2]) << 8 | f[at + 3];
-}
-
-void _tag_put(std::vector<uint8_t> &f, size_t at, uint32_t tpid, uint32_t tci)
-{
-    f[at] = static_cast<uint8_t>(tpid >> 8);
-    f[at + 1] = static_cast<uint8_t>(tpid);
-    f[at + 2] = static_cast<uint8_t>(tci >> 8);
-    f[at + 3] = static_cast<uint8_t>(tci);
-}
-
-// One tag edit: `act` on the tag at `at` (present or not), with the new
-// tag control `tci` and which of its priority and CFI replace the old.
-void _tag_edit(std::vector<uint8_t> &f, size_t at, bool present, uint32_t act, uint32_t tpid, uint32_t tci,
-               bool pri, bool cfi)
-{
-    if (act == kTagDelete && present) {
-        f.erase(f.begin() + static_cast<long>(at), f.begin() + static_cast<long>(at + kTagBytes));
-    } else if (act == kTagAdd) {
-        const uint8_t room[kTagBytes] = {};
-        f.insert(f.begin() + static_cast<long>(at), room, room + kTagBytes);
-        _tag_put(f, at, tpid, tci);
-    } else if (act == kTagReplace && present) {
-        const uint32_t old = _tag_at(f, at);
-        const uint32_t out = (tci & 0xFFF) | (pri ? tci & 0xE000 : old & 0xE000) | (cfi ? tci & 0x1000 : old & 0x1000);
-        _tag_put(f, at, static_cast<uint32_t>(f[at]) << 8 | f[at + 1], out);
-    }
-}
-
 bool _egress_translate(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *cause)
 {
     const auto &eg = pl.egr;
@@ -457,9 +431,9 @@ bool _egress_translate(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *c
     }
     std::vector<uint8_t> &f = *c.frame;
     const bool outer = f.size() >= kTypeOffset + kTagBytes && !c.untag;
-    const uint32_t otci = outer ? _tag_at(f, kTypeOffset) : 0;
+    const uint32_t otci = outer ? tag_at(f, kTypeOffset) : 0;
     const bool inner = p.tags == 2;
-    const uint32_t itci = inner ? _tag_at(f, kTypeOffset + (outer ? kTagBytes : 0)) : 0;
+    const uint32_t itci = inner ? tag_at(f, kTypeOffset + (outer ? kTagBytes : 0)) : 0;
     const uint32_t hash_id = static_cast<uint32_t>(bits_get(c.epat, eg.hash_opc));
     uint32_t ad = 0;
     bool hit = false;
@@ -487,10 +461,10 @@ bool _egress_translate(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *c
     const uint32_t index = static_cast<uint32_t>(bits_get(c.epat, eg.tpid_index));
     const uint32_t tpid = word_get(pl.reg(index < 2 ? pl.r.tpid0 : pl.r.tpid1), pl.r.tpid_value[index]);
     const uint32_t inner_tpid = word_get(pl.reg(pl.r.tpid0), pl.r.tpid_value[0]);
-    _tag_edit(f, kTypeOffset, outer, opc >> 2 & 3, tpid, static_cast<uint32_t>(bits_get(row, e.ovid)),
+    tag_edit(f, kTypeOffset, outer, opc >> 2 & 3, tpid, static_cast<uint32_t>(bits_get(row, e.ovid)),
               bits_get(row, e.outer_pri) != 0, bits_get(row, e.outer_cfi) != 0);
     const bool outer_now = (outer && (opc >> 2 & 3) != kTagDelete) || (opc >> 2 & 3) == kTagAdd;
-    _tag_edit(f, kTypeOffset + (outer_now ? kTagBytes : 0), inner, opc & 3, inner_tpid,
+    tag_edit(f, kTypeOffset + (outer_now ? kTagBytes : 0), inner, opc & 3, inner_tpid,
               static_cast<uint32_t>(bits_get(row, e.ivid)), bits_get(row, e.inner_pri) != 0,
               bits_get(row, e.inner_cfi) != 0);
     return true;
@@ -613,6 +587,35 @@ constexpr EgressStage kEgress[] = {
 };
 
 } // namespace
+
+uint32_t tag_at(const std::vector<uint8_t> &f, size_t at)
+{
+    return static_cast<uint32_t>(f[at + 2]) << 8 | f[at + 3];
+}
+
+void tag_put(std::vector<uint8_t> &f, size_t at, uint32_t tpid, uint32_t tci)
+{
+    f[at] = static_cast<uint8_t>(tpid >> 8);
+    f[at + 1] = static_cast<uint8_t>(tpid);
+    f[at + 2] = static_cast<uint8_t>(tci >> 8);
+    f[at + 3] = static_cast<uint8_t>(tci);
+}
+
+void tag_edit(std::vector<uint8_t> &f, size_t at, bool present, uint32_t act, uint32_t tpid, uint32_t tci,
+              bool pri, bool cfi)
+{
+    if (act == kTagDelete && present) {
+        f.erase(f.begin() + static_cast<long>(at), f.begin() + static_cast<long>(at + kTagBytes));
+    } else if (act == kTagAdd) {
+        const uint8_t room[kTagBytes] = {};
+        f.insert(f.begin() + static_cast<long>(at), room, room + kTagBytes);
+        tag_put(f, at, tpid, tci);
+    } else if (act == kTagReplace && present) {
+        const uint32_t old = tag_at(f, at);
+        const uint32_t out = (tci & 0xFFF) | (pri ? tci & 0xE000 : old & 0xE000) | (cfi ? tci & 0x1000 : old & 0x1000);
+        tag_put(f, at, static_cast<uint32_t>(f[at]) << 8 | f[at + 1], out);
+    }
+}
 
 void run_ingress(Pipeline &pl, Packet &p)
 {
