@@ -429,6 +429,14 @@ TIDE_API int tide_sim_ecc_inject(uint32_t chip, const tide_sim_ecc_error *error)
  * enabled and the line is open. */
 TIDE_API int tide_sim_intr_line_get(uint32_t chip, uint32_t *level);
 
+/* ---- MAC, PCS and link ---------------------------------------------------
+ * The 400 MHz input clock of the MACs locks when the pulse of bit 20 of the
+ * general register 0x47030 (BAR 3) ends: bit 21 of the general register
+ * 0x47044 reads 1 from then on, until the next pulse starts. */
+
+/* `on` 1: the clock never locks (bit 21 stays 0); 0: normal. */
+TIDE_API int tide_sim_clk400_never_lock_set(uint32_t chip, int on);
+
 TIDE_END_DECLS
 
 #endif /* TIDE_SIM_H */
