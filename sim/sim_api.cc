@@ -844,6 +844,14 @@ int tide_sim_clk400_never_lock_set(uint32_t chip, int on)
     });
 }
 
+int tide_sim_mac_gating_set(uint32_t chip, int on)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) {
+        mac.gating(on != 0);
+        return 0;
+    });
+}
+
 int tide_sim_mac_endpoint_set(uint32_t chip, uint32_t lport, int plugged)
 {
     return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.endpoint(lport, plugged != 0); });

@@ -583,4 +583,40 @@ int MacEngine::port_get(uint32_t lport, tide_sim_mac_port *out)
     return 0;
 }
 
+// ---- the packet path -----------------------------------------------------------------
+
+bool MacEngine::rx_admit(uint32_t lport, uint16_t *cause)
+{
+    if (!gating_ || lport >= kMacPorts) {
+        return true;
+    }
+    const PortState s = state(lport);
+    if (!s.rx_en) {
+        *cause = kCauseMacRxDisabled;
+        return false;
+    }
+    if (!s.link) {
+        *cause = kCauseMacRxLinkDown;
+        return false;
+    }
+    return true;
+}
+
+bool MacEngine::tx_admit(uint32_t lport, uint16_t *cause)
+{
+    if (!gating_ || lport >= kMacPorts) {
+        return true;
+    }
+    const PortState s = state(lport);
+    if (!s.link) {
+        *cause = kCausePortLinkDown;
+        return false;
+    }
+    if (!s.tx_en) {
+        *cause = kCauseMacTxDisabled;
+        return false;
+    }
+    return true;
+}
+
 } // namespace tide::sim

@@ -40,6 +40,16 @@ constexpr uint32_t kMacPorts = 28;
 constexpr uint32_t kMags = 8;
 constexpr uint32_t kPcsChannels = 34;
 
+// Causes of the MAC stage's drops.  They lie beyond the chip's cause
+// statistics (the frame never reaches the pipeline), so they are named
+// but not counted there.
+enum MacCause : uint16_t {
+    kCauseMacRxDisabled = 2048, // MAC_RX_DISABLED: rx_en is clear
+    kCauseMacRxLinkDown = 2049, // MAC_RX_LINK_DOWN: the port's link is down
+    kCauseMacTxDisabled = 2050, // MAC_TX_DISABLED: tx_en is clear
+    kCausePortLinkDown = 735,   // DISCARD_PORT_LINK_DOWN: egress to a port whose link is down
+};
+
 class MacEngine {
 public:
     MacEngine(Chip &chip, SerdesFabric *fabric);
@@ -53,9 +63,17 @@ public:
 
     // ---- knobs; the caller holds the chip's mutex ----
     void clock_never_lock(bool on) { clk_never_lock_ = on; }
+    void gating(bool on) { gating_ = on; }
+    bool gating() const { return gating_; }
     int endpoint(uint32_t lport, bool plugged);
     int partner(uint32_t lport, const tide_sim_mac_partner *p);
     int port_get(uint32_t lport, tide_sim_mac_port *out);
+
+    // ---- the packet path; the caller holds the chip's mutex ----
+    // Whether a frame may enter by `lport`; `cause` gets the drop's cause.
+    // Inner ports and an ungated model take every frame.
+    bool rx_admit(uint32_t lport, uint16_t *cause);
+    bool tx_admit(uint32_t lport, uint16_t *cause);
 
     // Recomputes every port: link bits, AN status, events.
     void update();
@@ -88,6 +106,7 @@ private:
     bool ok_ = true;
     bool clk_never_lock_ = false;
     bool clk_pulse_high_ = false;
+    bool gating_ = false;
     bool updating_ = false;
     std::array<Partner, kMacPorts> partners_{};
     std::array<bool, kMacPorts> link_was_{};

@@ -446,6 +446,20 @@ TIDE_API int tide_sim_clk400_never_lock_set(uint32_t chip, int on);
  * tide_sim_packet_inject/_capture and of the TAPs), a partner that is
  * always there unless unplugged.  Ports 28 to 31 are inside the chip. */
 
+/* MAC data path gating: with `on` 1 a frame enters only by a front port
+ * whose MAC receives (rx_en) and whose link is up, and leaves only by one
+ * whose MAC sends (tx_en) and whose link is up; a frame refused is dropped
+ * with its cause.  Off (the default), the MACs let every frame pass. */
+TIDE_API int tide_sim_mac_gating_set(uint32_t chip, int on);
+
+/* Drop causes of the MAC stage (in tide_sim_port_stats.last_drop_cause and
+ * the capture file); a frame to a port whose link is down is dropped by
+ * the egress pipeline with cause 735 DISCARD_PORT_LINK_DOWN. */
+#define TIDE_SIM_CAUSE_MAC_RX_DISABLED 2048u
+#define TIDE_SIM_CAUSE_MAC_RX_LINK_DOWN 2049u
+#define TIDE_SIM_CAUSE_MAC_TX_DISABLED 2050u
+#define TIDE_SIM_CAUSE_PORT_LINK_DOWN 735u
+
 /* Plugs (1) or unplugs (0) the frame endpoint of a front port whose lane
  * has no cable or plug: unplugged, its link is down.  -4 for a port above
  * 27. */

@@ -1,8 +1,8 @@
 // The chip model's MAC side, driven through the chip's registers as a
 // driver would: the 400 MHz input clock, the link of a port by every cause
 // that takes it down, the glue modes and channels, cabled and plugged
-// lanes, auto-negotiation against the partner's abilities and the link
-// events.
+// lanes, auto-negotiation against the partner's abilities, the link
+// events, and the MAC data path gate.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -13,6 +13,7 @@
 #include "atolreef_cib.h"
 #include "hal/hal_op/hal.h"
 #include "support/fixture.h"
+#include "support/vlan_ports.h"
 
 using tide::test::SimChips;
 
@@ -313,6 +314,67 @@ TEST_F(SimMac, LinkChangesRaiseTheirEvents)
     EXPECT_EQ(rd(cib_mac_port_int_stat, 1) & 1u, 1u); // link down of lport 1
     EXPECT_EQ(rd(cib_pcs_8b10b_int_stat, 0) & (1u << 4), 1u << 4);
     EXPECT_EQ(rd(cib_mac_port_int_stat, 0) & 1u, 0u); // lport 0 unchanged
+}
+
+// ---- the MAC data path gate -----------------------------------------------------------
+
+std::vector<uint8_t> frame(uint8_t src)
+{
+    std::vector<uint8_t> f(60, 0);
+    for (int i = 0; i < 6; i++) {
+        f[i] = 0xFF;
+    }
+    f[6] = 0x02;
+    f[11] = src;
+    f[12] = 0x08;
+    return f;
+}
+
+TEST_F(SimMac, GatedFramesNeedAnEnabledMacWithItsLinkUp)
+{
+    ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
+    mag_up(0, k1000BaseX);
+    mag_up(1, k1000BaseX);
+    enable(0);
+    enable(4);
+    ASSERT_EQ(tide_sim_mac_gating_set(0, 1), 0);
+    // Broadcast from port 0: only port 4 has a MAC up.
+    const auto f = frame(1);
+    ASSERT_EQ(tide_sim_packet_inject(0, 0, f.data(), static_cast<u32>(f.size())), 0);
+    tide_sim_port_stats s4{}, s8{};
+    ASSERT_EQ(tide_sim_port_stats_get(0, 4, &s4), 0);
+    ASSERT_EQ(tide_sim_port_stats_get(0, 8, &s8), 0);
+    EXPECT_EQ(s4.tx_frames, 1u);
+    EXPECT_EQ(s8.tx_frames, 0u);
+    // Port 4 with its link down, then with tx_en clear: nothing leaves.
+    ASSERT_EQ(tide_sim_mac_endpoint_set(0, 4, 0), 0);
+    ASSERT_EQ(tide_sim_packet_inject(0, 0, f.data(), static_cast<u32>(f.size())), 0);
+    ASSERT_EQ(tide_sim_mac_endpoint_set(0, 4, 1), 0);
+    wr(cib_mac_port_enable_cfg, 4, 0x2);
+    ASSERT_EQ(tide_sim_packet_inject(0, 0, f.data(), static_cast<u32>(f.size())), 0);
+    ASSERT_EQ(tide_sim_port_stats_get(0, 4, &s4), 0);
+    EXPECT_EQ(s4.tx_frames, 1u);
+    // Into the chip: rx_en clear, then the link down, each named.
+    struct Case {
+        u32 enable;
+        int plugged;
+        u32 cause;
+    };
+    for (const Case c : {Case{0x4, 1, TIDE_SIM_CAUSE_MAC_RX_DISABLED}, Case{0x6, 0, TIDE_SIM_CAUSE_MAC_RX_LINK_DOWN}}) {
+        wr(cib_mac_port_enable_cfg, 0, c.enable);
+        ASSERT_EQ(tide_sim_mac_endpoint_set(0, 0, c.plugged), 0);
+        tide_sim_port_stats before{}, after{};
+        ASSERT_EQ(tide_sim_port_stats_get(0, 0, &before), 0);
+        ASSERT_EQ(tide_sim_packet_inject(0, 0, f.data(), static_cast<u32>(f.size())), 0);
+        ASSERT_EQ(tide_sim_port_stats_get(0, 0, &after), 0);
+        EXPECT_EQ(after.rx_dropped, before.rx_dropped + 1);
+        EXPECT_EQ(after.last_drop_cause, c.cause);
+    }
+    // Ungated, the same frame passes again.
+    ASSERT_EQ(tide_sim_mac_gating_set(0, 0), 0);
+    ASSERT_EQ(tide_sim_packet_inject(0, 0, f.data(), static_cast<u32>(f.size())), 0);
+    ASSERT_EQ(tide_sim_port_stats_get(0, 8, &s8), 0);
+    EXPECT_EQ(s8.tx_frames, 1u);
 }
 
 } // namespace
