@@ -844,4 +844,30 @@ int tide_sim_clk400_never_lock_set(uint32_t chip, int on)
     });
 }
 
+int tide_sim_mac_gating_set(uint32_t chip, int on)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) {
+        mac.gating(on != 0);
+        return 0;
+    });
+}
+
+int tide_sim_mac_endpoint_set(uint32_t chip, uint32_t lport, int plugged)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.endpoint(lport, plugged != 0); });
+}
+
+int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_sim_mac_partner *partner)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.partner(lport, partner); });
+}
+
+int tide_sim_mac_port_get(uint32_t chip, uint32_t lport, tide_sim_mac_port *port)
+{
+    if (port == nullptr) {
+        return _chip_status(chip) != 0 ? _chip_status(chip) : -20;
+    }
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.port_get(lport, port); });
+}
+
 } // extern "C"

@@ -62,7 +62,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number, SerdesFabric *fabric) : id_(id), bu
     tap = std::make_unique<TapPorts>(*this);
     intr = std::make_unique<IntrTree>(*this);
     serdes = std::make_unique<SerdesEngine>(*this, fabric);
-    mac = std::make_unique<MacEngine>(*this);
+    mac = std::make_unique<MacEngine>(*this, fabric);
     if (ok()) {
         reset_core();
     }
@@ -341,6 +341,9 @@ void Chip::reset_core()
     }
     if (qos) {
         qos->clear();
+    }
+    if (mac) {
+        mac->clear();
     }
     if (intr) {
         intr->update();
