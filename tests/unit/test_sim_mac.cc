@@ -49,10 +49,15 @@ protected:
 
 TEST_F(SimMacClock, LocksWhenThePulseEndsAndNotBefore)
 {
+    // The ports' bring-up has locked it; the rising edge of a pulse
+    // restarts it, and while the pulse is held it stays unlocked.
+    EXPECT_NE(read_reg(0, 3, kClkStatus) & kLocked, 0u);
+    write3(kClkCtrl, 80 | kPulse);
     EXPECT_EQ(read_reg(0, 3, kClkStatus) & kLocked, 0u);
-    // Writing the divider alone starts nothing.
+    write3(kClkCtrl, 80 | kPulse);
+    EXPECT_EQ(read_reg(0, 3, kClkStatus) & kLocked, 0u);
     write3(kClkCtrl, 80);
-    EXPECT_EQ(read_reg(0, 3, kClkStatus) & kLocked, 0u);
+    EXPECT_NE(read_reg(0, 3, kClkStatus) & kLocked, 0u);
     pulse();
     EXPECT_NE(read_reg(0, 3, kClkStatus) & kLocked, 0u);
     EXPECT_EQ(read_reg(0, 3, kClkCtrl) & 0x1FFu, 80u);
@@ -112,6 +117,11 @@ protected:
         wr(cib_lsw_hreg_soft_rst, 0, 0x00FFF800, chip);
         wr(cib_lsw_hreg_clk_gating_en, 0, 0, chip);
         wr(cib_pcs_glb_protocol_type, mag, ch_num << 4 | protocol, chip);
+        // The ports' bring-up left the block resets of unconfigured MAGs held.
+        wr(cib_pcs_glb_pcs_rst, mag, 0, chip);
+        for (u32 group = 0; group < 5; group++) {
+            wr(cib_mac_glb_rst_cfg, group, 0, chip);
+        }
     }
     static void enable(u32 lport, u32 chip = 0) { wr(cib_mac_port_enable_cfg, lport, 0x6, chip); }
     static u32 an_status(u32 channel, u32 chip = 0) { return rd(cib_pcs_an_pcs_an_status_1, channel, chip); }

@@ -663,6 +663,9 @@ i32 _csl_atolreef_port_interface_type_set(u32 chip_id, u32 lport, port_interface
         },
         [&] { return _csl_atolreef_mag_link_filtration_init(chip_id, mag, code); },
         [&] { return _csl_atolreef_mag_interface_clk_check_init(chip_id, mag, type); },
+        // The MAG stopped at the start runs again (reset released, then its
+        // clocks) before its PCS and MACs leave their block resets.
+        [&] { return _csl_atolreef_port_gating_cfg(chip_id, mag, 3, 1); },
         [&] { return _csl_atolreef_pcs_glb_reset(chip_id, mag, 2, 0); },
         [&] { return _csl_atolreef_mac_glb_reset(chip_id, mag, 2, 0); },
         [&] { return _csl_atolreef_mag_pcs_block_and_slot_init(chip_id, mag, info); },
