@@ -15,6 +15,7 @@
 #include "sim/sim_mcc.h"
 #include "sim/sim_int.h"
 #include "sim/sim_intr.h"
+#include "sim/sim_mac.h"
 #include "sim/sim_macsec.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
@@ -810,6 +811,63 @@ int tide_sim_serdes_lane_get(uint32_t chip, uint32_t serdes_id, tide_sim_serdes_
     lane->prbs_locked = v.prbs_locked;
     lane->prbs_errors = v.prbs_errors;
     return 0;
+}
+
+} // extern "C"
+
+// ---- MAC, PCS and link -----------------------------------------------------------
+
+namespace {
+
+// Runs `fn` on the chip's MAC engine under the chip's mutex.
+template <typename F>
+int _on_mac(uint32_t chip, F fn)
+{
+    const int rc = _chip_status(chip);
+    if (rc != 0) {
+        return rc;
+    }
+    Chip *c = _chip(chip);
+    std::lock_guard<std::mutex> lock(c->mutex);
+    return fn(*c->mac);
+}
+
+} // namespace
+
+extern "C" {
+
+int tide_sim_clk400_never_lock_set(uint32_t chip, int on)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) {
+        mac.clock_never_lock(on != 0);
+        return 0;
+    });
+}
+
+int tide_sim_mac_gating_set(uint32_t chip, int on)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) {
+        mac.gating(on != 0);
+        return 0;
+    });
+}
+
+int tide_sim_mac_endpoint_set(uint32_t chip, uint32_t lport, int plugged)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.endpoint(lport, plugged != 0); });
+}
+
+int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_sim_mac_partner *partner)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.partner(lport, partner); });
+}
+
+int tide_sim_mac_port_get(uint32_t chip, uint32_t lport, tide_sim_mac_port *port)
+{
+    if (port == nullptr) {
+        return _chip_status(chip) != 0 ? _chip_status(chip) : -20;
+    }
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.port_get(lport, port); });
 }
 
 } // extern "C"

@@ -8,6 +8,7 @@
 #include "sim/sim_em.h"
 #include "sim/sim_mcc.h"
 #include "sim/sim_intr.h"
+#include "sim/sim_mac.h"
 #include "sim/sim_macsec.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
@@ -61,6 +62,7 @@ Chip::Chip(uint32_t id, uint32_t bus_number, SerdesFabric *fabric) : id_(id), bu
     tap = std::make_unique<TapPorts>(*this);
     intr = std::make_unique<IntrTree>(*this);
     serdes = std::make_unique<SerdesEngine>(*this, fabric);
+    mac = std::make_unique<MacEngine>(*this, fabric);
     if (ok()) {
         reset_core();
     }
@@ -75,6 +77,7 @@ Chip::~Chip()
     tap->close_all();
     tap.reset();
     intr.reset();
+    mac.reset();
     serdes.reset();
     pkt.reset();
     qos.reset();
@@ -98,7 +101,8 @@ bool Chip::ok() const
     }
     return (arl == nullptr || arl->ok()) && (tcam == nullptr || tcam->ok()) && (em == nullptr || em->ok()) &&
            (mcc == nullptr || mcc->ok()) && (pkt == nullptr || pkt->ok()) && (intr == nullptr || intr->ok()) &&
-           (serdes == nullptr || serdes->ok()) && (qos == nullptr || qos->ok());
+           (serdes == nullptr || serdes->ok()) && (qos == nullptr || qos->ok()) &&
+           (mac == nullptr || mac->ok());
 }
 
 int Chip::aperture_of_bar(uint32_t bar)
@@ -338,6 +342,9 @@ void Chip::reset_core()
     if (qos) {
         qos->clear();
     }
+    if (mac) {
+        mac->clear();
+    }
     if (intr) {
         intr->update();
     }
@@ -353,6 +360,7 @@ void Chip::install_engines()
     intr->install();
     serdes->install();
     qos->install();
+    mac->install();
     stat_install(*this);
     macsec_install(*this);
     // Reset controller: a write of 0 to the sequence register starts a

@@ -61,6 +61,7 @@ class IntrTree;
 class SerdesEngine;
 class SerdesFabric;
 class QosEngine;
+class MacEngine;
 using WriteHandler = std::function<void(Chip &, uint32_t bar, uint32_t addr, uint64_t value)>;
 // Runs before a CPU read of the address: the chip's logic brings the word
 // up to date.
@@ -178,6 +179,8 @@ public:
     std::unique_ptr<SerdesEngine> serdes;
     // Classification, policers, queues and remark.
     std::unique_ptr<QosEngine> qos;
+    // Clocks, glue, PCS, MACs and link of the ports.
+    std::unique_ptr<MacEngine> mac;
 
     // Microseconds the SDK waited for the chip to settle.
     std::atomic<uint64_t> waited_us{0};

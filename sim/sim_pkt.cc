@@ -11,6 +11,7 @@
 #include "sim/sim_vlan.h"
 #include "sim/sim_em.h"
 #include "sim/sim_int.h"
+#include "sim/sim_mac.h"
 #include "sim/sim_pcap.h"
 #include "sim/sim_stat.h"
 #include "sim/sim_tap.h"
@@ -72,6 +73,10 @@ constexpr CauseName kDropNames[] = {
     {kCauseVtMissDrop, "DISCARD_VTMISSDROP"},
     {kCauseOpcodeAbnormal, "DISCARD_OPCODE_ABNORMAL"},
     {kCauseQmFlush, "QM_FLUSH_DROP"},
+    {kCausePortLinkDown, "DISCARD_PORT_LINK_DOWN"},
+    {kCauseMacRxDisabled, "MAC_RX_DISABLED"},
+    {kCauseMacRxLinkDown, "MAC_RX_LINK_DOWN"},
+    {kCauseMacTxDisabled, "MAC_TX_DISABLED"},
 };
 
 constexpr CauseName kCpuNames[] = {
@@ -352,6 +357,16 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
     PortState &in = ports_[port];
     in.stats.rx_frames++;
     in.stats.rx_bytes += len;
+    uint16_t mac_cause = 0;
+    if (!chip_.mac->rx_admit(port, &mac_cause)) {
+        // The MAC refuses it: it never reaches the pipeline.
+        in.stats.rx_dropped++;
+        in.stats.last_drop_cause = mac_cause;
+        if (pcap_ != nullptr) {
+            pcap_->frame(port, true, now_ms_ * kMsPerSecond, frame, len, _comment("dropped,", mac_cause, false));
+        }
+        return;
+    }
     count_entry(chip_, t.iport_stat, port, iport_pkts, iport_bytes, len + kFcs);
     Packet p;
     p.data = frame;

@@ -9,6 +9,8 @@
 // the verdict in the packet record says why.
 #include "sim/sim_pkt.h"
 #include "sim/sim_em.h"
+#include "sim/sim_int.h"
+#include "sim/sim_mac.h"
 #include "sim/sim_qos.h"
 #include "sim/sim_vlan.h"
 
@@ -566,6 +568,13 @@ bool _qm(Pipeline &pl, const Packet &, EgressCopy &c, uint16_t *cause)
     return true;
 }
 
+// The egress port's link: a copy for a port whose link is down, or whose
+// MAC does not send, goes no further.
+bool _port_link(Pipeline &pl, const Packet &, EgressCopy &c, uint16_t *cause)
+{
+    return pl.chip().mac->tx_admit(c.port, cause);
+}
+
 // MAC TX: pads to the Ethernet minimum and delivers.
 bool _mac_tx(Pipeline &pl, const Packet &p, EgressCopy &c, uint16_t *)
 {
@@ -583,7 +592,7 @@ struct EgressStage {
 };
 
 constexpr EgressStage kEgress[] = {
-    {"epro", _epro}, {"ecar", _ecar}, {"qm", _qm}, {"mac_tx", _mac_tx},
+    {"link", _port_link}, {"epro", _epro}, {"ecar", _ecar}, {"qm", _qm}, {"mac_tx", _mac_tx},
 };
 
 } // namespace

@@ -87,6 +87,7 @@ void SerdesFabric::forget(uint32_t chip)
     for (uint32_t sid = 0; sid < kSerdesLanesPerChip; sid++) {
         Lane &l = lanes_[key(chip, sid)];
         l.facts = LaneFacts{};
+        l.pcs = PcsTx{};
         l.errors = 0;
     }
 }
@@ -292,6 +293,24 @@ SerdesFabric::LaneView SerdesFabric::view(uint32_t chip, uint32_t sid)
     v.prbs_locked = prbs_locked_locked(k);
     v.prbs_errors = lanes_[k].errors;
     return v;
+}
+
+void SerdesFabric::pcs_publish(uint32_t chip, uint32_t sid, const PcsTx &tx)
+{
+    if (valid(chip, sid)) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        lanes_[key(chip, sid)].pcs = tx;
+    }
+}
+
+PcsTx SerdesFabric::pcs_arriving(uint32_t chip, uint32_t sid)
+{
+    if (!valid(chip, sid)) {
+        return PcsTx{};
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    const Lane &l = lanes_[key(chip, sid)];
+    return l.link == Link::none ? PcsTx{} : lanes_[l.peer].pcs;
 }
 
 // ---- engine ------------------------------------------------------------------------------

@@ -68,6 +68,17 @@ struct Signal {
     uint64_t pattern = 0;
 };
 
+// What a lane's PCS sends toward the far end, as the MAC stage of its chip
+// publishes it: running with a protocol, the channels that send idles, and
+// for each channel whether it negotiates and what it advertises.
+struct PcsTx {
+    bool on = false;
+    uint32_t protocol = 0;
+    uint32_t sending = 0; // bit per channel
+    uint32_t an = 0;      // bit per channel
+    std::array<uint16_t, 8> adv{};
+};
+
 class SerdesFabric {
 public:
     enum class Link : uint8_t { none, cable, plug };
@@ -105,8 +116,15 @@ public:
     };
     LaneView view(uint32_t chip, uint32_t sid);
 
+    // The PCS side of a lane: what it sends, and what arrives at its
+    // receiver (its own with a plug, the far end's with a cable, nothing
+    // otherwise).
+    void pcs_publish(uint32_t chip, uint32_t sid, const PcsTx &tx);
+    PcsTx pcs_arriving(uint32_t chip, uint32_t sid);
+
 private:
     struct Lane {
+        PcsTx pcs;
         LaneFacts facts;
         Link link = Link::none;
         uint32_t peer = 0;

@@ -429,6 +429,85 @@ TIDE_API int tide_sim_ecc_inject(uint32_t chip, const tide_sim_ecc_error *error)
  * enabled and the line is open. */
 TIDE_API int tide_sim_intr_line_get(uint32_t chip, uint32_t *level);
 
+/* ---- MAC, PCS and link ---------------------------------------------------
+ * The 400 MHz input clock of the MACs locks when the pulse of bit 20 of the
+ * general register 0x47030 (BAR 3) ends: bit 21 of the general register
+ * 0x47044 reads 1 from then on, until the next pulse starts. */
+
+/* `on` 1: the clock never locks (bit 21 stays 0); 0: normal. */
+TIDE_API int tide_sim_clk400_never_lock_set(uint32_t chip, int on);
+
+/* The link of a front port (0 to 27) is computed from its registers (glue
+ * mode, the MAG's protocol and channels, resets, clock gates, force
+ * register, auto-negotiation) and from what reaches it: a MAC inner loop,
+ * the lane's cable or plug (tide_sim_serdes_link/_plug: the lane's clock
+ * recovery locked and the far PCS sending the port's channel), or, for a
+ * lane with neither, the model's frame endpoint (the side of
+ * tide_sim_packet_inject/_capture and of the TAPs), a partner that is
+ * always there unless unplugged.  Ports 28 to 31 are inside the chip. */
+
+/* MAC data path gating: with `on` 1 a frame enters only by a front port
+ * whose MAC receives (rx_en) and whose link is up, and leaves only by one
+ * whose MAC sends (tx_en) and whose link is up; a frame refused is dropped
+ * with its cause.  Off (the default), the MACs let every frame pass. */
+TIDE_API int tide_sim_mac_gating_set(uint32_t chip, int on);
+
+/* Drop causes of the MAC stage (in tide_sim_port_stats.last_drop_cause and
+ * the capture file); a frame to a port whose link is down is dropped by
+ * the egress pipeline with cause 735 DISCARD_PORT_LINK_DOWN. */
+#define TIDE_SIM_CAUSE_MAC_RX_DISABLED 2048u
+#define TIDE_SIM_CAUSE_MAC_RX_LINK_DOWN 2049u
+#define TIDE_SIM_CAUSE_MAC_TX_DISABLED 2050u
+#define TIDE_SIM_CAUSE_PORT_LINK_DOWN 735u
+
+/* Plugs (1) or unplugs (0) the frame endpoint of a front port whose lane
+ * has no cable or plug: unplugged, its link is down.  -4 for a port above
+ * 27. */
+TIDE_API int tide_sim_mac_endpoint_set(uint32_t chip, uint32_t lport, int plugged);
+
+/* The abilities the link partner of a front port advertises in
+ * auto-negotiation.  The default (a NULL record) is a partner that
+ * advertises what the port itself does: the fastest speed of its
+ * interface, full duplex, and the port's own pause bits (bits 8:7 of
+ * tx_cfg_dat). */
+typedef struct tide_sim_mac_partner {
+    uint32_t negotiates; /* 0: the partner does not negotiate: AN never completes */
+    uint32_t speed;      /* Mbit/s: 10, 100, 1000, 2500, 5000 or 10000 */
+    uint32_t duplex;     /* 1 full, 0 half */
+    uint32_t pause;      /* the two pause bits: 0 none, 1 symmetric, 2 asymmetric, 3 both */
+} tide_sim_mac_partner;
+/* -4 for a port above 27 or a speed, duplex or pause out of range. */
+TIDE_API int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_sim_mac_partner *partner);
+
+/* Why a front port's link is down (tide_sim_mac_port.down), in the order
+ * the model checks them. */
+#define TIDE_SIM_MAC_UP 0u               /* the link is up */
+#define TIDE_SIM_MAC_DOWN_NO_PORT 1u     /* the glue mode has no such port */
+#define TIDE_SIM_MAC_DOWN_NO_INTERFACE 2u /* the MAG has no protocol, or the port is beyond its channels */
+#define TIDE_SIM_MAC_DOWN_GLUE_RESET 3u  /* mag_glue_rst_cfg holds the glue */
+#define TIDE_SIM_MAC_DOWN_PCS_RESET 4u   /* the MAG's PCS held in reset or its clock gated */
+#define TIDE_SIM_MAC_DOWN_MAC_RESET 5u   /* the MAC group, the MAC or the port held in reset, or its clock gated */
+#define TIDE_SIM_MAC_DOWN_FORCED 6u      /* the force register holds it down */
+#define TIDE_SIM_MAC_DOWN_NO_SIGNAL 7u   /* nothing arrives: no locked lane, no endpoint */
+#define TIDE_SIM_MAC_DOWN_NO_PARTNER 8u  /* the far PCS sends no idles on this channel (reset, other protocol) */
+#define TIDE_SIM_MAC_DOWN_AN 9u          /* auto-negotiation enabled and not complete */
+
+typedef struct tide_sim_mac_port {
+    uint32_t link;      /* 1 up */
+    uint32_t down;      /* TIDE_SIM_MAC_* */
+    uint32_t mag;       /* the MAG and MAC of the port in the glue mode */
+    uint32_t mac;
+    uint32_t channel;   /* its PCS channel (pcs_an index) */
+    uint32_t rx_en;
+    uint32_t tx_en;
+    uint32_t an_done;   /* auto-negotiation complete */
+    uint32_t an_speed;  /* the resolved an_speed code, an_duplex and an_pause */
+    uint32_t an_duplex;
+    uint32_t an_pause;
+} tide_sim_mac_port;
+/* -4 for a port above 27, -20 for NULL. */
+TIDE_API int tide_sim_mac_port_get(uint32_t chip, uint32_t lport, tide_sim_mac_port *port);
+
 TIDE_END_DECLS
 
 #endif /* TIDE_SIM_H */

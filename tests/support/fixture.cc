@@ -124,6 +124,8 @@ void SimChips::up_chip(uint32_t chip)
         tide_sim_identity id{};
         tide_sim_identity_get(chip, &id);
         ASSERT_EQ(tide_sim_reg_poke(chip, 3, 0x47014, id.device_id == 0x9228 ? 1u << 2 : 1u), 0);
+        // the 400 MHz clock's lock bit, so that the ports' phase 1 finds it,
+        ASSERT_EQ(tide_sim_reg_poke(chip, 3, 0x47044, 1u << 21), 0);
         // and the TCAM's done bits, so that its clearing finds them.
         ASSERT_EQ(tide_sim_reg_poke(chip, 4, atolreef_cib_acl_core_tcam_init_done_reg.addr[0], 0xFFFF), 0);
     }

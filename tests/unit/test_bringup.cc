@@ -100,7 +100,9 @@ TEST_F(Levels, HardResetWritesTheSequenceThenPolls)
     ASSERT_EQ(init_api_hardware_process(0), 0);
     std::vector<uint32_t> seq;
     for (const auto &w : tide::test::sim_writes(0)) {
-        if (w.bar == 3) {
+        // The reset sequence's register; the ports' clock pulse is the
+        // other general register written at hardware init.
+        if (w.bar == 3 && w.addr != 0x47030u) {
             EXPECT_EQ(w.addr, 0x47200u);
             seq.push_back(static_cast<uint32_t>(w.value));
         }

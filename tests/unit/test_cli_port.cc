@@ -262,9 +262,8 @@ TEST_F(CliPort, DisplaysShowWhatTheReadsAnswerAndADashForWhatIsNotThere)
     EXPECT_FALSE(said(" 1         "));
 }
 
-// What an operator sees before any driver is behind the ports: the
-// service's own answers.
-TEST_F(CliPort, WithoutADriverTheServicesOwnAnswersShow)
+// What an operator sees before a mapping mode gives the ports their MAGs.
+TEST_F(CliPort, BeforeAMappingModeThePortsHaveNoMag)
 {
     for (u32 lport = 0; lport < 32; lport++) {
         g_dpl_reef_port_control[0][lport].driver = csl_atolreef_port_driver_get();
@@ -275,11 +274,10 @@ TEST_F(CliPort, WithoutADriverTheServicesOwnAnswersShow)
     // No mapping mode: the port has no MAG yet.
     EXPECT_EQ(run("port 3 protocol-cfg type sgmii"), -24);
     EXPECT_TRUE(said(" port 3: call port_api_interface_set failed, Not Support\n")) << out_;
-    // An operation whose driver slot is empty succeeds and does nothing.
-    EXPECT_EQ(run("port 0 speed 1G"), 0);
+    // The driver refuses a port that no MAG holds, whatever the service thinks.
+    EXPECT_EQ(run("port 0 speed 1G"), -4);
+    EXPECT_TRUE(said(" port 0: call port_api_speed_set failed, Invalid parameter\n")) << out_;
     EXPECT_EQ(run("port 1 speed 1G"), -24);
-    EXPECT_EQ(run("show port 0 status"), 0);
-    EXPECT_TRUE(said(" 0         -                disable  down  0M      half    disable\n")) << out_;
 }
 
 TEST_F(CliPort, TheRecordsAsAClientDownloadsThemAndOneRunThroughTheServer)

@@ -351,6 +351,9 @@ TEST_F(Port, EveryOperationReachesItsDriverSlot)
 TEST_F(Port, OperationsWithoutADriverSucceedAndDoNothing)
 {
     csl_port_control_get(0)->port_config.pbmp[PORT_CONFIG_ACTIVE] = pbmp_range(0, 27);
+    for (u32 lport = 0; lport < 32; lport++) {
+        g_dpl_reef_port_control[0][lport].driver = nullptr;
+    }
     u32 v = 77;
     EXPECT_EQ(port_api_speed_get(0, 3, &v), 0);
     EXPECT_EQ(v, 77u);

@@ -297,6 +297,14 @@ i32 _dpl_reef_port_interface_set(u32 chip_id, u32 lport, port_interface *info)
     if (rc == 0) {
         rc = dpl_reef_port_serdes_speed_get(chip_id, lport, info->interface_type, &speed_id);
     }
+    // The chip's own driver must take the type on the port's MAG before the
+    // lane changes its rate.
+    const reef_port_special_t *row = reef_port_special[chip_id];
+    const dpl_reef_port_info *port = _dpl_port_info(chip_id, lport);
+    if (rc == 0 && row != nullptr && row->interface_check != nullptr && port != nullptr &&
+        port->driver == g_csl_port_driver[chip_id]) {
+        rc = row->interface_check(chip_id, lport, info);
+    }
     if (rc == 0) {
         // The lane runs at its new rate before the MAC layer follows it.
         serdes_freq freq{speed_id, 0};

@@ -31,6 +31,8 @@ typedef struct reef_port_special_t {
     i32 (*link_fwd_pbmp_set)(u32 chip_id, const port_bitmap *pbmp);
     i32 (*chk_sds_status)(u32 chip_id, u32 lport);
     i32 (*intr_init)(u32 chip_id);
+    /* Whether the port's MAG takes the interface, before anything changes. */
+    i32 (*interface_check)(u32 chip_id, u32 lport, const port_interface *info);
 } reef_port_special_t;
 
 extern xsal_mutex_t g_dpl_reef_port_chip_lock[SHR_MAX_CHIPS];

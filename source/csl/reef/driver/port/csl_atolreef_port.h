@@ -31,10 +31,16 @@ i32 csl_atolreef_control_db_deinit(u32 chip_id);
 /* Loads the MAG and MAC rows of mapping mode 0 or 1 (-4 for another): all
  * MAGs lose their interface type, no port stays active. */
 i32 csl_atolreef_port_map_load(u32 chip_id, u32 map_mode);
+/* No mapping mode: every MAC absent, no MAG with members or a type. */
+i32 csl_atolreef_port_map_clear(u32 chip_id);
 /* MAG and index in the MAG of a MAC port in the current mapping; -24
  * (logged) for a port without one. */
 i32 csl_atolreef_port_mag_get(u32 chip_id, u32 lport, u32 *mag_id, u32 *mac);
 i32 csl_atolreef_port_pcs_channel_get(u32 chip_id, u32 lport, u32 *channel);
+/* Whether the MAG of the port takes the interface type and port count in
+ * the current mapping mode: 0, or the refusal of the interface sequence
+ * (logged), with nothing written. */
+i32 csl_atolreef_port_interface_check(u32 chip_id, u32 lport, const port_interface *info);
 /* Register index and bit of a MAC port in mag_glb_ch_link. */
 i32 csl_atolreef_port_link_bit_get(u32 chip_id, u32 lport, u32 *reg_index, u32 *bit);
 

@@ -1,12 +1,15 @@
-// The port model of atolreef and its driver table.  The operations that
-// only read the model live here; the MAC and PCS operations fill their
-// slots as they come.
+// The port model of atolreef, the driver's register helpers and its
+// operation table.  The operations that only read the model live here;
+// bring-up and interfaces in csl_drv_atolreef_port_init.cc, the MAC and
+// PCS of a port in csl_drv_atolreef_port_mac.cc, the counters in
+// csl_drv_atolreef_port_mib.cc.
 #include <cstdio>
 #include <cstring>
 
 #include <tide/property.h>
 
-#include "csl/reef/driver/port/csl_atolreef_port.h"
+#include "csl/reef/driver/port/csl_atolreef_port_int.h"
+#include "csl/reef/reg_tbl/csl_reef_field.h"
 
 using tide::port::MutexGuard;
 using tide::port::pbmp_range;
@@ -71,6 +74,104 @@ i32 _csl_atolreef_inner_port_names_store(u32 chip_id)
 
 } // namespace
 
+// ---- register helpers -----------------------------------------------------------------
+
+namespace tide::port::atolreef {
+
+namespace {
+
+i32 _reg_read(u32 chip_id, u32 reg_id, u32 index, u8 data[4])
+{
+    memset(data, 0, 4);
+    return csl_reef_reg_get(chip_id, CIB_ID(reg_id, index), data, 4);
+}
+
+i32 _reg_put(u32 chip_id, u32 reg_id, u32 index, u8 data[4], std::initializer_list<fv> fields)
+{
+    for (const fv &f : fields) {
+        const i32 rc = csl_reg_field32_set_to_data(chip_id, data, reg_id, f.value, f.field);
+        if (rc != 0) {
+            return rc;
+        }
+    }
+    return csl_reef_reg_set(chip_id, CIB_ID(reg_id, index), data, 4);
+}
+
+} // namespace
+
+i32 reg_update(u32 chip_id, u32 reg_id, u32 index, std::initializer_list<fv> fields)
+{
+    u8 data[4];
+    const i32 rc = _reg_read(chip_id, reg_id, index, data);
+    return rc != 0 ? rc : _reg_put(chip_id, reg_id, index, data, fields);
+}
+
+i32 reg_write(u32 chip_id, u32 reg_id, u32 index, std::initializer_list<fv> fields)
+{
+    u8 data[4] = {};
+    return _reg_put(chip_id, reg_id, index, data, fields);
+}
+
+i32 reg_field_get(u32 chip_id, u32 reg_id, u32 index, u32 field, u32 *value)
+{
+    u8 data[4];
+    *value = 0;
+    const i32 rc = _reg_read(chip_id, reg_id, index, data);
+    return rc != 0 ? rc : csl_reg_field32_get_from_data(chip_id, data, reg_id, value, field);
+}
+
+i32 reg_field_bits_set(u32 chip_id, u32 reg_id, u32 index, u32 field, u32 pos, u32 width, u32 value)
+{
+    u8 data[4];
+    u32 word = 0;
+    i32 rc = _reg_read(chip_id, reg_id, index, data);
+    if (rc == 0) {
+        rc = csl_reg_field32_get_from_data(chip_id, data, reg_id, &word, field);
+    }
+    return rc != 0 ? rc : _reg_put(chip_id, reg_id, index, data, {{field, bits_put(word, pos, width, value)}});
+}
+
+i32 reg_field_bit_set(u32 chip_id, u32 reg_id, u32 index, u32 field, u32 bit, u32 on)
+{
+    return reg_field_bits_set(chip_id, reg_id, index, field, bit, 1, on ? 1 : 0);
+}
+
+i32 mag_code_get(u32 chip_id, u32 type, u32 *code)
+{
+    switch (type) {
+    case 1: case 2: case 3: case 4: case 5: case 6: case 7: case 8: *code = kCode8b10b; return 0;
+    case 10: case 12: case 13: case 18: case 19: case 20: *code = kCode6466b; return 0;
+    case 17: *code = kCode4b5b; return 0;
+    default:
+        SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "\n\rchip_id%u  interface type %u error!\n", chip_id, type);
+        return SHR_E_PARAM;
+    }
+}
+
+i32 port_where_any(u32 chip_id, u32 lport, port_where *w)
+{
+    u32 mag = 0, mac = 0;
+    const i32 rc = csl_atolreef_port_mag_get(chip_id, lport, &mag, &mac);
+    if (rc != 0) {
+        return rc;
+    }
+    const csl_port_control *ctl = csl_port_control_get(chip_id);
+    *w = {mag, mac, ctl->mag_info[mag].interface_type, ctl->mag_info[mag].port_num, csl_atolreef_pcs_channel(mag, mac)};
+    return 0;
+}
+
+i32 port_where_get(u32 chip_id, u32 lport, port_where *w)
+{
+    const csl_port_control *ctl = csl_port_control_get(chip_id);
+    if (ctl == nullptr || lport >= CSL_PORT_MAX_MAC || ctl->mac_info[lport].use != CSL_PORT_USED) {
+        SHR_LOG_ERR(chip_id, SHR_MOD_PORT, "chip_id%u lport%u is not a valid port\n", chip_id, lport);
+        return SHR_E_PARAM;
+    }
+    return port_where_any(chip_id, lport, w);
+}
+
+} // namespace tide::port::atolreef
+
 extern "C" {
 
 i32 csl_atolreef_port_map_load(u32 chip_id, u32 map_mode)
@@ -94,6 +195,27 @@ i32 csl_atolreef_port_map_load(u32 chip_id, u32 map_mode)
     return 0;
 }
 
+i32 csl_atolreef_port_map_clear(u32 chip_id)
+{
+    csl_port_control *ctl = csl_port_control_get(chip_id);
+    if (ctl == nullptr) {
+        return SHR_E_NULL_PTR;
+    }
+    MutexGuard hold(ctl->lock);
+    ctl->map_mode = CSL_PORT_MAP_NONE;
+    ctl->port_config.pbmp[PORT_CONFIG_ACTIVE] = port_bitmap{};
+    for (csl_port_mac_info &mac : ctl->mac_info) {
+        mac = {CSL_PORT_ABSENT, 0, CSL_PORT_NONE, CSL_PORT_NONE};
+    }
+    for (csl_port_mag_info &mag : ctl->mag_info) {
+        mag = {};
+        for (u32 &m : mag.member) {
+            m = CSL_PORT_NONE;
+        }
+    }
+    return 0;
+}
+
 i32 csl_atolreef_control_db_init(u32 chip_id)
 {
     csl_port_control *ctl = csl_port_control_get(chip_id);
@@ -114,18 +236,8 @@ i32 csl_atolreef_control_db_init(u32 chip_id)
         pbmp[PORT_CONFIG_ETHER] = pbmp_range(0, CSL_PORT_MAX_MAC - 1);
         pbmp[PORT_CONFIG_INNER] = pbmp_range(CSL_ATOLREEF_FIRST_INNER_PORT, CSL_ATOLREEF_PORT_COUNT - 1);
         pbmp[PORT_CONFIG_CPU] = pbmp_range(CSL_ATOLREEF_CPU_PORT, CSL_ATOLREEF_CPU_PORT);
-        // Until a mapping mode is loaded no MAC has a MAG.
-        ctl->map_mode = CSL_PORT_MAP_NONE;
-        for (csl_port_mac_info &mac : ctl->mac_info) {
-            mac = {CSL_PORT_ABSENT, 0, CSL_PORT_NONE, CSL_PORT_NONE};
-        }
-        for (csl_port_mag_info &mag : ctl->mag_info) {
-            mag = {};
-            for (u32 &m : mag.member) {
-                m = CSL_PORT_NONE;
-            }
-        }
     }
+    csl_atolreef_port_map_clear(chip_id);
     const i32 rc = _csl_atolreef_inner_port_names_store(chip_id);
     if (rc != 0) {
         return rc;
@@ -243,10 +355,66 @@ static constexpr csl_port_driver_t _csl_atolreef_port_driver_make()
 {
     csl_port_driver_t t{};
     t.name = "g_csl_port_atolreef";
+    t.port_counter_db_malloc = _csl_atolreef_port_counter_db_malloc;
+    t.port_counter_db_free = _csl_atolreef_port_counter_db_free;
+    t.port_counter_db_update = _csl_atolreef_port_counter_db_update;
+    t.port_hw_phase1_init = _csl_atolreef_port_hw_phase1_init;
+    t.port_hw_phase2_init = _csl_atolreef_port_hw_phase2_init;
+    t.mapping_mode_set = _csl_atolreef_mapping_mode_set;
     t.mapping_mode_get = _csl_atolreef_mapping_mode_get;
+    t.port_interface_type_set = _csl_atolreef_port_interface_type_set;
     t.port_interface_type_get = _csl_atolreef_port_interface_type_get;
     t.port_config_get = _csl_atolreef_port_config_get;
+    t.port_tx_rx_enable_set = _csl_atolreef_port_tx_rx_enable_set;
+    t.port_tx_rx_enable_get = _csl_atolreef_port_tx_rx_enable_get;
+    t.port_enable_set = _csl_atolreef_port_enable_set;
+    t.port_enable_get = _csl_atolreef_port_enable_get;
+    t.pcs_an_enable_set = _csl_atolreef_pcs_an_enable_set;
+    t.pcs_an_enable_get = _csl_atolreef_pcs_an_enable_get;
+    t.autoneg_restart_set = _csl_atolreef_autoneg_restart_set;
+    t.advert_ability_set = _csl_atolreef_advert_ability_set;
+    t.advert_ability_get = _csl_atolreef_advert_ability_get;
+    t.local_ability_get = _csl_atolreef_local_ability_get;
+    // The partner's abilities are not kept: the remote ability slot stays empty.
+    t.port_speed_set = _csl_atolreef_port_speed_set;
+    t.port_speed_get = _csl_atolreef_port_speed_get;
+    t.port_duplex_set = _csl_atolreef_port_duplex_set;
+    t.port_duplex_get = _csl_atolreef_port_duplex_get;
+    t.vlan_pause_set = _csl_atolreef_vlan_pause_set;
+    t.vlan_pause_get = _csl_atolreef_vlan_pause_get;
+    t.mac_pause_set = _csl_atolreef_mac_pause_set;
+    t.mac_pause_get = _csl_atolreef_mac_pause_get;
+    t.mac_pause_smac_set = _csl_atolreef_mac_pause_smac_set;
+    t.mac_pause_smac_get = _csl_atolreef_mac_pause_smac_get;
+    t.max_frame_set = _csl_atolreef_max_frame_set;
+    t.max_frame_get = _csl_atolreef_max_frame_get;
+    t.min_frame_set = _csl_atolreef_min_frame_set;
+    t.min_frame_get = _csl_atolreef_min_frame_get;
+    t.mac_link_status_get = _csl_atolreef_mac_link_status_get;
+    t.link_status_get = _csl_atolreef_mac_link_status_get;
+    t.ifg_set = _csl_atolreef_ifg_set;
+    t.ifg_get = _csl_atolreef_ifg_get;
+    t.mac_fault_status_get = _csl_atolreef_mac_fault_status_get;
+    t.counter_get = _csl_atolreef_counter_get;
+    t.port_counter_clean = _csl_atolreef_port_counter_clean;
+    t.port_loopback_set = _csl_atolreef_port_loopback_set;
+    t.port_loopback_get = _csl_atolreef_port_loopback_get;
+    t.port_force_link_set = _csl_atolreef_port_force_link_set;
+    t.port_force_link_get = _csl_atolreef_port_force_link_get;
+    t.port_crc_set = _csl_atolreef_port_crc_set;
+    t.port_crc_get = _csl_atolreef_port_crc_get;
+    t.dic_mode_set = _csl_atolreef_dic_mode_set;
+    t.dic_mode_get = _csl_atolreef_dic_mode_get;
+    t.mac_phy_mode_set = _csl_atolreef_mac_phy_mode_set;
+    t.mac_phy_mode_get = _csl_atolreef_mac_phy_mode_get;
     t.serdes_id_get = _csl_atolreef_serdes_id_get;
+    t.port_transmit_path_set = _csl_atolreef_port_transmit_path_set;
+    t.port_transmit_path_get = _csl_atolreef_port_transmit_path_get;
+    t.cfg_control_set = _csl_atolreef_cfg_control_set;
+    t.cfg_control_get = _csl_atolreef_cfg_control_get;
+    t.basic_info_get = _csl_atolreef_basic_info_get;
+    t.alm_info_get = _csl_atolreef_alm_info_get;
+    t.port_reset_set = _csl_atolreef_port_reset_set;
     return t;
 }
 

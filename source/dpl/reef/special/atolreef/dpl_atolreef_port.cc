@@ -2,6 +2,7 @@
 #include "dpl/reef/special/atolreef/dpl_atolreef_port.h"
 
 #include "atolreef_cib.h"
+#include "csl/reef/driver/port/csl_atolreef_port.h"
 #include "csl/reef/reg_tbl/csl_reef_reg_tab.h"
 #include "dpl/reef/serdes/dpl_reef_serdes.h"
 
@@ -143,6 +144,7 @@ i32 dpl_atolreef_port_special_register(u32 chip_id)
     row->link_fwd_pbmp_set = _dpl_atolreef_port_link_fwd_pbmp_set;
     row->chk_sds_status = _dpl_atolreef_port_chk_sds_status;
     row->intr_init = nullptr;
+    row->interface_check = csl_atolreef_port_interface_check;
     return 0;
 }
 

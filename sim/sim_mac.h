@@ -1,0 +1,144 @@
+// The model's MAC side: the clocks, glue, PCS, auto-negotiation and MACs
+// between the SerDes lanes and the packet core.
+//
+// The 400 MHz input clock of the MACs sits in the general registers of
+// BAR 3 (outside the switch-core description, like the reset controller):
+// a pulse of bit 20 of the control word restarts it, and its lock bit 21
+// in the status word is set when the pulse ends, unless a knob keeps the
+// clock from ever locking.
+//
+// A front port's link is computed from its registers and from what its
+// lane is connected to: the glue mode places the port on a MAG and a MAC
+// of it, the MAG's protocol gives its coding and channels, the resets and
+// clock gates must let it run, the force register may hold it up or down,
+// and the signal comes from a MAC loopback, from the lane's cable or plug
+// (its clock recovery locked and the far PCS sending this channel), or,
+// for a lane with neither, from the model's frame endpoint (a partner that
+// is always there unless a knob unplugs it).  Auto-negotiation completes
+// at once against the partner's abilities.  The link is recomputed after
+// every write of a MAC-side register and before a read of a status word,
+// and a change raises the link events of the interrupt tree.
+//
+// Locks: the engine runs under the chip's mutex and takes the SerDes
+// fabric's mutex inside it (through the fabric's calls).
+#ifndef TIDE_SIM_MAC_H
+#define TIDE_SIM_MAC_H
+
+#include <tide/sim.h>
+
+#include <array>
+#include <cstdint>
+
+#include "sim/sim_bits.h"
+
+namespace tide::sim {
+
+class Chip;
+class SerdesFabric;
+
+constexpr uint32_t kMacPorts = 28;
+constexpr uint32_t kMags = 8;
+constexpr uint32_t kPcsChannels = 34;
+
+// Causes of the MAC stage's drops.  They lie beyond the chip's cause
+// statistics (the frame never reaches the pipeline), so they are named
+// but not counted there.
+enum MacCause : uint16_t {
+    kCauseMacRxDisabled = 2048, // MAC_RX_DISABLED: rx_en is clear
+    kCauseMacRxLinkDown = 2049, // MAC_RX_LINK_DOWN: the port's link is down
+    kCauseMacTxDisabled = 2050, // MAC_TX_DISABLED: tx_en is clear
+    kCausePortLinkDown = 735,   // DISCARD_PORT_LINK_DOWN: egress to a port whose link is down
+};
+
+class MacEngine {
+public:
+    MacEngine(Chip &chip, SerdesFabric *fabric);
+    MacEngine(const MacEngine &) = delete;
+    MacEngine &operator=(const MacEngine &) = delete;
+
+    bool ok() const { return ok_; }
+    void install();
+    // Power-on state of the MACs (and after a hard reset of the core).
+    void clear();
+
+    // ---- knobs; the caller holds the chip's mutex ----
+    void clock_never_lock(bool on) { clk_never_lock_ = on; }
+    void gating(bool on) { gating_ = on; }
+    bool gating() const { return gating_; }
+    int endpoint(uint32_t lport, bool plugged);
+    int partner(uint32_t lport, const tide_sim_mac_partner *p);
+    int port_get(uint32_t lport, tide_sim_mac_port *out);
+
+    // ---- the packet path; the caller holds the chip's mutex ----
+    // Whether a frame may enter by `lport`; `cause` gets the drop's cause.
+    // Inner ports and an ungated model take every frame.
+    bool rx_admit(uint32_t lport, uint16_t *cause);
+    bool tx_admit(uint32_t lport, uint16_t *cause);
+
+    // Recomputes every port: link bits, AN status, events.
+    void update();
+
+private:
+    // A field of a register of the description.
+    struct Fld {
+        const desc::Register *reg = nullptr;
+        FieldRef f;
+    };
+    // What a port amounts to.
+    struct PortState {
+        uint32_t cause = TIDE_SIM_MAC_DOWN_NO_PORT;
+        bool link = false;
+        bool rx_en = false;
+        bool tx_en = false;
+        uint32_t mag = 0, mac = 0, channel = 0;
+        bool an_active = false, an_done = false;
+        uint32_t an_speed = 0, an_duplex = 0, an_pause = 0;
+        bool signal = false;
+    };
+    struct Partner {
+        bool plugged = true;
+        bool custom = false;
+        tide_sim_mac_partner abilities{};
+    };
+
+    Chip &chip_;
+    SerdesFabric *fabric_;
+    bool ok_ = true;
+    bool clk_never_lock_ = false;
+    bool clk_pulse_high_ = false;
+    bool gating_ = false;
+    bool updating_ = false;
+    std::array<Partner, kMacPorts> partners_{};
+    std::array<bool, kMacPorts> link_was_{};
+    std::array<bool, kPcsChannels> an_done_was_{};
+    std::array<bool, kPcsChannels> an_restart_was_{};
+
+    Fld glue_mode_, glue_rst_, soft_rst_, gate_pcs_, gate_mac_, mac_glb_rst_, pcs_rst_, sds_rst_, pcs_port_rst_;
+    Fld protocol_, ch_num_, mac_rst_, map_port_rst_, tx_en_, rx_en_, inloop_, outloop_;
+    Fld force_en_[3], force_cfg_[3], force_kd_[3];
+    Fld an_enable_, an_restart_, an_link_en_, an_rst_, an_adv_, an_status_, ch_link_, ch_stat_;
+    FieldRef st_pause_, st_speed_, st_state_, st_link_up_, st_phy_link_, st_link_, st_duplex_, st_tx_xmit_,
+        st_rx_xmit_, st_remote_fault_;
+    // Interrupt types the engine raises: (module, subid, type), -1 absent.
+    struct Event {
+        int module = -1, subid = -1, type = -1;
+    };
+    Event ev_mac_link_down_, ev_8b10b_up_, ev_8b10b_down_, ev_6466b_down_, ev_4b5b_down_, ev_an_done_,
+        ev_an_restart_;
+
+    Fld need(const char *reg, const char *field);
+    uint32_t get(const Fld &f, uint32_t instance = 0) const;
+    void set(const Fld &f, uint32_t instance, uint32_t value);
+    Event event_of(const char *status_reg, const char *field);
+    void raise(const Event &e, uint32_t instance);
+
+    void on_clock_write(uint32_t value);
+    void on_an_write(uint32_t channel);
+    PortState state(uint32_t lport) const;
+    void partner_abilities(uint32_t lport, const PortState &s, uint32_t protocol, tide_sim_mac_partner *out) const;
+    void publish();
+};
+
+} // namespace tide::sim
+
+#endif // TIDE_SIM_MAC_H
