@@ -359,6 +359,12 @@ void MacEngine::install()
                 chip_.on_read(4, p.hi->addrs[lport], [this, lport, dir, item](Chip &, uint32_t, uint32_t) {
                     mib_read(lport, dir, item, true);
                 });
+                chip_.on_write(4, p.lo->addrs[lport], [this, lport, dir, item](Chip &, uint32_t, uint32_t, uint64_t) {
+                    mib_write(lport, dir, item, false);
+                });
+                chip_.on_write(4, p.hi->addrs[lport], [this, lport, dir, item](Chip &, uint32_t, uint32_t, uint64_t) {
+                    mib_write(lport, dir, item, true);
+                });
             }
         }
     }
@@ -383,6 +389,7 @@ void MacEngine::clear()
     clk_pulse_high_ = false;
     mib_ = {};
     mib_latched_ = {};
+    mib_dirty_ = {};
     crc_pending_ = {};
     link_was_ = {};
     an_done_was_ = {};
@@ -684,43 +691,50 @@ void MacEngine::count(uint32_t lport, uint32_t dir, const uint8_t *frame, uint32
     if (lport >= kMacPorts || len < 14) {
         return;
     }
-    std::array<uint64_t, kMibItems> &m = mib_[lport][dir];
+    std::array<uint64_t, kMibItems> &counts = mib_[lport][dir];
+    std::array<bool, kMibItems> &dirty = mib_dirty_[lport][dir];
+    auto add = [&](uint32_t item, uint64_t n = 1) {
+        counts[item] += n;
+        dirty[item] = true;
+    };
     const uint32_t wire = len + kFcsBytes;
-    m[kMibTotalPkt]++;
-    m[kMibTotalByte] += wire;
-    m[good ? kMibGoodPkt : kMibBadPkt]++;
-    m[good ? kMibGoodByte : kMibBadByte] += wire;
+    add(kMibTotalPkt);
+    add(kMibTotalByte, wire);
+    add(good ? kMibGoodPkt : kMibBadPkt);
+    add(good ? kMibGoodByte : kMibBadByte, wire);
     if (!good) {
-        m[kMibErrAll]++;
-        m[kMibFcsErr] += dir == 0 ? 1 : 0;
+        add(kMibErrAll);
+        if (dir == 0) {
+            add(kMibFcsErr);
+        }
     }
     bool broadcast = true;
     for (uint32_t i = 0; i < 6; i++) {
         broadcast &= frame[i] == 0xFF;
     }
-    m[broadcast ? kMibBroadcast : ((frame[0] & 1) != 0 ? kMibMulticast : kMibUnicast)]++;
+    add(broadcast ? kMibBroadcast : ((frame[0] & 1) != 0 ? kMibMulticast : kMibUnicast));
     if (wire < kMinWire) {
-        m[good ? kMibUndersize : kMibFragment]++;
+        add(good ? kMibUndersize : kMibFragment);
     } else {
         const uint32_t cls = _size_class(wire);
-        m[cls]++;
+        add(cls);
         if (cls == kMibMax1519) {
-            m[good ? kMibMax1519Good : kMibMax1519Bad]++;
+            add(good ? kMibMax1519Good : kMibMax1519Bad);
         }
     }
     const uint32_t max_len = get(dir == 0 ? rx_max_len_ : tx_max_len_, lport);
     const uint32_t min_len = get(dir == 0 ? rx_min_len_ : tx_min_len_, lport);
     if (max_len != 0 && wire > max_len) {
-        m[good ? kMibOvermaxGood : kMibOvermaxBad]++;
+        add(good ? kMibOvermaxGood : kMibOvermaxBad);
     }
     if (wire < min_len) {
-        m[kMibUndermin]++;
+        add(kMibUndermin);
     }
     const uint16_t type = static_cast<uint16_t>(frame[12] << 8 | frame[13]);
     if (type == kMacControlType) {
-        m[kMibCtrl]++;
+        add(kMibCtrl);
         if (len >= 16 && static_cast<uint16_t>(frame[14] << 8 | frame[15]) == kPauseOpcode) {
-            m[kMibPause]++;
+            add(kMibPause);
         }
     }
 }
@@ -744,35 +758,51 @@ int MacEngine::crc_errors(uint32_t lport, uint32_t n)
     return 0;
 }
 
-// A CPU read of one word of a pair.  The low word gives the count's low
-// half and latches its high half into the high word, so that the pair read
-// low first belongs together; with mib_clr_mode other than 1 the read of
-// the low word clears the count.  A high word read without its low word
-// gives the count's high half as it stands.
+// A CPU read of one word of a pair.  The words take the count when it has
+// moved since they were last written.  The low word latches the high word
+// as it stands, so that the pair read low first belongs together, and
+// with mib_clr_mode other than 1 its read clears the count (the words
+// follow at the next read).  A high word read without its low word gives
+// the count's high half as it stands.
 void MacEngine::mib_read(uint32_t lport, uint32_t dir, uint32_t item, bool high)
 {
     const MibPair &p = mib_pairs_[dir][item];
     uint64_t &v = mib_[lport][dir][item];
     bool &latched = mib_latched_[lport][dir][item];
-    if (high) {
-        if (!latched) {
-            chip_.set_core_word(p.hi->addrs[lport], static_cast<uint32_t>(v >> 32));
-        }
+    bool &dirty = mib_dirty_[lport][dir][item];
+    if (high && latched) {
         latched = false;
         return;
     }
-    chip_.set_core_word(p.lo->addrs[lport], static_cast<uint32_t>(v));
-    chip_.set_core_word(p.hi->addrs[lport], static_cast<uint32_t>(v >> 32));
+    if (dirty) {
+        chip_.set_core_word(p.lo->addrs[lport], static_cast<uint32_t>(v));
+        chip_.set_core_word(p.hi->addrs[lport], static_cast<uint32_t>(v >> 32));
+        dirty = false;
+    }
+    if (high) {
+        return;
+    }
     latched = true;
     if (get(mib_clr_mode_, lport) != 1) {
         v = 0;
+        dirty = true;
     }
+}
+
+// A CPU write of one word of a pair presets that half of the count.
+void MacEngine::mib_write(uint32_t lport, uint32_t dir, uint32_t item, bool high)
+{
+    const MibPair &p = mib_pairs_[dir][item];
+    const uint64_t word = chip_.core_word((high ? p.hi : p.lo)->addrs[lport]);
+    uint64_t &v = mib_[lport][dir][item];
+    v = high ? (v & 0xFFFFFFFFull) | word << 32 : (v & ~0xFFFFFFFFull) | word;
 }
 
 void MacEngine::mib_clear(uint32_t lport)
 {
     mib_[lport] = {};
     mib_latched_[lport] = {};
+    mib_dirty_[lport] = {};
     for (uint32_t dir = 0; dir < 2; dir++) {
         for (const MibPair &p : mib_pairs_[dir]) {
             if (p.lo != nullptr) {

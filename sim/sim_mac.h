@@ -123,10 +123,15 @@ private:
     std::array<bool, kMacPorts> link_was_{};
     std::array<bool, kPcsChannels> an_done_was_{};
     std::array<bool, kPcsChannels> an_restart_was_{};
-    // The MIB counts by port, direction (0 rx, 1 tx) and item, the high
-    // words latched by a read of the low word, and the words of each pair.
-    std::array<std::array<std::array<uint64_t, kMibItems>, 2>, kMacPorts> mib_{};
-    std::array<std::array<std::array<bool, kMibItems>, 2>, kMacPorts> mib_latched_{};
+    // The MIB counts by port, direction (0 rx, 1 tx) and item; whether a
+    // read of the low word latched the high word; whether the count has
+    // moved since its words were last written (a poke of a word stands
+    // until then).
+    template <typename T>
+    using PerMib = std::array<std::array<std::array<T, kMibItems>, 2>, kMacPorts>;
+    PerMib<uint64_t> mib_{};
+    PerMib<bool> mib_latched_{};
+    PerMib<bool> mib_dirty_{};
     struct MibPair {
         const desc::Table *lo = nullptr, *hi = nullptr;
     };
@@ -160,6 +165,7 @@ private:
     void publish();
     void count(uint32_t lport, uint32_t dir, const uint8_t *frame, uint32_t len, bool good);
     void mib_read(uint32_t lport, uint32_t dir, uint32_t item, bool high);
+    void mib_write(uint32_t lport, uint32_t dir, uint32_t item, bool high);
     void mib_clear(uint32_t lport);
 };
 

@@ -443,6 +443,11 @@ TEST_F(SimMacMib, ABurstCountsInTheRxAndTxItemsAcrossBothClearModes)
     EXPECT_EQ(read_reg(0, 4, g_atolreef_tab_list[cib_mac_mib_rx_total_pkt_h]->addr[0]), 0u);
     EXPECT_EQ(rx_pkts(0), 1u);
     EXPECT_EQ(rx_pkts(0), 0u);
+    // A CPU write presets its half of the count.
+    wr(cib_mac_port_mib_cfg, 0, 1u << 19);
+    ASSERT_EQ(hal_reg_write_32(0, 4, g_atolreef_tab_list[cib_mac_mib_rx_total_pkt_l]->addr[0], 1000), 0);
+    inject(0, frame(1));
+    EXPECT_EQ(rx_pkts(0), 1001u);
 }
 
 TEST_F(SimMacMib, FramesCountBySizeClassAndDestinationKind)
