@@ -862,6 +862,11 @@ int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_sim_mac_p
     return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.partner(lport, partner); });
 }
 
+int tide_sim_mac_crc_error_set(uint32_t chip, uint32_t lport, uint32_t count)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.crc_errors(lport, count); });
+}
+
 int tide_sim_mac_port_get(uint32_t chip, uint32_t lport, tide_sim_mac_port *port)
 {
     if (port == nullptr) {

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <set>
+#include <string>
 
 #include "sim/sim_int.h"
 #include "sim/sim_intr.h"
@@ -138,6 +139,54 @@ bool _local_down(uint32_t cause)
     return cause >= TIDE_SIM_MAC_DOWN_NO_PORT && cause <= TIDE_SIM_MAC_DOWN_FORCED;
 }
 
+// The MIB items of a MAC by role: the names of their register pairs
+// (mac_mib_<name>_l and _h) for receive and transmit, nullptr where a
+// direction has none.
+enum MibRole : uint32_t {
+    kMibTotalPkt, kMibTotalByte, kMibGoodPkt, kMibGoodByte, kMibBadPkt, kMibBadByte, kMibUnicast, kMibMulticast,
+    kMibBroadcast, kMibUndersize, kMibFragment, kMibUndermin, kMib64, kMib127, kMib255, kMib511, kMib1023, kMib1518,
+    kMibMax1519, kMibMax1519Good, kMibMax1519Bad, kMibOvermaxGood, kMibOvermaxBad, kMibPause, kMibCtrl, kMibErrAll,
+    kMibFcsErr, kMibRoles
+};
+struct MibName {
+    const char *rx;
+    const char *tx;
+};
+constexpr MibName kMibNames[MacEngine::kMibItems] = {
+    {"rx_total_pkt", "tx_total_pkt"}, {"rx_total_byte", "tx_total_byte"}, {"rx_good_pkt", "tx_good_pkt"},
+    {"rx_good_byte", "tx_good_byte"}, {"rx_bad_pkt", "tx_bad_pkt"}, {"rx_bad_byte", "tx_bad_byte"},
+    {"rxunicast", "txunicast"}, {"rxmulticast", "txmulticast"}, {"rxbroadcast", "txbroadcast"},
+    {"rxundersize", "txundersized"}, {"rx_fragment", "txfragment"}, {"rxundermin", "txundermin"},
+    {"rx_64", "tx_64"}, {"rx_127_65", "tx_127_65"}, {"rx_255_128", "tx_255_128"}, {"rx_511_256", "tx_511_256"},
+    {"rx_1023_512", "tx_1023_512"}, {"rx_1518_1024", "tx_1518_1024"}, {"rx_max_1519", "tx_max_1519"},
+    {"rx_max_1519_good", "tx_max_1519_good"}, {"rx_max_1519_bad", "tx_max_1519_bad"},
+    {"rx_overmax_good", "tx_overmax_good"}, {"rx_overmax_bad", "tx_overmax_bad"}, {"rxpause", "txpause"},
+    {"rxctrl", "txctrl"}, {"rx_err_all", "txerr_all"}, {"rxfcs_err", nullptr},
+    // Items the model never counts (no symbol errors, alignment or
+    // half-duplex collisions on its wires); they read 0 and clear alike.
+    {"rxsymbol_err", "tx_half_deferral"}, {"rx_segment_bytes", "tx_half_singel_col"},
+    {"rx_align_err", "tx_half_multi_col"}, {nullptr, "tx_half_excessive_col"}, {nullptr, "tx_half_late_col"},
+    {nullptr, "tx_half_crs_lost"}, {nullptr, nullptr}, {nullptr, nullptr}, {nullptr, nullptr},
+};
+static_assert(kMibRoles <= MacEngine::kMibItems);
+
+// The size class of a frame of `wire` bytes (with FCS) of 64 and more.
+uint32_t _size_class(uint32_t wire)
+{
+    constexpr uint32_t kTops[] = {64, 127, 255, 511, 1023, 1518};
+    for (uint32_t i = 0; i < 6; i++) {
+        if (wire <= kTops[i]) {
+            return kMib64 + i;
+        }
+    }
+    return kMibMax1519;
+}
+
+constexpr uint32_t kFcsBytes = 4;
+constexpr uint32_t kMinWire = 64;
+constexpr uint16_t kMacControlType = 0x8808;
+constexpr uint16_t kPauseOpcode = 0x0001;
+
 } // namespace
 
 MacEngine::MacEngine(Chip &chip, SerdesFabric *fabric) : chip_(chip), fabric_(fabric)
@@ -186,6 +235,26 @@ MacEngine::MacEngine(Chip &chip, SerdesFabric *fabric) : chip_(chip), fabric_(fa
     st_rx_xmit_ = needs.field(st, "rx_xmit");
     st_remote_fault_ = needs.field(st, "an_remote_fault");
     ok_ &= needs.ok && fabric_ != nullptr;
+    mib_clr_mode_ = need("mac_port_mib_cfg", "mib_clr_mode");
+    clr_cnt_ = need("mac_port_clr_cnt_cfg", "clr_cnt_cfg");
+    rx_max_len_ = need("mac_port_rx_pkt_cfg", "rx_max_len");
+    tx_max_len_ = need("mac_port_tx_pkt_cfg", "tx_max_len");
+    rx_min_len_ = need("mac_port_rx_pkt_cfg", "rx_min_len");
+    tx_min_len_ = need("mac_port_tx_pkt_cfg", "tx_min_len");
+    for (uint32_t dir = 0; dir < 2; dir++) {
+        for (uint32_t item = 0; item < kMibItems; item++) {
+            const char *name = dir == 0 ? kMibNames[item].rx : kMibNames[item].tx;
+            if (name == nullptr) {
+                continue;
+            }
+            const std::string base = std::string("mac_mib_") + name;
+            MibPair &p = mib_pairs_[dir][item];
+            p.lo = desc::find_table((base + "_l").c_str());
+            p.hi = desc::find_table((base + "_h").c_str());
+            ok_ &= p.lo != nullptr && p.hi != nullptr && p.lo->instances >= kMacPorts &&
+                   p.hi->instances >= kMacPorts;
+        }
+    }
     ev_mac_link_down_ = event_of("mac_port_int_stat", "link_down_int");
     ev_8b10b_up_ = event_of("pcs_8b10b_int_stat", "link_up_int");
     ev_8b10b_down_ = event_of("pcs_8b10b_int_stat", "link_down_int");
@@ -278,6 +347,34 @@ void MacEngine::install()
             on_an_write(ch);
         });
     }
+    // The MIB: a read of a low word latches its pair; a pulse of
+    // clr_cnt_cfg clears the port's counts.
+    for (uint32_t dir = 0; dir < 2; dir++) {
+        for (uint32_t item = 0; item < kMibItems; item++) {
+            const MibPair &p = mib_pairs_[dir][item];
+            for (uint32_t lport = 0; p.lo != nullptr && lport < kMacPorts; lport++) {
+                chip_.on_read(4, p.lo->addrs[lport], [this, lport, dir, item](Chip &, uint32_t, uint32_t) {
+                    mib_read(lport, dir, item, false);
+                });
+                chip_.on_read(4, p.hi->addrs[lport], [this, lport, dir, item](Chip &, uint32_t, uint32_t) {
+                    mib_read(lport, dir, item, true);
+                });
+                chip_.on_write(4, p.lo->addrs[lport], [this, lport, dir, item](Chip &, uint32_t, uint32_t, uint64_t) {
+                    mib_write(lport, dir, item, false);
+                });
+                chip_.on_write(4, p.hi->addrs[lport], [this, lport, dir, item](Chip &, uint32_t, uint32_t, uint64_t) {
+                    mib_write(lport, dir, item, true);
+                });
+            }
+        }
+    }
+    for (uint32_t lport = 0; lport < kMacPorts; lport++) {
+        chip_.on_write(4, clr_cnt_.reg->addrs[lport], [this, lport](Chip &, uint32_t, uint32_t, uint64_t) {
+            if (get(clr_cnt_, lport) != 0) {
+                mib_clear(lport);
+            }
+        });
+    }
     // The status words are brought up to date before the CPU reads them.
     const Fld *status[] = {&ch_link_, &an_status_, &ch_stat_};
     for (const Fld *f : status) {
@@ -290,6 +387,10 @@ void MacEngine::install()
 void MacEngine::clear()
 {
     clk_pulse_high_ = false;
+    mib_ = {};
+    mib_latched_ = {};
+    mib_dirty_ = {};
+    crc_pending_ = {};
     link_was_ = {};
     an_done_was_ = {};
     an_restart_was_ = {};
@@ -583,11 +684,149 @@ int MacEngine::port_get(uint32_t lport, tide_sim_mac_port *out)
     return 0;
 }
 
+// ---- MIB ---------------------------------------------------------------------------------
+
+void MacEngine::count(uint32_t lport, uint32_t dir, const uint8_t *frame, uint32_t len, bool good)
+{
+    if (lport >= kMacPorts || len < 14) {
+        return;
+    }
+    std::array<uint64_t, kMibItems> &counts = mib_[lport][dir];
+    std::array<bool, kMibItems> &dirty = mib_dirty_[lport][dir];
+    auto add = [&](uint32_t item, uint64_t n = 1) {
+        counts[item] += n;
+        dirty[item] = true;
+    };
+    const uint32_t wire = len + kFcsBytes;
+    add(kMibTotalPkt);
+    add(kMibTotalByte, wire);
+    add(good ? kMibGoodPkt : kMibBadPkt);
+    add(good ? kMibGoodByte : kMibBadByte, wire);
+    if (!good) {
+        add(kMibErrAll);
+        if (dir == 0) {
+            add(kMibFcsErr);
+        }
+    }
+    bool broadcast = true;
+    for (uint32_t i = 0; i < 6; i++) {
+        broadcast &= frame[i] == 0xFF;
+    }
+    add(broadcast ? kMibBroadcast : ((frame[0] & 1) != 0 ? kMibMulticast : kMibUnicast));
+    if (wire < kMinWire) {
+        add(good ? kMibUndersize : kMibFragment);
+    } else {
+        const uint32_t cls = _size_class(wire);
+        add(cls);
+        if (cls == kMibMax1519) {
+            add(good ? kMibMax1519Good : kMibMax1519Bad);
+        }
+    }
+    const uint32_t max_len = get(dir == 0 ? rx_max_len_ : tx_max_len_, lport);
+    const uint32_t min_len = get(dir == 0 ? rx_min_len_ : tx_min_len_, lport);
+    if (max_len != 0 && wire > max_len) {
+        add(good ? kMibOvermaxGood : kMibOvermaxBad);
+    }
+    if (wire < min_len) {
+        add(kMibUndermin);
+    }
+    const uint16_t type = static_cast<uint16_t>(frame[12] << 8 | frame[13]);
+    if (type == kMacControlType) {
+        add(kMibCtrl);
+        if (len >= 16 && static_cast<uint16_t>(frame[14] << 8 | frame[15]) == kPauseOpcode) {
+            add(kMibPause);
+        }
+    }
+}
+
+void MacEngine::count_rx(uint32_t lport, const uint8_t *frame, uint32_t len, bool good)
+{
+    count(lport, 0, frame, len, good);
+}
+
+void MacEngine::count_tx(uint32_t lport, const uint8_t *frame, uint32_t len)
+{
+    count(lport, 1, frame, len, true);
+}
+
+int MacEngine::crc_errors(uint32_t lport, uint32_t n)
+{
+    if (lport >= kMacPorts) {
+        return -4;
+    }
+    crc_pending_[lport] = n;
+    return 0;
+}
+
+// A CPU read of one word of a pair.  The words take the count when it has
+// moved since they were last written.  The low word latches the high word
+// as it stands, so that the pair read low first belongs together, and
+// with mib_clr_mode other than 1 its read clears the count (the words
+// follow at the next read).  A high word read without its low word gives
+// the count's high half as it stands.
+void MacEngine::mib_read(uint32_t lport, uint32_t dir, uint32_t item, bool high)
+{
+    const MibPair &p = mib_pairs_[dir][item];
+    uint64_t &v = mib_[lport][dir][item];
+    bool &latched = mib_latched_[lport][dir][item];
+    bool &dirty = mib_dirty_[lport][dir][item];
+    if (high && latched) {
+        latched = false;
+        return;
+    }
+    if (dirty) {
+        chip_.set_core_word(p.lo->addrs[lport], static_cast<uint32_t>(v));
+        chip_.set_core_word(p.hi->addrs[lport], static_cast<uint32_t>(v >> 32));
+        dirty = false;
+    }
+    if (high) {
+        return;
+    }
+    latched = true;
+    if (get(mib_clr_mode_, lport) != 1) {
+        v = 0;
+        dirty = true;
+    }
+}
+
+// A CPU write of one word of a pair presets that half of the count.
+void MacEngine::mib_write(uint32_t lport, uint32_t dir, uint32_t item, bool high)
+{
+    const MibPair &p = mib_pairs_[dir][item];
+    const uint64_t word = chip_.core_word((high ? p.hi : p.lo)->addrs[lport]);
+    uint64_t &v = mib_[lport][dir][item];
+    v = high ? (v & 0xFFFFFFFFull) | word << 32 : (v & ~0xFFFFFFFFull) | word;
+}
+
+void MacEngine::mib_clear(uint32_t lport)
+{
+    mib_[lport] = {};
+    mib_latched_[lport] = {};
+    mib_dirty_[lport] = {};
+    for (uint32_t dir = 0; dir < 2; dir++) {
+        for (const MibPair &p : mib_pairs_[dir]) {
+            if (p.lo != nullptr) {
+                chip_.set_core_word(p.lo->addrs[lport], 0);
+                chip_.set_core_word(p.hi->addrs[lport], 0);
+            }
+        }
+    }
+}
+
 // ---- the packet path -----------------------------------------------------------------
 
 bool MacEngine::rx_admit(uint32_t lport, uint16_t *cause)
 {
-    if (!gating_ || lport >= kMacPorts) {
+    if (lport >= kMacPorts) {
+        return true;
+    }
+    if (crc_pending_[lport] > 0) {
+        // A bad FCS: the MAC counts the frame and takes it no further.
+        crc_pending_[lport]--;
+        *cause = kCauseMacRxFcsErr;
+        return false;
+    }
+    if (!gating_) {
         return true;
     }
     const PortState s = state(lport);

@@ -47,6 +47,7 @@ enum MacCause : uint16_t {
     kCauseMacRxDisabled = 2048, // MAC_RX_DISABLED: rx_en is clear
     kCauseMacRxLinkDown = 2049, // MAC_RX_LINK_DOWN: the port's link is down
     kCauseMacTxDisabled = 2050, // MAC_TX_DISABLED: tx_en is clear
+    kCauseMacRxFcsErr = 2051,   // MAC_RX_FCS_ERR: the frame arrived with a bad FCS
     kCausePortLinkDown = 735,   // DISCARD_PORT_LINK_DOWN: egress to a port whose link is down
 };
 
@@ -75,8 +76,18 @@ public:
     bool rx_admit(uint32_t lport, uint16_t *cause);
     bool tx_admit(uint32_t lport, uint16_t *cause);
 
+    // The MIB of a front port: a frame the MAC took in or sent out, with
+    // `len` bytes without its FCS.
+    void count_rx(uint32_t lport, const uint8_t *frame, uint32_t len, bool good);
+    void count_tx(uint32_t lport, const uint8_t *frame, uint32_t len);
+    // The knob: the next `count` frames arriving by `lport` have a bad FCS.
+    int crc_errors(uint32_t lport, uint32_t count);
+    uint64_t mib(uint32_t lport, bool tx, uint32_t item) const { return mib_[lport][tx ? 1 : 0][item]; }
+
     // Recomputes every port: link bits, AN status, events.
     void update();
+
+    static constexpr uint32_t kMibItems = 36;
 
 private:
     // A field of a register of the description.
@@ -112,6 +123,21 @@ private:
     std::array<bool, kMacPorts> link_was_{};
     std::array<bool, kPcsChannels> an_done_was_{};
     std::array<bool, kPcsChannels> an_restart_was_{};
+    // The MIB counts by port, direction (0 rx, 1 tx) and item; whether a
+    // read of the low word latched the high word; whether the count has
+    // moved since its words were last written (a poke of a word stands
+    // until then).
+    template <typename T>
+    using PerMib = std::array<std::array<std::array<T, kMibItems>, 2>, kMacPorts>;
+    PerMib<uint64_t> mib_{};
+    PerMib<bool> mib_latched_{};
+    PerMib<bool> mib_dirty_{};
+    struct MibPair {
+        const desc::Table *lo = nullptr, *hi = nullptr;
+    };
+    std::array<std::array<MibPair, kMibItems>, 2> mib_pairs_{};
+    std::array<uint32_t, kMacPorts> crc_pending_{};
+    Fld mib_clr_mode_, clr_cnt_, rx_max_len_, tx_max_len_, rx_min_len_, tx_min_len_;
 
     Fld glue_mode_, glue_rst_, soft_rst_, gate_pcs_, gate_mac_, mac_glb_rst_, pcs_rst_, sds_rst_, pcs_port_rst_;
     Fld protocol_, ch_num_, mac_rst_, map_port_rst_, tx_en_, rx_en_, inloop_, outloop_;
@@ -137,6 +163,10 @@ private:
     PortState state(uint32_t lport) const;
     void partner_abilities(uint32_t lport, const PortState &s, uint32_t protocol, tide_sim_mac_partner *out) const;
     void publish();
+    void count(uint32_t lport, uint32_t dir, const uint8_t *frame, uint32_t len, bool good);
+    void mib_read(uint32_t lport, uint32_t dir, uint32_t item, bool high);
+    void mib_write(uint32_t lport, uint32_t dir, uint32_t item, bool high);
+    void mib_clear(uint32_t lport);
 };
 
 } // namespace tide::sim

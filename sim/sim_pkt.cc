@@ -77,6 +77,7 @@ constexpr CauseName kDropNames[] = {
     {kCauseMacRxDisabled, "MAC_RX_DISABLED"},
     {kCauseMacRxLinkDown, "MAC_RX_LINK_DOWN"},
     {kCauseMacTxDisabled, "MAC_TX_DISABLED"},
+    {kCauseMacRxFcsErr, "MAC_RX_FCS_ERR"},
 };
 
 constexpr CauseName kCpuNames[] = {
@@ -359,7 +360,11 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
     in.stats.rx_bytes += len;
     uint16_t mac_cause = 0;
     if (!chip_.mac->rx_admit(port, &mac_cause)) {
-        // The MAC refuses it: it never reaches the pipeline.
+        // The MAC refuses it: it never reaches the pipeline.  A frame with
+        // a bad FCS counts in the MAC's MIB, one the gate keeps out not.
+        if (mac_cause == kCauseMacRxFcsErr) {
+            chip_.mac->count_rx(port, frame, len, false);
+        }
         in.stats.rx_dropped++;
         in.stats.last_drop_cause = mac_cause;
         if (pcap_ != nullptr) {
@@ -367,6 +372,7 @@ void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
         }
         return;
     }
+    chip_.mac->count_rx(port, frame, len, true);
     count_entry(chip_, t.iport_stat, port, iport_pkts, iport_bytes, len + kFcs);
     Packet p;
     p.data = frame;
@@ -426,6 +432,7 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     PortState &out = ports_[port];
     out.stats.tx_frames++;
     out.stats.tx_bytes += len;
+    chip_.mac->count_tx(port, frame, len);
     count_entry(chip_, t.oport_stat, port, oport_pkts, oport_bytes, len + kFcs);
     // A port bound to a TAP delivers there; only the others queue.
     const int tap = chip_.tap->send(port, frame, len);

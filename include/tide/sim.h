@@ -459,6 +459,15 @@ TIDE_API int tide_sim_mac_gating_set(uint32_t chip, int on);
 #define TIDE_SIM_CAUSE_MAC_RX_LINK_DOWN 2049u
 #define TIDE_SIM_CAUSE_MAC_TX_DISABLED 2050u
 #define TIDE_SIM_CAUSE_PORT_LINK_DOWN 735u
+#define TIDE_SIM_CAUSE_MAC_RX_FCS_ERR 2051u
+
+/* The MIB of a front port's MAC (the register pairs mac_mib_<item>_l and
+ * _h) counts the frames it receives and sends.  The next `count` frames
+ * arriving by `lport` have a bad FCS: the MAC counts them as bad (rx bad,
+ * FCS error, error items) and drops them with TIDE_SIM_CAUSE_MAC_RX_FCS_ERR,
+ * whatever the gating.  0 takes back what is left.  -4 for a port above
+ * 27. */
+TIDE_API int tide_sim_mac_crc_error_set(uint32_t chip, uint32_t lport, uint32_t count);
 
 /* Plugs (1) or unplugs (0) the frame endpoint of a front port whose lane
  * has no cable or plug: unplugged, its link is down.  -4 for a port above

@@ -2,7 +2,7 @@
 // driver would: the 400 MHz input clock, the link of a port by every cause
 // that takes it down, the glue modes and channels, cabled and plugged
 // lanes, auto-negotiation against the partner's abilities, the link
-// events, and the MAC data path gate.
+// events, the MAC data path gate and the MIB counters.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -385,6 +385,128 @@ TEST_F(SimMac, GatedFramesNeedAnEnabledMacWithItsLinkUp)
     ASSERT_EQ(tide_sim_packet_inject(0, 0, f.data(), static_cast<u32>(f.size())), 0);
     ASSERT_EQ(tide_sim_port_stats_get(0, 8, &s8), 0);
     EXPECT_EQ(s8.tx_frames, 1u);
+}
+
+} // namespace
+
+// ---- MIB ------------------------------------------------------------------------------
+
+namespace {
+
+class SimMacMib : public SimMac {
+protected:
+    void SetUp() override
+    {
+        SimMac::SetUp();
+        ASSERT_EQ(tide::test::vlan_ports(0, 1, 0x0FFFFFFF, 0x0FFFFFFF), 0);
+    }
+    // One count through its register pair, low word first.
+    static uint64_t mib(u32 lo_tab, u32 hi_tab, u32 lport)
+    {
+        const u32 lo = read_reg(0, 4, g_atolreef_tab_list[lo_tab]->addr[lport]);
+        const u32 hi = read_reg(0, 4, g_atolreef_tab_list[hi_tab]->addr[lport]);
+        return static_cast<uint64_t>(hi) << 32 | lo;
+    }
+    static uint64_t rx_pkts(u32 lport) { return mib(cib_mac_mib_rx_total_pkt_l, cib_mac_mib_rx_total_pkt_h, lport); }
+    static uint64_t tx_pkts(u32 lport) { return mib(cib_mac_mib_tx_total_pkt_l, cib_mac_mib_tx_total_pkt_h, lport); }
+    static void inject(u32 lport, const std::vector<uint8_t> &f)
+    {
+        ASSERT_EQ(tide_sim_packet_inject(0, lport, f.data(), static_cast<u32>(f.size())), 0);
+    }
+};
+
+std::vector<uint8_t> sized(uint64_t dmac, size_t len)
+{
+    std::vector<uint8_t> f(len, 0);
+    for (int i = 0; i < 6; i++) {
+        f[i] = static_cast<uint8_t>(dmac >> (8 * (5 - i)));
+    }
+    f[6] = 0x02;
+    f[11] = 0xA;
+    f[12] = 0x08;
+    return f;
+}
+
+TEST_F(SimMacMib, ABurstCountsInTheRxAndTxItemsAcrossBothClearModes)
+{
+    constexpr u32 kBurst = 25;
+    wr(cib_mac_port_mib_cfg, 0, 1u << 19); // mib_clr_mode 1: the totals stay
+    for (u32 i = 0; i < kBurst; i++) {
+        inject(0, frame(1));
+    }
+    EXPECT_EQ(rx_pkts(0), kBurst);
+    EXPECT_EQ(rx_pkts(0), kBurst); // a read keeps them
+    EXPECT_EQ(tx_pkts(5), kBurst);  // the flood left by every other port
+    EXPECT_EQ(tx_pkts(5), 0u);      // port 5 is in mode 0: the read cleared it
+    EXPECT_EQ(mib(cib_mac_mib_rx_total_byte_l, cib_mac_mib_rx_total_byte_h, 0), kBurst * 64u);
+    EXPECT_EQ(mib(cib_mac_mib_rxbroadcast_l, cib_mac_mib_rxbroadcast_h, 0), kBurst);
+    // A pulse of clr_cnt_cfg clears the port's counts, and only its.
+    wr(cib_mac_port_clr_cnt_cfg, 0, 1);
+    wr(cib_mac_port_clr_cnt_cfg, 0, 0);
+    EXPECT_EQ(rx_pkts(0), 0u);
+    EXPECT_EQ(tx_pkts(6), kBurst);
+    inject(0, frame(1));
+    EXPECT_EQ(rx_pkts(0), 1u);
+    // Mode 0: a read of the low word clears; the high word read alone
+    // does not.
+    wr(cib_mac_port_mib_cfg, 0, 0);
+    EXPECT_EQ(read_reg(0, 4, g_atolreef_tab_list[cib_mac_mib_rx_total_pkt_h]->addr[0]), 0u);
+    EXPECT_EQ(rx_pkts(0), 1u);
+    EXPECT_EQ(rx_pkts(0), 0u);
+    // A CPU write presets its half of the count.
+    wr(cib_mac_port_mib_cfg, 0, 1u << 19);
+    ASSERT_EQ(hal_reg_write_32(0, 4, g_atolreef_tab_list[cib_mac_mib_rx_total_pkt_l]->addr[0], 1000), 0);
+    inject(0, frame(1));
+    EXPECT_EQ(rx_pkts(0), 1001u);
+}
+
+TEST_F(SimMacMib, FramesCountBySizeClassAndDestinationKind)
+{
+    wr(cib_mac_port_mib_cfg, 3, 1u << 19);
+    inject(3, sized(0x020000000001ull, 60));   // 64 with FCS, unicast
+    inject(3, sized(0x010000000001ull, 100));  // 104, multicast
+    inject(3, sized(0xFFFFFFFFFFFFull, 1514)); // 1518, broadcast
+    inject(3, sized(0xFFFFFFFFFFFFull, 1600)); // 1604
+    inject(3, sized(0xFFFFFFFFFFFFull, 40));   // 44: undersize
+    struct Case {
+        u32 lo, hi;
+        uint64_t count;
+    };
+    const std::vector<Case> cases = {
+        {cib_mac_mib_rx_64_l, cib_mac_mib_rx_64_h, 1},
+        {cib_mac_mib_rx_127_65_l, cib_mac_mib_rx_127_65_h, 1},
+        {cib_mac_mib_rx_1518_1024_l, cib_mac_mib_rx_1518_1024_h, 1},
+        {cib_mac_mib_rx_max_1519_l, cib_mac_mib_rx_max_1519_h, 1},
+        {cib_mac_mib_rx_max_1519_good_l, cib_mac_mib_rx_max_1519_good_h, 1},
+        {cib_mac_mib_rxundersize_l, cib_mac_mib_rxundersize_h, 1},
+        {cib_mac_mib_rxunicast_l, cib_mac_mib_rxunicast_h, 1},
+        {cib_mac_mib_rxmulticast_l, cib_mac_mib_rxmulticast_h, 1},
+        {cib_mac_mib_rxbroadcast_l, cib_mac_mib_rxbroadcast_h, 3},
+        {cib_mac_mib_rx_good_pkt_l, cib_mac_mib_rx_good_pkt_h, 5},
+        {cib_mac_mib_rx_bad_pkt_l, cib_mac_mib_rx_bad_pkt_h, 0},
+    };
+    for (const Case &c : cases) {
+        EXPECT_EQ(mib(c.lo, c.hi, 3), c.count) << g_atolreef_tab_list[c.lo]->name;
+    }
+}
+
+TEST_F(SimMacMib, BadFcsFramesCountAsBadAndGoNoFurther)
+{
+    wr(cib_mac_port_mib_cfg, 2, 1u << 19);
+    ASSERT_EQ(tide_sim_mac_crc_error_set(0, 2, 2), 0);
+    for (int i = 0; i < 3; i++) {
+        inject(2, frame(2));
+    }
+    EXPECT_EQ(rx_pkts(2), 3u);
+    EXPECT_EQ(mib(cib_mac_mib_rx_bad_pkt_l, cib_mac_mib_rx_bad_pkt_h, 2), 2u);
+    EXPECT_EQ(mib(cib_mac_mib_rxfcs_err_l, cib_mac_mib_rxfcs_err_h, 2), 2u);
+    EXPECT_EQ(mib(cib_mac_mib_rx_err_all_l, cib_mac_mib_rx_err_all_h, 2), 2u);
+    tide_sim_port_stats s{};
+    ASSERT_EQ(tide_sim_port_stats_get(0, 2, &s), 0);
+    EXPECT_EQ(s.rx_dropped, 2u);
+    EXPECT_EQ(s.last_drop_cause, TIDE_SIM_CAUSE_MAC_RX_FCS_ERR);
+    EXPECT_EQ(tx_pkts(9), 1u); // only the good one flooded
+    EXPECT_EQ(tide_sim_mac_crc_error_set(0, 28, 1), -4);
 }
 
 } // namespace
