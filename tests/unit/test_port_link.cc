@@ -4,11 +4,15 @@
 // that takes its link down and stops forwarding.  Also the negotiated
 // speed, duplex and pause against a partner's abilities.
 #include <gtest/gtest.h>
+#include <tide/interrupt.h>
 #include <tide/sim.h>
 #include <tide/tide.h>
 
+#include <atomic>
 #include <vector>
 
+#include "atolreef_cib.h"
+#include "csl/reef/driver/port/csl_atolreef_port_int.h"
 #include "support/fixture.h"
 #include "support/front_ports.h"
 #include "support/vlan_ports.h"
@@ -153,6 +157,93 @@ TEST_F(PortLink, NegotiationAgainstThePartnersAbilities)
         })) << r.partner << ": " << tx << " " << rx;
     }
     EXPECT_TRUE(_link(25));
+}
+
+std::atomic<uint32_t> g_link_up{0};
+std::atomic<uint32_t> g_link_down{0};
+
+void _on_link_up(u32, intr_module, intr_type)
+{
+    g_link_up++;
+}
+
+void _on_link_down(u32, intr_module, intr_type)
+{
+    g_link_down++;
+}
+
+// Port 24 is the SGMII port of MAG 4, an 8B/10B PCS: its link changes are
+// the link-down (type 4) and link-up (type 5) events of that PCS's register
+// instance 4.  Disabling forces the link down once; enabling turns
+// negotiation on again, which may pass through down before the link is up.
+TEST_F(PortLink, ALinkChangeReachesItsCallback)
+{
+    ASSERT_EQ(tide::test::front_ports_up(0), 0);
+    ASSERT_TRUE(tide_test::eventually([] { return _link(24); })) << _down(24);
+    // The bring-up's own link events are cleared first: only the changes
+    // below are to reach the callbacks.
+    ASSERT_EQ(tide::port::atolreef::reg_write(0, cib_pcs_8b10b_int_stat, 4,
+                                              {{cib_f_link_up_int, 1}, {cib_f_link_down_int, 1}}),
+              0);
+    const intr_module pcs{INTR_MOD_PCS_8B10B, 0};
+    ASSERT_EQ(interrupt_api_callback_register(0, pcs, intr_type{4, 4}, _on_link_down), 0);
+    ASSERT_EQ(interrupt_api_callback_register(0, pcs, intr_type{5, 4}, _on_link_up), 0);
+    ASSERT_EQ(interrupt_api_enable_set(0, {INTR_MODULE_ALL, INTR_SUBID_ALL}, {INTR_ID_ALL, INTR_ADDR_ALL}, 1), 0);
+    g_link_up = 0;
+    g_link_down = 0;
+    ASSERT_EQ(port_api_enable_set(0, 24, 0), 0);
+    EXPECT_TRUE(tide_test::eventually([] { return g_link_down.load() == 1; })) << g_link_down.load();
+    EXPECT_FALSE(_link(24));
+    const uint32_t up_before = g_link_up.load();
+    ASSERT_EQ(port_api_enable_set(0, 24, 1), 0);
+    EXPECT_TRUE(tide_test::eventually([&] { return g_link_up.load() > up_before; })) << g_link_up.load();
+    EXPECT_TRUE(_link(24));
+}
+
+// A burst entering by port 3 and flooded out of port 0 counts in the MIB
+// of both, read through port_api_counter_get: with the MAC keeping its
+// totals (a clean pulses them to 0) and with reads that clear the MAC (the
+// store adds what each read finds).
+TEST_F(PortLink, ABurstCountsInTheMibOfBothPortsInEitherClearMode)
+{
+    constexpr uint32_t kRxTotal = 0, kRxBroadcast = 8, kRx64 = 12, kTxTotal = 53, kTxBroadcast = 61;
+    constexpr uint32_t kBurst = 5;
+    ASSERT_EQ(tide::test::front_ports_up(0), 0);
+    ASSERT_TRUE(tide_test::eventually([] { return _link(3) && _link(0); }));
+    auto item = [](uint32_t port, uint32_t mib) {
+        uint64_t v = ~0ull;
+        EXPECT_EQ(port_api_counter_get(0, port, mib, &v), 0) << port << " item " << mib;
+        return v;
+    };
+    for (uint32_t mode : {1u, 0u}) {
+        SCOPED_TRACE(mode);
+        for (uint32_t port : {0u, 3u}) {
+            ASSERT_EQ(tide::port::atolreef::reg_update(0, cib_mac_port_mib_cfg, port, {{cib_f_mib_clr_mode, mode}}), 0);
+            ASSERT_EQ(port_api_counter_clean(0, port), 0);
+        }
+        const uint64_t rx = item(3, kRxTotal), rx_bc = item(3, kRxBroadcast), rx64 = item(3, kRx64);
+        const uint64_t tx = item(0, kTxTotal), tx_bc = item(0, kTxBroadcast);
+        for (uint32_t i = 0; i < kBurst; i++) {
+            inject(3);
+        }
+        uint32_t left = 0;
+        EXPECT_TRUE(tide_test::eventually([&] {
+            left += _drain(0);
+            return left == kBurst;
+        })) << left;
+        for (uint32_t port = 1; port < 28; port++) {
+            _drain(port);
+        }
+        EXPECT_EQ(item(3, kRxTotal), rx + kBurst);
+        EXPECT_EQ(item(3, kRxBroadcast), rx_bc + kBurst);
+        EXPECT_EQ(item(3, kRx64), rx64 + kBurst);
+        EXPECT_EQ(item(0, kTxTotal), tx + kBurst);
+        EXPECT_EQ(item(0, kTxBroadcast), tx_bc + kBurst);
+        // A second read gives the same: the MAC's total again, or the
+        // store with nothing new in the MAC.
+        EXPECT_EQ(item(3, kRxTotal), rx + kBurst);
+        EXPECT_EQ(item(0, kTxTotal), tx + kBurst);
+    }
 }
 
 } // namespace
