@@ -645,36 +645,49 @@ bool _action_word(const char *w, const char *v, vlan_translate_action *a, bool *
     return true;
 }
 
+// One keyword and its value of a translation command, into its key and
+// action: an action word, the port or trunk, else a number that `field`
+// puts into the key's own fields.
+template <typename Key, typename Field>
+bool _vt_word(u32 chip_id, const char *w, const char *v, Key *k, vlan_translate_action *a, Field field)
+{
+    bool known = false;
+    const bool ok = _action_word(w, v, a, &known);
+    if (known) {
+        return ok;
+    }
+    if (std::strcmp(w, "port") == 0) {
+        return cli_pport_to_lport_checked(chip_id, v, &k->lport) == 0;
+    }
+    u32 n = 0;
+    if (!_num(v, &n)) {
+        return false;
+    }
+    if (std::strcmp(w, "tgid") == 0) {
+        k->trunk_flag = 1;
+        k->tgid = n;
+    } else {
+        field(w, n);
+    }
+    return true;
+}
+
 // The words of an egress translation command after its key type: each a
 // keyword and its value, into the key and the action.
 bool _evt_words(u32 chip_id, i32 first, i32 argc, char **argv, vlan_egress_translate_key *k,
                 vlan_translate_action *a)
 {
     return _pairs(first, argc, argv, [&](const char *w, const char *v) {
-        bool known = false;
-        const bool ok = _action_word(w, v, a, &known);
-        if (known) {
-            return ok;
-        }
-        if (std::strcmp(w, "port") == 0) {
-            return cli_pport_to_lport_checked(chip_id, v, &k->lport) == 0;
-        }
-        u32 n = 0;
-        if (!_num(v, &n)) {
-            return false;
-        }
-        if (std::strcmp(w, "tgid") == 0) {
-            k->trunk_flag = 1;
-            k->tgid = n;
-        } else if (std::strcmp(w, "ovid") == 0) {
-            k->outer_vlan_id = _u16(n);
-        } else if (std::strcmp(w, "ivid") == 0 || std::strcmp(w, "opri") == 0) {
-            k->inner_vlan_id = _u16(n);
-        } else if (std::strcmp(w, "dpid") == 0) {
-            a->dpid = n;
-            a->dpid_en = 1;
-        }
-        return true;
+        return _vt_word(chip_id, w, v, k, a, [&](const char *word, u32 n) {
+            if (std::strcmp(word, "ovid") == 0) {
+                k->outer_vlan_id = _u16(n);
+            } else if (std::strcmp(word, "ivid") == 0 || std::strcmp(word, "opri") == 0) {
+                k->inner_vlan_id = _u16(n);
+            } else if (std::strcmp(word, "dpid") == 0) {
+                a->dpid = n;
+                a->dpid_en = 1;
+            }
+        });
     });
 }
 
@@ -812,31 +825,17 @@ const char *_ivt_type_word(u32 id)
 // a match word (the CFIs are not part of this chip's keys), an action word.
 bool _ivt_word(u32 chip_id, const char *w, const char *v, vlan_ingress_translate_key *k, vlan_translate_action *a)
 {
-    bool known = false;
-    const bool ok = _action_word(w, v, a, &known);
-    if (known) {
-        return ok;
-    }
-    if (std::strcmp(w, "port") == 0) {
-        return cli_pport_to_lport_checked(chip_id, v, &k->lport) == 0;
-    }
-    u32 n = 0;
-    if (!_num(v, &n)) {
-        return false;
-    }
-    if (std::strcmp(w, "tgid") == 0) {
-        k->trunk_flag = 1;
-        k->tgid = n;
-    } else if (std::strcmp(w, "ovid") == 0) {
-        k->outer_vlan = _u16(n);
-    } else if (std::strcmp(w, "ivid") == 0) {
-        k->inner_vlan = _u16(n);
-    } else if (std::strcmp(w, "opri") == 0) {
-        k->outer_pri = _u16(n);
-    } else if (std::strcmp(w, "ipri") == 0) {
-        k->inner_pri = _u16(n);
-    }
-    return true;
+    return _vt_word(chip_id, w, v, k, a, [k](const char *word, u32 n) {
+        if (std::strcmp(word, "ovid") == 0) {
+            k->outer_vlan = _u16(n);
+        } else if (std::strcmp(word, "ivid") == 0) {
+            k->inner_vlan = _u16(n);
+        } else if (std::strcmp(word, "opri") == 0) {
+            k->outer_pri = _u16(n);
+        } else if (std::strcmp(word, "ipri") == 0) {
+            k->inner_pri = _u16(n);
+        }
+    });
 }
 
 // ingress-vlan-translate add key-type <type> [(port WORD | tgid WORD)] match-vlan <values> action {...}:
