@@ -53,6 +53,10 @@ Model::Model(uint32_t chip_count) : serdes_fabric(std::make_unique<SerdesFabric>
 
 Model::~Model()
 {
+    // The chips go before the SerDes fabric they use: a chip's TAP thread
+    // may still pass a frame through its MACs, which read the fabric,
+    // until the chip stops it.
+    chips_.clear();
     for (auto &[paddr, block] : dma_) {
         munmap(block.mem, block.size);
     }
