@@ -117,7 +117,7 @@ private:
     bool ok_ = true;
     bool clk_never_lock_ = false;
     bool clk_pulse_high_ = false;
-    bool gating_ = false;
+    bool gating_ = true;
     bool updating_ = false;
     std::array<Partner, kMacPorts> partners_{};
     std::array<bool, kMacPorts> link_was_{};

@@ -56,6 +56,10 @@ protected:
     void TearDown() override;
 
     // The process level only, for tests that bring chips up themselves.
+    // With the model's hooks in use, a chip's front ports are brought up
+    // through the SDK after its hardware init (the model's MACs let frames
+    // pass only by enabled ports whose link is up), unless `ports_` is
+    // false.
     void up_chip(uint32_t chip);
     void down_chip(uint32_t chip);
 
@@ -63,6 +67,9 @@ protected:
     uint32_t chips_;
     uint32_t bring_up_;
     bool hooks_;
+    // False leaves the front ports as hardware init leaves them: no mapping
+    // mode, no interface type, not enabled (tests of that state).
+    bool ports_ = true;
     std::vector<bool> up_;
 };
 

@@ -20,10 +20,22 @@ inline constexpr uint32_t kFrontPortTypes[CSL_PORT_MAX_MAG] = {
 // The first port of each MAG in mapping mode 0.
 inline constexpr uint32_t kFrontPortMagFirst[CSL_PORT_MAX_MAG] = {0, 4, 8, 16, 24, 26, 25, 27};
 
+// The ports a MAG of interface type `type` puts in use at most.
+constexpr uint8_t front_port_count(uint32_t type)
+{
+    switch (type) {
+    case PORT_INTERFACE_SGMII_8P: case PORT_INTERFACE_OSGMII: return 8;
+    case PORT_INTERFACE_SGMII_4P: case PORT_INTERFACE_QSGMII: case PORT_INTERFACE_10G_QXGMII: return 4;
+    case PORT_INTERFACE_10G_DXGMII: return 2;
+    default: return 1;
+    }
+}
+
 // Brings the front ports of `chip` up: mapping mode 0 unless one is set,
 // the interface type of the property mag_interface_type_<mag> (else the one
-// above) on each MAG without one, then every port in use enabled.  The
-// first failure is returned.
+// above) on each MAG without one, with the port count of the property
+// mag_port_number_<mag> (else the type's most), then every port in use
+// enabled.  The first failure is returned.
 inline int32_t front_ports_up(uint32_t chip)
 {
     uint32_t mode = 0;
@@ -39,7 +51,8 @@ inline int32_t front_ports_up(uint32_t chip)
             const i32 type = csl_port_property_get(chip, static_cast<i32>(mag), "mag_interface_type",
                                                    static_cast<i32>(kFrontPortTypes[mag]));
             const uint32_t t = static_cast<uint32_t>(type);
-            port_interface want{t, static_cast<uint8_t>(t == PORT_INTERFACE_QSGMII ? 4 : t == PORT_INTERFACE_OSGMII ? 8 : 1)};
+            const i32 ports = csl_port_property_get(chip, static_cast<i32>(mag), "mag_port_number", front_port_count(t));
+            port_interface want{t, static_cast<uint8_t>(ports)};
             rc = port_api_interface_set(chip, first, &want);
         }
     }

@@ -32,8 +32,12 @@ const csl_port_driver_t g_shell_fake = [] {
     return t;
 }();
 
+// The chip's ports stay as hardware init leaves them (no mapping mode, no
+// interface type): the shell meets a recording driver, or the real one
+// before any port exists.
 class CliPort : public tide::test::SimChips, public tide::test::CliLines {
 protected:
+    CliPort() { ports_ = false; }
     void SetUp() override
     {
         SimChips::SetUp();

@@ -39,6 +39,9 @@ protected:
     {
         SimChips::SetUp();
         g_calls = 0;
+        // The front ports' bring-up left their link events pending: the
+        // tests start from a quiet tree.
+        ASSERT_EQ(interrupt_api_clear_all(0), 0);
         ASSERT_EQ(interrupt_api_enable_set(0, {INTR_MODULE_ALL, INTR_SUBID_ALL}, {INTR_ID_ALL, INTR_ADDR_ALL}, 1), 0);
     }
 

@@ -251,12 +251,14 @@ TEST_F(SimTap, FramesGoBothWays)
     EXPECT_EQ(waiting_copies(2, big), 0);
 
     // A reset of the switch core leaves the binding as it is; frames keep
-    // entering and meet the registers at their reset values.
+    // entering and meet the registers at their reset values: the MAC's
+    // receive enable is clear again.
     ASSERT_EQ(cfg_.reg_write(0, 3, 0x47200, 0), 0);
     ASSERT_EQ(cfg_.reg_write(0, 3, 0x47200, 15), 0);
     ASSERT_TRUE(tide::test::packet_send(sock, up));
-    ASSERT_TRUE(tide::test::wait_until([&] { return port_stats(1).last_drop_cause == 570; }, kWaitMs))
-        << port_stats(1).last_drop_cause; // DISCARD_VMAP_TABLE_INVALID
+    ASSERT_TRUE(tide::test::wait_until(
+        [&] { return port_stats(1).last_drop_cause == TIDE_SIM_CAUSE_MAC_RX_DISABLED; }, kWaitMs))
+        << port_stats(1).last_drop_cause;
     EXPECT_EQ(taps().size(), 1u);
     close(sock);
 }
