@@ -67,6 +67,10 @@ protected:
     void SetUp() override
     {
         SimChips::SetUp();
+        if (counter_thread_) {
+            ASSERT_EQ(shr_property_set(0, "counter_thread_start", "1"), 0);
+            ASSERT_EQ(shr_property_set(0, "counter_thread_msec", "1000"), 0);
+        }
         up_chip(0);
         ASSERT_EQ(tide::test::vlan_ports(0, 1, kFront, kFront), 0);
     }
@@ -75,6 +79,8 @@ protected:
         const Frame f = _broadcast();
         ASSERT_EQ(tide_sim_packet_inject(0, port, f.data(), static_cast<uint32_t>(f.size())), 0);
     }
+    // The counter service's thread runs from bring-up, a pass a second.
+    bool counter_thread_ = false;
 };
 
 TEST_F(PortLink, FromNothingToAForwardingLink)
@@ -243,6 +249,42 @@ TEST_F(PortLink, ABurstCountsInTheMibOfBothPortsInEitherClearMode)
         // store with nothing new in the MAC.
         EXPECT_EQ(item(3, kRxTotal), rx + kBurst);
         EXPECT_EQ(item(0, kTxTotal), tx + kBurst);
+    }
+}
+
+class PortLinkCounterThread : public PortLink {
+protected:
+    PortLinkCounterThread() { counter_thread_ = true; }
+};
+
+// The counter thread's pass refreshes the "port_counter" store from the
+// MAC's reads that clear it: after each burst the store holds the running
+// total, without a read of the test's, and port_api_counter_get gives that
+// total although the MAC now counts from 0.
+TEST_F(PortLinkCounterThread, TheThreadsRefreshKeepsTheTotalAcrossReadsThatClear)
+{
+    constexpr uint32_t kRxTotal = 0, kBurst = 5, kPort = 3;
+    ASSERT_EQ(tide::test::front_ports_up(0), 0);
+    ASSERT_TRUE(tide_test::eventually([] { return _link(kPort); }));
+    ASSERT_EQ(tide::port::atolreef::reg_update(0, cib_mac_port_mib_cfg, kPort, {{cib_f_mib_clr_mode, 0}}), 0);
+    ASSERT_EQ(port_api_counter_clean(0, kPort), 0);
+    ASSERT_NE(g_atolreef_port_counter[0], nullptr);
+    const uint64_t *item = g_atolreef_port_counter[0] + kPort * PORT_MIB_ITEMS + kRxTotal;
+    auto stored = [item] { return __atomic_load_n(item, __ATOMIC_ACQUIRE); };
+    const uint64_t base = stored();
+    for (uint32_t round = 1; round <= 2; round++) {
+        SCOPED_TRACE(round);
+        for (uint32_t i = 0; i < kBurst; i++) {
+            inject(kPort);
+        }
+        const uint64_t total = base + round * kBurst;
+        EXPECT_TRUE(tide_test::eventually([&] { return stored() == total; })) << stored();
+        uint64_t v = 0;
+        EXPECT_EQ(port_api_counter_get(0, kPort, kRxTotal, &v), 0);
+        EXPECT_EQ(v, total);
+    }
+    for (uint32_t port = 0; port < 28; port++) {
+        _drain(port);
     }
 }
 
