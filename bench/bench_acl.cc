@@ -21,6 +21,7 @@
 #include <random>
 #include <vector>
 
+#include "support/front_ports.h"
 #include "support/vlan_ports.h"
 
 namespace {
@@ -46,6 +47,7 @@ struct AclBenchChip {
         shr_property_set(0, "vacl_320bit_cnt", "0");
         init_api_software_process(0, &cfg);
         init_api_hardware_process(0);
+        tide::test::front_ports_up(0);
     }
     ~AclBenchChip()
     {

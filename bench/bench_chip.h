@@ -1,11 +1,14 @@
-// One simulated chip, brought up to the hardware level, shared by the
-// benchmarks of a program for its whole run.
+// One simulated chip, brought up to the hardware level with its front ports
+// up (the model's MACs pass frames only by those), shared by the benchmarks
+// of a program for its whole run.
 #ifndef TIDE_BENCH_CHIP_H
 #define TIDE_BENCH_CHIP_H
 
 #include <benchmark/benchmark.h>
 #include <tide/sim.h>
 #include <tide/tide.h>
+
+#include "support/front_ports.h"
 
 namespace tide::bench {
 
@@ -18,6 +21,7 @@ struct Chip {
         init_api_base_software_process(&cfg);
         init_api_software_process(0, &cfg);
         init_api_hardware_process(0);
+        tide::test::front_ports_up(0);
     }
     ~Chip()
     {

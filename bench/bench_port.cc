@@ -14,24 +14,15 @@ namespace {
 using tide::bench::chip;
 
 // All 28 front ports brought up through the SDK, as an application does:
-// mapping mode 0 (every interface type back to none), the interface type of
-// each MAG, every port enabled.  The number of ports whose link is up, or
-// -1 when a call fails.
+// mapping mode 0 (every interface type back to none), then the harness's
+// interface type of each MAG and every port enabled.  The number of ports
+// whose link is up, or -1 when a call fails.
 int _ports_up()
 {
     chip();
-    constexpr u32 kType[8] = {PORT_INTERFACE_QSGMII, PORT_INTERFACE_QSGMII, PORT_INTERFACE_OSGMII,
-                              PORT_INTERFACE_OSGMII, PORT_INTERFACE_SGMII,  PORT_INTERFACE_SGMII,
-                              PORT_INTERFACE_SGMII,  PORT_INTERFACE_SGMII};
-    constexpr u32 kFirst[8] = {0, 4, 8, 16, 24, 26, 25, 27};
-    constexpr u8 kPorts[8] = {4, 4, 8, 8, 1, 1, 1, 1};
     i32 rc = port_api_map_mode_set(0, 0);
-    for (u32 mag = 0; mag < 8 && rc == 0; mag++) {
-        port_interface want{kType[mag], kPorts[mag]};
-        rc = port_api_interface_set(0, kFirst[mag], &want);
-    }
-    for (u32 lport = 0; lport < 28 && rc == 0; lport++) {
-        rc = port_api_enable_set(0, lport, 1);
+    if (rc == 0) {
+        rc = tide::test::front_ports_up(0);
     }
     int linked = 0;
     for (u32 lport = 0; lport < 28 && rc == 0; lport++) {
