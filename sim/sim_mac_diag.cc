@@ -65,6 +65,15 @@ MacDiag::MacDiag(MacEngine &mac) : mac_(mac)
     delta_[1] = mac_.need("pcs_glb_clk_sds_tx_delta", "clk_sds_tx_delta");
     lost_ev_[0] = mac_.event_of("pcs_glb_int_stat", "rx_clk_lost_int");
     lost_ev_[1] = mac_.event_of("pcs_glb_int_stat", "tx_clk_lost_int");
+    comma_det_ = mac_.need("pcs_8b10b_alm_8b10b", "comma_det_st");
+    comma_chk_ = mac_.need("pcs_8b10b_alm_8b10b", "comma_chk_st");
+    sds_down_8b10b_ = mac_.need("pcs_8b10b_alm_8b10b", "sds_down");
+    am_oh_sch_ = mac_.need("pcs_6466b_alm_6466b", "am_oh_sch_st");
+    local_fault_ = mac_.need("pcs_6466b_alm_6466b", "local_fault");
+    block_unsyn_ = mac_.need("pcs_6466b_alm_6466b", "block_unsyn");
+    sds_down_6466b_ = mac_.need("pcs_6466b_alm_6466b", "sds_down");
+    rx_fsm_ = mac_.need("pcs_4b5b_alm_4b5b", "rx_fsm_st");
+    sds_down_4b5b_ = mac_.need("pcs_4b5b_alm_4b5b", "sds_down");
 }
 
 void MacDiag::install()
@@ -84,9 +93,11 @@ void MacDiag::install()
             chip.on_write(4, f->reg->addrs[mag], [this](Chip &, uint32_t, uint32_t, uint64_t) { mac_.update(); });
         }
     }
-    for (uint32_t dir = 0; dir < 2; dir++) {
-        for (uint32_t mag = 0; mag < kMags && mag < delta_[dir].reg->instances; mag++) {
-            chip.on_read(4, delta_[dir].reg->addrs[mag], [this](Chip &, uint32_t, uint32_t) { evaluate(); });
+    // The result and alarm words are brought up to date before a read.
+    const MacEngine::Fld *results[] = {&delta_[0], &delta_[1], &comma_det_, &am_oh_sch_, &rx_fsm_};
+    for (const MacEngine::Fld *f : results) {
+        for (uint32_t i = 0; i < f->reg->instances; i++) {
+            chip.on_read(4, f->reg->addrs[i], [this](Chip &, uint32_t, uint32_t) { evaluate(); });
         }
     }
 }
@@ -137,6 +148,24 @@ void MacDiag::evaluate()
             }
             lost_was_[mag][dir] = m.lost;
         }
+        alarms(mag);
+    }
+}
+
+void MacDiag::alarms(uint32_t mag)
+{
+    constexpr uint32_t kAck4 = 7, kInfLock = 3, kRxErr = 3;
+    const bool down = !mac_.lane_signal(mag);
+    mac_.set(comma_det_, mag, down ? 0 : kAck4);
+    mac_.set(comma_chk_, mag, down ? 0 : kAck4);
+    mac_.set(sds_down_8b10b_, mag, down);
+    mac_.set(rx_fsm_, mag, down ? kRxErr : 0);
+    mac_.set(sds_down_4b5b_, mag, down);
+    if (mag >= 2) {
+        mac_.set(am_oh_sch_, mag - 2, down ? 0 : kInfLock);
+        mac_.set(local_fault_, mag - 2, down);
+        mac_.set(block_unsyn_, mag - 2, down);
+        mac_.set(sds_down_6466b_, mag - 2, down);
     }
 }
 

@@ -12,6 +12,12 @@
 // down (TIDE_SIM_MAC_DOWN_CLK_LOST).  The measure is taken again whenever
 // the MAC engine recomputes its ports and before a read of the result.
 //
+// The alarm words of the three PCS codings of a MAG follow the same lane:
+// while something arrives, 8B/10B has its comma detection and check in
+// ACK4, 64B/66B its search in INF LOCK, 4B/5B its receiver in RX_IDLE, and
+// no alarm; while nothing does, LOSS, OOF UNLOCK with LOCAL_FAULT and
+// BLOCK_UNSYN, RX_ERR, each with SDS_DOWN.
+//
 // The path counters count the start (SOP) and end (EOP) of each frame at
 // each block it passes, in 16 bits that wrap: receive PCS, glue, MAC,
 // map from MACsec, map to the core; transmit map from the core, map to
@@ -85,10 +91,15 @@ private:
     MacEngine::Fld port_clr_, cnt_clr_[2];
     MacEngine::Fld num_[2], allow_[2], down_en_[2], sign_[2], delta_[2];
     MacEngine::Event lost_ev_[2];
+    // The alarm words: 8B/10B comma detection and check, 64B/66B search,
+    // 4B/5B receiver; their lane alarms.
+    MacEngine::Fld comma_det_, comma_chk_, sds_down_8b10b_, am_oh_sch_, local_fault_, block_unsyn_, sds_down_6466b_,
+        rx_fsm_, sds_down_4b5b_;
     std::array<Drift, kMags> drift_{};
     std::array<std::array<bool, 2>, kMags> lost_was_{};
 
     Measure measure(uint32_t mag, uint32_t dir) const;
+    void alarms(uint32_t mag);
     bool held(const Stage &st, uint32_t lport, uint32_t dir, uint32_t *instance) const;
     void bump(const MacEngine::Fld &f, uint32_t instance);
     void count(uint32_t first, uint32_t last, uint32_t lport, uint32_t dir);

@@ -194,11 +194,34 @@ TEST_F(PortDiag, ALaneWithNothingArrivingMeasuresTheWholeWindow)
     EXPECT_EQ(d.rx_sign, 1u);
     EXPECT_EQ(d.rx_delta, 0xFFFFu);
     EXPECT_EQ(d.tx_delta, 0u);
-    EXPECT_EQ(_value(_report(kSolo), "rx_clk_lost"), 1);
+    const std::string r = _report(kSolo);
+    EXPECT_EQ(_value(r, "rx_clk_lost"), 1);
+    EXPECT_NE(r.find("8b10b alm:\n  comma_det_st LOSS comma_chk_st LOSS\n  SDS_DOWN\n"), std::string::npos) << r;
     // Knob refusals.
     EXPECT_EQ(tide_sim_mac_clk_delta_set(0, 8, 0, 0, 0, 0), -4);
     EXPECT_EQ(tide_sim_mac_clk_delta_set(0, 0, 2, 0, 0, 0), -4);
     EXPECT_EQ(tide_sim_mac_clk_delta_set(0, 0, 0, 0x10000, 0, 0), -4);
+}
+
+TEST_F(PortDiag, EachCodingReportsItsStatesByName)
+{
+    // Port 24 alone on MAG 4 as 10GBASE_R, port 26 alone on MAG 5 as
+    // 100BASE_FX.
+    port_interface r10g{PORT_INTERFACE_10GBASE_R, 1};
+    ASSERT_EQ(port_api_interface_set(0, kSolo, &r10g), 0);
+    ASSERT_EQ(port_api_enable_set(0, kSolo, 1), 0);
+    std::string r = _report(kSolo);
+    EXPECT_NE(r.find("64b66b alm:\n  am_oh_sch_st INF LOCK\n  NORMAL\n"), std::string::npos) << r;
+    ASSERT_EQ(tide_sim_mac_endpoint_set(0, kSolo, 0), 0);
+    r = _report(kSolo);
+    EXPECT_NE(r.find("64b66b alm:\n  am_oh_sch_st OOF UNLOCK\n  LOCAL_FAULT BLOCK_UNSYN SDS_DOWN\n"),
+              std::string::npos)
+        << r;
+    port_interface fx{PORT_INTERFACE_100BASE_FX, 1};
+    ASSERT_EQ(port_api_interface_set(0, 26, &fx), 0);
+    ASSERT_EQ(port_api_enable_set(0, 26, 1), 0);
+    r = _report(26);
+    EXPECT_NE(r.find("4b5b alm:\n  rx_fsm_st RX_IDLE\n  NORMAL\n"), std::string::npos) << r;
 }
 
 // ---- the path counters -------------------------------------------------------------------------
@@ -297,7 +320,7 @@ TEST_F(PortDiag, TheReportsSectionsInOrder)
     EXPECT_EQ(std::count(counters.begin(), counters.end(), '\n'), 12);
     EXPECT_EQ(counters.rfind("  mag_map_tx_mac_sop/eop     0/0\n", 0), 0u) << counters;
     EXPECT_LT(counters.find("pcs_glb_pkt_tx_sop/eop"), counters.find("pcs_glb_pkt_rx_sop/eop"));
-    EXPECT_NE(r.find("8b10b alm:\n  0x00000000 NORMAL\n"), std::string::npos) << r;
+    EXPECT_NE(r.find("8b10b alm:\n  comma_det_st ACK4 comma_chk_st ACK4\n  NORMAL\n"), std::string::npos) << r;
     EXPECT_NE(r.find("clk-delta\n  rx_sign 0 rx_delta 0 tx_sign 0 tx_delta 0\n"), std::string::npos) << r;
     EXPECT_NE(r.find("clk-delta-alarm\n  rx_clk_lost 0 tx_clk_lost 0\n"), std::string::npos) << r;
 }

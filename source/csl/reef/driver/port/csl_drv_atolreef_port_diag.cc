@@ -3,6 +3,7 @@
 // frame counters along the port's path.
 #include <cstdio>
 #include <cstring>
+#include <span>
 
 #include "csl/reef/driver/port/csl_atolreef_port_int.h"
 
@@ -114,29 +115,85 @@ i32 _inter_cnt_get(u32 chip_id, u32 lport, const port_where &w, u32 clear, port_
     return clear ? _path_counters_clear(chip_id, lport, w) : 0;
 }
 
-// The state word of the coding's alarm section.
-const char *_alm_state(u32 alm, u32 ch_stat)
+// The coding's alarm word: its state fields by name and its alarm bits.
+struct alm_state {
+    const char *name;
+    u32 field;
+    std::span<const char *const> names;
+};
+struct alm_bit {
+    const char *name;
+    u32 field;
+};
+struct alm_block {
+    const char *title;
+    u32 reg;
+    std::span<const alm_state> states;
+    std::span<const alm_bit> bits;
+};
+constexpr const char *kCommaSt[] = {"LOSS", "DETECT1", "DETECT2", "DETECT3", "ACK1", "ACK2", "ACK3", "ACK4"};
+constexpr const char *kAmOhSchSt[] = {"OOF UNLOCK", "FC1 LOCK1", "FC2 LOCK2", "INF LOCK"};
+constexpr const char *kRxFsmSt[] = {"RX_IDLE", "RX_DATA", "RX_JK", "RX_ERR"};
+constexpr alm_state k8b10bStates[] = {{"comma_det_st", cib_f_comma_det_st, kCommaSt},
+                                      {"comma_chk_st", cib_f_comma_chk_st, kCommaSt}};
+constexpr alm_bit k8b10bBits[] = {{"SDS_DOWN", cib_f_sds_down}};
+constexpr alm_state k6466bStates[] = {{"am_oh_sch_st", cib_f_am_oh_sch_st, kAmOhSchSt}};
+constexpr alm_bit k6466bBits[] = {
+    {"LOCAL_FAULT", cib_f_local_fault},   {"REMOTE_FAULT", cib_f_remote_fault}, {"AM_SCH_UNSYN", cib_f_am_sch_unsyn},
+    {"OH_CMP_ERR", cib_f_oh_cmp_err},     {"FAKE_SYN", cib_f_fake_syn},         {"BLOCK_UNSYN", cib_f_block_unsyn},
+    {"HI_BER", cib_f_hi_ber},             {"UNLOCK/HI_BER", cib_f_unlock_hi_ber},
+    {"SYN_HEADER_ERR", cib_f_syn_header_err}, {"SDS_DOWN", cib_f_sds_down}};
+constexpr alm_state k4b5bStates[] = {{"rx_fsm_st", cib_f_rx_fsm_st, kRxFsmSt}};
+constexpr alm_bit k4b5bBits[] = {{"SDS_DOWN", cib_f_sds_down}};
+// By coding (kCode8b10b, kCode6466b, kCode4b5b).
+constexpr alm_block kAlmBlocks[3] = {
+    {"8b10b alm:", cib_pcs_8b10b_alm_8b10b, k8b10bStates, k8b10bBits},
+    {"64b66b alm:", cib_pcs_6466b_alm_6466b, k6466bStates, k6466bBits},
+    {"4b5b alm:", cib_pcs_4b5b_alm_4b5b, k4b5bStates, k4b5bBits},
+};
+
+// Appends `text` to a line being built in `scratch`.
+void _line_add(char *scratch, const char *text)
 {
-    if (alm == 0) {
-        return "NORMAL";
-    }
-    return (ch_stat & 0x10) ? "LOCAL_FAULT" : (ch_stat & 0x8) ? "REMOTE_FAULT" : "SDS_DOWN";
+    const size_t used = strnlen(scratch, kScratch);
+    snprintf(scratch + used, kScratch - used, "%s", text);
 }
 
+// The coding's section: a line of its states by name, then a line of the
+// alarms that are set, or NORMAL.
 i32 _coding_alm_get(u32 chip_id, const port_where &w, u32 code, port_info_buff *info, char *scratch)
 {
-    static constexpr const char *kCodeName[3] = {"8b10b alm:", "64b66b alm:", "4b5b alm:"};
-    u32 alm = 0, st = 0;
-    i32 rc = 0;
-    if (code == kCode8b10b) {
-        rc = reg_field_get(chip_id, cib_pcs_8b10b_alm_8b10b, w.mag, cib_f_alm_8b10b, &alm);
-    } else if (code == kCode6466b) {
-        rc = reg_field_get(chip_id, cib_pcs_6466b_alm_6466b, w.mag - 2, cib_f_alm_6466b, &alm);
-        if (rc == 0) rc = reg_field_get(chip_id, cib_pcs_6466b_ch_stat, w.mag - 2, cib_f_ch_stat, &st);
+    const alm_block &b = kAlmBlocks[code];
+    const u32 index = pcs_index(code, w.mag);
+    snprintf(scratch, kScratch, "%s\n ", b.title);
+    for (const alm_state &st : b.states) {
+        u32 v = 0;
+        const i32 rc = reg_field_get(chip_id, b.reg, index, st.field, &v);
+        if (rc != 0) {
+            return rc;
+        }
+        _line_add(scratch, " ");
+        _line_add(scratch, st.name);
+        _line_add(scratch, " ");
+        _line_add(scratch, v < st.names.size() ? st.names[v] : "INVALID");
     }
-    snprintf(scratch, kScratch, "%s\n  0x%08x %s\n", kCodeName[code], alm, _alm_state(alm, st));
+    _line_add(scratch, "\n ");
+    bool any = false;
+    for (const alm_bit &a : b.bits) {
+        u32 v = 0;
+        const i32 rc = reg_field_get(chip_id, b.reg, index, a.field, &v);
+        if (rc != 0) {
+            return rc;
+        }
+        if (v != 0) {
+            _line_add(scratch, " ");
+            _line_add(scratch, a.name);
+            any = true;
+        }
+    }
+    _line_add(scratch, any ? "\n" : " NORMAL\n");
     _buf_append(info, scratch);
-    return rc;
+    return 0;
 }
 
 // The clock check's result and its lost-clock alarms; `clear` clears the
