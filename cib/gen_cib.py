@@ -123,13 +123,17 @@ def parse_range(text, where):
 
 
 def parse_addrs(text, where):
-    """0x100 | 0x100,0x200 | 0x100+0x40*4 | - (a placeholder without address)"""
+    """0x100 | 0x100,0x200 | 0x100+0x40*4 | 0x100+0x4*8+0x1000*4 | - (a
+    placeholder without address).  With two strides the first runs fastest:
+    instance i is at base + s1 * (i % n1) + s2 * (i // n1)."""
     if text == '-':
         return []
-    m = re.fullmatch(r'(0x[0-9a-fA-F]+|\d+)\+(0x[0-9a-fA-F]+|\d+)\*(\d+)', text)
+    num = r'(0x[0-9a-fA-F]+|\d+)'
+    m = re.fullmatch(num + r'\+' + num + r'\*(\d+)(?:\+' + num + r'\*(\d+))?', text)
     if m:
         base, stride, count = int(m.group(1), 0), int(m.group(2), 0), int(m.group(3))
-        return [base + stride * i for i in range(count)]
+        outer, copies = (int(m.group(4), 0), int(m.group(5))) if m.group(4) else (0, 1)
+        return [base + outer * k + stride * i for k in range(copies) for i in range(count)]
     try:
         return [int(a, 0) for a in text.split(',')]
     except ValueError:

@@ -16,6 +16,7 @@
 #include "sim/sim_int.h"
 #include "sim/sim_intr.h"
 #include "sim/sim_mac.h"
+#include "sim/sim_mac_diag.h"
 #include "sim/sim_macsec.h"
 #include "sim/sim_pkt.h"
 #include "sim/sim_qos.h"
@@ -873,6 +874,14 @@ int tide_sim_mac_port_get(uint32_t chip, uint32_t lport, tide_sim_mac_port *port
         return _chip_status(chip) != 0 ? _chip_status(chip) : -20;
     }
     return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.port_get(lport, port); });
+}
+
+int tide_sim_mac_clk_delta_set(uint32_t chip, uint32_t mag, uint32_t rx_sign, uint32_t rx_delta, uint32_t tx_sign,
+                               uint32_t tx_delta)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) {
+        return mac.diag().drift(mag, rx_sign, rx_delta, tx_sign, tx_delta);
+    });
 }
 
 } // extern "C"

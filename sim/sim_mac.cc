@@ -9,6 +9,7 @@
 #include "sim/sim_int.h"
 #include "sim/sim_intr.h"
 #include "sim/sim_intr_desc.h"
+#include "sim/sim_mac_diag.h"
 #include "sim/sim_serdes.h"
 
 namespace tide::sim {
@@ -262,7 +263,10 @@ MacEngine::MacEngine(Chip &chip, SerdesFabric *fabric) : chip_(chip), fabric_(fa
     ev_4b5b_down_ = event_of("pcs_4b5b_int_stat", "link_down_int");
     ev_an_done_ = event_of("pcs_an_int_stat", "an_done_int");
     ev_an_restart_ = event_of("pcs_an_int_stat", "an_restart_int");
+    diag_ = std::make_unique<MacDiag>(*this);
 }
+
+MacEngine::~MacEngine() = default;
 
 MacEngine::Fld MacEngine::need(const char *reg, const char *field)
 {
@@ -382,6 +386,7 @@ void MacEngine::install()
             chip_.on_read(4, f->reg->addrs[i], [this](Chip &, uint32_t, uint32_t) { update(); });
         }
     }
+    diag_->install();
 }
 
 void MacEngine::clear()
@@ -394,6 +399,7 @@ void MacEngine::clear()
     link_was_ = {};
     an_done_was_ = {};
     an_restart_was_ = {};
+    diag_->clear();
     if (ok_) {
         update();
     }
@@ -490,6 +496,9 @@ MacEngine::PortState MacEngine::state(uint32_t lport) const
             down = s.signal ? down : TIDE_SIM_MAC_DOWN_NO_PARTNER;
             negotiates = _bit(far.an, s.mac);
             partner.pause = (far.adv[s.mac] >> 7) & 3;
+        }
+        if (down == TIDE_SIM_MAC_UP && diag_->clk_down(s.mag)) {
+            down = TIDE_SIM_MAC_DOWN_CLK_LOST;
         }
     }
     s.an_active = pr.an && !forced_up && get(an_enable_, s.channel) != 0;
@@ -627,6 +636,7 @@ void MacEngine::update()
             set(ch_stat_, mag - 2, ch_stat[mag]);
         }
     }
+    diag_->evaluate();
     updating_ = false;
 }
 
@@ -684,6 +694,27 @@ int MacEngine::port_get(uint32_t lport, tide_sim_mac_port *out)
     return 0;
 }
 
+bool MacEngine::place(uint32_t lport, uint32_t *mag, uint32_t *mac) const
+{
+    const uint32_t mode = get(glue_mode_);
+    return mode <= 1 && _place(mode, lport, mag, mac);
+}
+
+bool MacEngine::lane_signal(uint32_t mag) const
+{
+    const SerdesFabric::LaneView v = fabric_->view(chip_.id(), mag);
+    if (v.link != SerdesFabric::Link::none) {
+        return v.cdr_locked;
+    }
+    const uint32_t mode = get(glue_mode_);
+    for (uint32_t i = 0; mode <= 1 && mag < kMags && i < kGlue[mode][mag].count; i++) {
+        if (partners_[kGlue[mode][mag].lport[i]].plugged) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // ---- MIB ---------------------------------------------------------------------------------
 
 void MacEngine::count(uint32_t lport, uint32_t dir, const uint8_t *frame, uint32_t len, bool good)
@@ -691,6 +722,7 @@ void MacEngine::count(uint32_t lport, uint32_t dir, const uint8_t *frame, uint32
     if (lport >= kMacPorts || len < 14) {
         return;
     }
+    diag_->frame(lport, dir, good);
     std::array<uint64_t, kMibItems> &counts = mib_[lport][dir];
     std::array<bool, kMibItems> &dirty = mib_dirty_[lport][dir];
     auto add = [&](uint32_t item, uint64_t n = 1) {
@@ -832,10 +864,12 @@ bool MacEngine::rx_admit(uint32_t lport, uint16_t *cause)
     const PortState s = state(lport);
     if (!s.rx_en) {
         *cause = kCauseMacRxDisabled;
+        diag_->drop(lport, 0);
         return false;
     }
     if (!s.link) {
         *cause = kCauseMacRxLinkDown;
+        diag_->drop(lport, 0);
         return false;
     }
     return true;
@@ -849,10 +883,12 @@ bool MacEngine::tx_admit(uint32_t lport, uint16_t *cause)
     const PortState s = state(lport);
     if (!s.link) {
         *cause = kCausePortLinkDown;
+        diag_->drop(lport, 1);
         return false;
     }
     if (!s.tx_en) {
         *cause = kCauseMacTxDisabled;
+        diag_->drop(lport, 1);
         return false;
     }
     return true;

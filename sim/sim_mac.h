@@ -28,6 +28,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 
 #include "sim/sim_bits.h"
 
@@ -35,6 +36,7 @@ namespace tide::sim {
 
 class Chip;
 class SerdesFabric;
+class MacDiag;
 
 constexpr uint32_t kMacPorts = 28;
 constexpr uint32_t kMags = 8;
@@ -54,6 +56,7 @@ enum MacCause : uint16_t {
 class MacEngine {
 public:
     MacEngine(Chip &chip, SerdesFabric *fabric);
+    ~MacEngine();
     MacEngine(const MacEngine &) = delete;
     MacEngine &operator=(const MacEngine &) = delete;
 
@@ -87,9 +90,18 @@ public:
     // Recomputes every port: link bits, AN status, events.
     void update();
 
+    // The clock check and path counters (sim_mac_diag.h).
+    MacDiag &diag() { return *diag_; }
+    // The MAG and MAC of a front port in the glue mode.
+    bool place(uint32_t lport, uint32_t *mag, uint32_t *mac) const;
+    // Whether anything arrives on a MAG's lane: its cable or plug with the
+    // clock recovered, or without either the frame endpoint of a port.
+    bool lane_signal(uint32_t mag) const;
+
     static constexpr uint32_t kMibItems = 36;
 
 private:
+    friend class MacDiag;
     // A field of a register of the description.
     struct Fld {
         const desc::Register *reg = nullptr;
@@ -114,6 +126,7 @@ private:
 
     Chip &chip_;
     SerdesFabric *fabric_;
+    std::unique_ptr<MacDiag> diag_;
     bool ok_ = true;
     bool clk_never_lock_ = false;
     bool clk_pulse_high_ = false;

@@ -500,6 +500,8 @@ TIDE_API int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_
 #define TIDE_SIM_MAC_DOWN_NO_SIGNAL 7u   /* nothing arrives: no locked lane, no endpoint */
 #define TIDE_SIM_MAC_DOWN_NO_PARTNER 8u  /* the far PCS sends no idles on this channel (reset, other protocol) */
 #define TIDE_SIM_MAC_DOWN_AN 9u          /* auto-negotiation enabled and not complete */
+#define TIDE_SIM_MAC_DOWN_CLK_LOST 10u   /* the lane's clock is beyond the clock check's allowance, with
+                                            clk_sds_*_err_down_en (checked after NO_PARTNER) */
 
 typedef struct tide_sim_mac_port {
     uint32_t link;      /* 1 up */
@@ -516,6 +518,21 @@ typedef struct tide_sim_mac_port {
 } tide_sim_mac_port;
 /* -4 for a port above 27, -20 for NULL. */
 TIDE_API int tide_sim_mac_port_get(uint32_t chip, uint32_t lport, tide_sim_mac_port *port);
+
+/* ---- MAC diagnostics: the clock check ---------------------------------------
+ * Once pcs_glb_clk_chk_cfg0 (receive) or cfg1 (transmit) of a MAG holds a
+ * cycle count, the model measures how far the MAG's lane clocks run from
+ * the local one, into pcs_glb_clk_sds_rx_delta and _tx_delta (a sign bit,
+ * 1 when the lane's clock is the slower, and 16 bits of difference): the
+ * drift set here (0 by default) while something arrives on the lane, and
+ * 0xFFFF with sign 1 on receive while nothing does.  A difference beyond
+ * clk_sds_*_cfg_delta raises rx_clk_lost_int or tx_clk_lost_int of
+ * pcs_glb_int_stat, and with clk_sds_*_err_down_en takes the links of the
+ * MAG down (TIDE_SIM_MAC_DOWN_CLK_LOST).
+ * The drift of MAG `mag`'s lane clocks: signs 0 or 1, differences up to
+ * 0xFFFF.  -4 for a MAG above 7 or a value out of range. */
+TIDE_API int tide_sim_mac_clk_delta_set(uint32_t chip, uint32_t mag, uint32_t rx_sign, uint32_t rx_delta,
+                                        uint32_t tx_sign, uint32_t tx_delta);
 
 TIDE_END_DECLS
 

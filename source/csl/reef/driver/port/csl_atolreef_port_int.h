@@ -156,6 +156,8 @@ i32 _csl_atolreef_port_transmit_path_set(u32 chip_id, u32 mode, u32 select, u32 
 i32 _csl_atolreef_port_transmit_path_get(u32 chip_id, u32 *mode, u32 *select, u32 *path);
 i32 _csl_atolreef_cfg_control_set(u32 chip_id, u32 lport, u32 flag, void *value);
 i32 _csl_atolreef_cfg_control_get(u32 chip_id, u32 lport, u32 flag, void *value);
+/* Diagnostics (csl_drv_atolreef_port_diag.cc). */
+i32 _csl_atolreef_clk_delta_result_get(u32 chip_id, u32 lport, port_clk_delta *delta);
 i32 _csl_atolreef_basic_info_get(u32 chip_id, u32 lport, port_info_buff *info);
 i32 _csl_atolreef_alm_info_get(u32 chip_id, u32 lport, u32 clear, port_info_buff *info);
 i32 _csl_atolreef_port_reset_set(u32 chip_id, u32 lport, u32 reset_flag);

@@ -405,6 +405,7 @@ static constexpr csl_port_driver_t _csl_atolreef_port_driver_make()
     t.port_crc_get = _csl_atolreef_port_crc_get;
     t.dic_mode_set = _csl_atolreef_dic_mode_set;
     t.dic_mode_get = _csl_atolreef_dic_mode_get;
+    t.clk_delta_result_get = _csl_atolreef_clk_delta_result_get;
     t.mac_phy_mode_set = _csl_atolreef_mac_phy_mode_set;
     t.mac_phy_mode_get = _csl_atolreef_mac_phy_mode_get;
     t.serdes_id_get = _csl_atolreef_serdes_id_get;

@@ -157,19 +157,6 @@ bool _cfg_field(u32 flag, cfg_field *f)
     }
 }
 
-// Appends formatted text to a caller's buffer, cut at its end.
-void _buf_append(port_info_buff *info, const char *text)
-{
-    if (info->buff == nullptr || info->len == 0 || info->used >= info->len - 1) {
-        return;
-    }
-    const size_t room = info->len - 1 - info->used;
-    const size_t n = strnlen(text, room);
-    memcpy(info->buff + info->used, text, n);
-    info->used += static_cast<u32>(n);
-    info->buff[info->used] = '\0';
-}
-
 } // namespace
 
 extern "C" {
@@ -953,54 +940,6 @@ i32 _csl_atolreef_mac_phy_mode_init(u32 chip_id, u32 mag_id, u32 type)
         }
         return rc;
     });
-}
-
-i32 _csl_atolreef_basic_info_get(u32 chip_id, u32 lport, port_info_buff *info)
-{
-    port_where w{};
-    const i32 rc = port_where_get(chip_id, lport, &w);
-    if (rc != 0) {
-        return rc;
-    }
-    char line[96];
-    const char *name = w.type < CSL_PORT_INTERFACE_NAMES ? interface_type_string[w.type] : "NULL";
-    snprintf(line, sizeof(line), "%-10u%-16s%-10u%-16u\n", lport, name, w.mag, w.mac);
-    _buf_append(info, line);
-    return 0;
-}
-
-i32 _csl_atolreef_alm_info_get(u32 chip_id, u32 lport, u32 clear, port_info_buff *info)
-{
-    (void)clear;
-    port_where w{};
-    u32 code = 0;
-    i32 rc = _where(chip_id, lport, &w, &code);
-    if (rc != 0) {
-        return rc;
-    }
-    auto *scratch = static_cast<char *>(xsal_malloc(200, "mac_dfx", SHR_MOD_PORT));
-    if (scratch == nullptr) {
-        return SHR_E_MEMORY;
-    }
-    u32 tx = 0, rx = 0, alm = 0, st = 0;
-    reg_field_get(chip_id, cib_pcs_glb_txbuf_alm, w.mag, cib_f_txbuf_alm, &tx);
-    reg_field_get(chip_id, cib_pcs_glb_rxbuf_alm, w.mag, cib_f_rxbuf_alm, &rx);
-    snprintf(scratch, 200, "buf_alm\n  txbuf_alm 0x%x rxbuf_alm 0x%x\n", tx, rx);
-    _buf_append(info, scratch);
-    _buf_append(info, "inter-cnt\n");
-    static constexpr const char *kCodeName[3] = {"8b10b alm:", "64b66b alm:", "4b5b alm:"};
-    if (code == kCode8b10b) {
-        reg_field_get(chip_id, cib_pcs_8b10b_alm_8b10b, w.mag, cib_f_alm_8b10b, &alm);
-    } else if (code == kCode6466b) {
-        reg_field_get(chip_id, cib_pcs_6466b_alm_6466b, w.mag - 2, cib_f_alm_6466b, &alm);
-        reg_field_get(chip_id, cib_pcs_6466b_ch_stat, w.mag - 2, cib_f_ch_stat, &st);
-    }
-    const char *state = alm == 0 ? "NORMAL" : (st & 0x10) ? "LOCAL_FAULT" : (st & 0x8) ? "REMOTE_FAULT" : "SDS_DOWN";
-    snprintf(scratch, 200, "%s\n  0x%08x %s\n", kCodeName[code], alm, state);
-    _buf_append(info, scratch);
-    _buf_append(info, "clk-delta\nclk-delta-alarm\n");
-    xsal_mem_free(scratch);
-    return rc;
 }
 
 } // extern "C"
