@@ -83,7 +83,10 @@ i32 _mib_read(u32 chip_id, u32 lport, u32 item, u64 *value)
 
 // Feeds a value read from the hardware into the store.  A MAC that keeps
 // its totals (mib_clr_mode 1) replaces the stored value; one whose read
-// clears it adds to it.
+// clears it adds to it.  The counter thread's refresh runs under the chip
+// lock and an application's read under the port's own lock, which do not
+// exclude each other, so the store's words are updated atomically: what
+// each read took out of the hardware is added exactly once.
 i32 _csl_atolreef_counter_update(u32 chip_id, u32 lport, u32 item, u64 value)
 {
     u64 *s = _store(chip_id, lport);
@@ -101,7 +104,11 @@ i32 _csl_atolreef_counter_update(u32 chip_id, u32 lport, u32 item, u64 value)
         }
         replace = mode == 1;
     }
-    s[item] = replace ? value : s[item] + value;
+    if (replace) {
+        __atomic_store_n(&s[item], value, __ATOMIC_RELAXED);
+    } else {
+        __atomic_fetch_add(&s[item], value, __ATOMIC_RELAXED);
+    }
     return 0;
 }
 
@@ -151,7 +158,7 @@ i32 _csl_atolreef_counter_get(u32 chip_id, u32 lport, u32 mib_item, u64 *value)
         return rc;
     }
     const u64 *s = _store(chip_id, lport);
-    *value = s != nullptr ? s[mib_item] : hw;
+    *value = s != nullptr ? __atomic_load_n(&s[mib_item], __ATOMIC_RELAXED) : hw;
     return 0;
 }
 
