@@ -62,28 +62,9 @@ std::string _report(uint32_t port, uint32_t clear = 0)
     return std::string(text.data(), b.used);
 }
 
-// The value after `name` on its line of a report, -1 without one.  A path
-// counter stands in its register's line "<stage>_sop/eop a/b" (or
-// "_err/drop"): the first or second of the pair.
+// The value after `name` on its line of a report, -1 without one.
 long _value(const std::string &report, const std::string &name)
 {
-    static const char *const kPairs[][3] = {{"_sop", "_sop/eop ", ""}, {"_eop", "_sop/eop ", "/"},
-                                            {"_err", "_err/drop ", ""}, {"_drop", "_err/drop ", "/"}};
-    for (const auto &p : kPairs) {
-        const std::string suffix = p[0];
-        if (name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0) {
-            const std::string label = " " + name.substr(0, name.size() - suffix.size()) + p[1];
-            size_t at = report.find(label);
-            if (at == std::string::npos) {
-                return -1;
-            }
-            at = report.find_first_not_of(' ', at + label.size());
-            if (*p[2] != '\0') {
-                at = report.find('/', at) + 1;
-            }
-            return strtol(report.c_str() + at, nullptr, 10);
-        }
-    }
     const size_t at = report.find(" " + name + " ");
     return at == std::string::npos ? -1 : strtol(report.c_str() + at + name.size() + 1, nullptr, 10);
 }
@@ -313,13 +294,13 @@ TEST_F(PortDiag, TheReportsSectionsInOrder)
         EXPECT_TRUE(at == 0 || r[at - 1] == '\n') << s;
         last = at + 1;
     }
-    // One line per counter register between inter-cnt and the coding's
-    // section, transmit first, each the names then the pair of values.
+    // One line per counter between inter-cnt and the coding's section,
+    // transmit first, each its name then its count.
     const size_t from = r.find("inter-cnt\n") + 10, to = r.find("8b10b alm:");
     const std::string counters = r.substr(from, to - from);
-    EXPECT_EQ(std::count(counters.begin(), counters.end(), '\n'), 12);
-    EXPECT_EQ(counters.rfind("  mag_map_tx_mac_sop/eop     0/0\n", 0), 0u) << counters;
-    EXPECT_LT(counters.find("pcs_glb_pkt_tx_sop/eop"), counters.find("pcs_glb_pkt_rx_sop/eop"));
+    EXPECT_EQ(std::count(counters.begin(), counters.end(), '\n'), 24);
+    EXPECT_EQ(counters.rfind("  mag_map_tx_mac_sop       0\n  mag_map_tx_mac_eop       0\n", 0), 0u) << counters;
+    EXPECT_LT(counters.find("pcs_glb_pkt_tx_sop"), counters.find("pcs_glb_pkt_rx_sop"));
     EXPECT_NE(r.find("8b10b alm:\n  comma_det_st ACK4 comma_chk_st ACK4\n  NORMAL\n"), std::string::npos) << r;
     EXPECT_NE(r.find("clk-delta\n  rx_sign 0 rx_delta 0 tx_sign 0 tx_delta 0\n"), std::string::npos) << r;
     EXPECT_NE(r.find("clk-delta-alarm\n  rx_clk_lost 0 tx_clk_lost 0\n"), std::string::npos) << r;

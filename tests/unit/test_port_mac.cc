@@ -506,7 +506,7 @@ TEST_F(PortMac, CounterWithoutStore)
 
 TEST_F(PortMac, Diagnostics)
 {
-    char text[512] = {};
+    char text[2048] = {};
     port_info_buff b{text, sizeof(text), 0};
     EXPECT_EQ(port_api_basic_info_get(0, 9, &b), 0);
     EXPECT_NE(std::string(text).find("9         SGMII_8P"), std::string::npos) << text;

@@ -16,34 +16,34 @@ constexpr u32 kScratch = 200;
 // MACs per MAG in the instance numbering of the PCS counters.
 constexpr u32 kMacsPerMag = 8;
 
-// A register of path counters: its line in the report, the register, its
-// two counts (SOP and EOP, or error and drop), and whether it is indexed by
-// the MAC of a MAG (mag_id * 8 + mac) rather than by lport.  Transmit from
-// the core to the lane, then receive from the lane to the core, each closed
-// by the MAC's error and drop counts.
+// A register of path counters: the names of its two counts (SOP and EOP,
+// or error and drop), the register and its two fields, and whether it is
+// indexed by the MAC of a MAG (mag_id * 8 + mac) rather than by lport.
+// Transmit from the core to the lane, then receive from the lane to the
+// core, each closed by the MAC's error and drop counts.
 struct path_counter {
-    const char *name;
+    const char *name[2];
     u32 reg;
-    u32 first;
-    u32 second;
+    u32 field[2];
     bool by_channel;
 };
+#define PATH_COUNTER(reg, a, b, by_channel)                                                                            \
+    {{#a, #b}, cib_##reg, {cib_f_##a, cib_f_##b}, by_channel}
 constexpr path_counter kPathCounters[] = {
-    {"mag_map_tx_mac_sop/eop", cib_mag_map_tx_mac_cnt, cib_f_mag_map_tx_mac_sop, cib_f_mag_map_tx_mac_eop, false},
-    {"map_tx_macsec_sop/eop", cib_mag_map_tx_macsec_cnt, cib_f_map_tx_macsec_sop, cib_f_map_tx_macsec_eop, false},
-    {"mac_port_txdat_in_sop/eop", cib_mac_port_txdat_in_cnt, cib_f_mac_port_txdat_in_sop, cib_f_mac_port_txdat_in_eop,
-     false},
-    {"mag_glue_mac_tx_sop/eop", cib_mag_glue_mac_tx_cnt, cib_f_mag_glue_mac_tx_sop, cib_f_mag_glue_mac_tx_eop, false},
-    {"pcs_glb_pkt_tx_sop/eop", cib_pcs_glb_pkt_tx_cnt, cib_f_pcs_glb_pkt_tx_sop, cib_f_pcs_glb_pkt_tx_eop, true},
-    {"mac_port_tx_err/drop", cib_mac_port_txdat_err_cnt, cib_f_mac_port_tx_err, cib_f_mac_port_tx_drop, false},
-    {"pcs_glb_pkt_rx_sop/eop", cib_pcs_glb_pkt_rx_cnt, cib_f_pcs_glb_pkt_rx_sop, cib_f_pcs_glb_pkt_rx_eop, true},
-    {"mag_glue_mac_rx_sop/eop", cib_mag_glue_mac_rx_cnt, cib_f_mag_glue_mac_rx_sop, cib_f_mag_glue_mac_rx_eop, false},
-    {"mac_port_rxdat_out_sop/eop", cib_mac_port_rxdat_out_cnt, cib_f_mac_port_rxdat_out_sop,
-     cib_f_mac_port_rxdat_out_eop, false},
-    {"map_rx_macsec_sop/eop", cib_mag_map_rx_macsec_cnt, cib_f_map_rx_macsec_sop, cib_f_map_rx_macsec_eop, false},
-    {"mag_map_rx_mac_sop/eop", cib_mag_map_rx_mac_cnt, cib_f_mag_map_rx_mac_sop, cib_f_mag_map_rx_mac_eop, false},
-    {"mac_port_rx_err/drop", cib_mac_port_rxdat_err_cnt, cib_f_mac_port_rx_err, cib_f_mac_port_rx_drop, false},
+    PATH_COUNTER(mag_map_tx_mac_cnt, mag_map_tx_mac_sop, mag_map_tx_mac_eop, false),
+    PATH_COUNTER(mag_map_tx_macsec_cnt, map_tx_macsec_sop, map_tx_macsec_eop, false),
+    PATH_COUNTER(mac_port_txdat_in_cnt, mac_port_txdat_in_sop, mac_port_txdat_in_eop, false),
+    PATH_COUNTER(mag_glue_mac_tx_cnt, mag_glue_mac_tx_sop, mag_glue_mac_tx_eop, false),
+    PATH_COUNTER(pcs_glb_pkt_tx_cnt, pcs_glb_pkt_tx_sop, pcs_glb_pkt_tx_eop, true),
+    PATH_COUNTER(mac_port_txdat_err_cnt, mac_port_tx_err, mac_port_tx_drop, false),
+    PATH_COUNTER(pcs_glb_pkt_rx_cnt, pcs_glb_pkt_rx_sop, pcs_glb_pkt_rx_eop, true),
+    PATH_COUNTER(mag_glue_mac_rx_cnt, mag_glue_mac_rx_sop, mag_glue_mac_rx_eop, false),
+    PATH_COUNTER(mac_port_rxdat_out_cnt, mac_port_rxdat_out_sop, mac_port_rxdat_out_eop, false),
+    PATH_COUNTER(mag_map_rx_macsec_cnt, map_rx_macsec_sop, map_rx_macsec_eop, false),
+    PATH_COUNTER(mag_map_rx_mac_cnt, mag_map_rx_mac_sop, mag_map_rx_mac_eop, false),
+    PATH_COUNTER(mac_port_rxdat_err_cnt, mac_port_rx_err, mac_port_rx_drop, false),
 };
+#undef PATH_COUNTER
 
 // Appends text to a caller's buffer, cut at its end.
 void _buf_append(port_info_buff *info, const char *text)
@@ -97,20 +97,21 @@ i32 _path_counters_clear(u32 chip_id, u32 lport, const port_where &w)
     return rc;
 }
 
-// Appends one line per counter register, its two counts as "a/b";
-// `clear` zeroes them after reading.
+// Appends one line per counter, its name and count; `clear` zeroes them
+// after reading.
 i32 _inter_cnt_get(u32 chip_id, u32 lport, const port_where &w, u32 clear, port_info_buff *info, char *scratch)
 {
     for (const path_counter &c : kPathCounters) {
         const u32 index = c.by_channel ? w.mag * kMacsPerMag + w.mac : lport;
-        u32 a = 0, b = 0;
-        i32 rc = reg_field_get(chip_id, c.reg, index, c.first, &a);
-        if (rc == 0) rc = reg_field_get(chip_id, c.reg, index, c.second, &b);
-        if (rc != 0) {
-            return rc;
+        for (u32 k = 0; k < 2; k++) {
+            u32 v = 0;
+            const i32 rc = reg_field_get(chip_id, c.reg, index, c.field[k], &v);
+            if (rc != 0) {
+                return rc;
+            }
+            snprintf(scratch, kScratch, "  %-24s %u\n", c.name[k], v);
+            _buf_append(info, scratch);
         }
-        snprintf(scratch, kScratch, "  %-26s %u/%u\n", c.name, a, b);
-        _buf_append(info, scratch);
     }
     return clear ? _path_counters_clear(chip_id, lport, w) : 0;
 }
