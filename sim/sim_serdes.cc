@@ -313,6 +313,20 @@ PcsTx SerdesFabric::pcs_arriving(uint32_t chip, uint32_t sid)
     return l.link == Link::none ? PcsTx{} : lanes_[l.peer].pcs;
 }
 
+void SerdesFabric::attach(uint32_t chip, Chip *c)
+{
+    if (chip < kSerdesChips) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        chips_[chip] = c;
+    }
+}
+
+Chip *SerdesFabric::chip(uint32_t id)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return id < kSerdesChips ? chips_[id] : nullptr;
+}
+
 // ---- engine ------------------------------------------------------------------------------
 
 SerdesEngine::SerdesEngine(Chip &chip, SerdesFabric *fabric) : chip_(chip), fabric_(fabric)
