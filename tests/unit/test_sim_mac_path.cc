@@ -7,10 +7,13 @@
 // PCS held in reset, a cleared path and a counter clear do what the model
 // says they do.
 #include <gtest/gtest.h>
+#include <tide/interrupt.h>
 #include <tide/sim.h>
 #include <tide/tide.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <tide/property.h>
@@ -106,6 +109,16 @@ void _wr(uint32_t chip, uint32_t reg_id, uint32_t instance, uint32_t value)
     ASSERT_EQ(hal_reg_write_32(chip, 4, _addr(reg_id, instance), value), 0);
 }
 
+// The local faults chip 1's port 8 has seen, through its interrupt.
+std::atomic<uint32_t> g_local_faults{0};
+
+void _on_local_fault(u32 chip, intr_module, intr_type)
+{
+    if (chip == 1) {
+        g_local_faults++;
+    }
+}
+
 // MAG 2 of both chips runs 10GBASE-R (lport 8 alone, 64B/66B); the other
 // MAGs their harness types.
 class SimMacPath : public tide::test::SimChips {
@@ -190,6 +203,16 @@ TEST_F(SimMacPath, AFarPortThatDoesNotReceiveDropsTheCrossingFrame)
     EXPECT_EQ(_stats(0, 24).tx_frames, 1u);
     EXPECT_EQ(_stats(1, 24).rx_frames, 1u);
     EXPECT_EQ(_taken(1, 3), 0u);
+    // Chip 0 ungated sends anyway; a far MAG without a protocol has no
+    // port to take the frame, which is lost on the line.
+    ASSERT_EQ(tide_sim_mac_gating_set(0, 0), 0);
+    _wr(1, cib_pcs_glb_protocol_type, 4, 0xF);
+    _inject(0, 0, _frame(kBroadcast, kStationA));
+    const tide_sim_port_stats near = _stats(0, 24);
+    EXPECT_EQ(near.tx_frames, 2u);
+    EXPECT_EQ(near.tx_lost, 1u);
+    EXPECT_EQ(near.last_lost_cause, TIDE_SIM_CAUSE_WIRE_NO_PORT);
+    EXPECT_EQ(_stats(1, 24).rx_frames, 1u);
 }
 
 TEST_F(SimMacPath, ABroadcastBetweenChipsCabledTwiceEndsWithItsHopBudget)
@@ -213,6 +236,28 @@ TEST_F(SimMacPath, ABroadcastBetweenChipsCabledTwiceEndsWithItsHopBudget)
     // The next frame has a budget of its own.
     _inject(0, 0, _frame(kBroadcast, kStationB));
     EXPECT_EQ(_taken(1, 3), 8u);
+}
+
+TEST_F(SimMacPath, ChipsCabledTwiceTakeFramesFromBothSidesAtOnce)
+{
+    // Each chip's pipeline sends into the other while the other sends
+    // back: neither waits for the other's mutex while holding its own.
+    cable(4, 24);
+    cable(5, 26);
+    constexpr uint32_t kEach = 20;
+    auto sender = [](uint32_t chip) {
+        for (uint32_t i = 0; i < kEach; i++) {
+            _inject(chip, 0, _frame(kBroadcast, chip == 0 ? kStationA : kStationB));
+        }
+    };
+    std::thread a(sender, 0), b(sender, 1);
+    a.join();
+    b.join();
+    // Each broadcast reaches port 3 of its own chip 9 times and of the
+    // other 8 (see the test above).
+    for (uint32_t chip = 0; chip < 2; chip++) {
+        EXPECT_EQ(_stats(chip, 3).tx_frames, kEach * 17u) << chip;
+    }
 }
 
 // ---- loops -----------------------------------------------------------------------------------
@@ -268,11 +313,17 @@ TEST_F(SimMacPath, AnOuterLoopBehindAPlugEndsWithTheHopBudget)
 TEST_F(SimMacPath, AnInsertedFaultShowsAtTheFarEnd)
 {
     cable(2, 8);
+    g_local_faults = 0;
+    const intr_module pcs{INTR_MOD_PCS_6466B, 0};
+    ASSERT_EQ(interrupt_api_callback_register(1, pcs, intr_type{3, 0}, _on_local_fault), 0);
+    ASSERT_EQ(interrupt_api_enable_set(1, {INTR_MODULE_ALL, INTR_SUBID_ALL}, {INTR_ID_ALL, INTR_ADDR_ALL}, 1), 0);
     uint32_t fault = 0;
-    // A local fault inserted on chip 0's port 8: chip 1 sees it and loses
-    // its link, and its response sends a remote fault back.
+    // A local fault inserted on chip 0's port 8: chip 1 sees it, raises its
+    // interrupt and loses its link, and its response sends a remote fault
+    // back.
     _wr(0, cib_pcs_6466b_fault_ins_ctrl, 0, 0x1); // MAC 0, type 0
     EXPECT_TRUE(tide_test::eventually([] { return !_link(1, 8); }));
+    EXPECT_TRUE(tide_test::eventually([] { return g_local_faults.load() == 1; })) << g_local_faults.load();
     EXPECT_EQ(_down(1, 8), TIDE_SIM_MAC_DOWN_FAULT);
     ASSERT_EQ(port_api_fault_get(1, 8, &fault), 0);
     EXPECT_EQ(fault & PORT_FAULT_LOCAL, static_cast<uint32_t>(PORT_FAULT_LOCAL));
