@@ -20,6 +20,7 @@
 
 #include "atolreef_cib.h"
 #include "hal/hal_op/hal.h"
+#include "support/acl_frames.h"
 #include "support/fixture.h"
 #include "support/front_ports.h"
 #include "support/vlan_ports.h"
@@ -27,25 +28,9 @@
 
 namespace {
 
-using Frame = std::vector<uint8_t>;
-constexpr uint32_t kFront = 0x0FFFFFFF;
+using tide::test::Frame;
+using tide::test::kFrontPorts;
 constexpr uint64_t kStationA = 0x020000000A01ull, kStationB = 0x020000000B02ull;
-
-// A frame from `src` to `dst` (all ones: broadcast), untagged.
-Frame _frame(uint64_t dst, uint64_t src)
-{
-    Frame f;
-    for (uint64_t mac : {dst, src}) {
-        for (int i = 5; i >= 0; i--) {
-            f.push_back(static_cast<uint8_t>(mac >> (8 * i)));
-        }
-    }
-    f.insert(f.end(), {0x08, 0x00});
-    while (f.size() < 60) {
-        f.push_back(static_cast<uint8_t>(f.size()));
-    }
-    return f;
-}
 
 constexpr uint64_t kBroadcast = 0xFFFFFFFFFFFFull;
 
@@ -138,7 +123,7 @@ protected:
             up_chip(chip);
             ASSERT_EQ(tide::test::front_ports_up(chip), 0);
             ASSERT_EQ(tide_sim_mac_gating_set(chip, 1), 0);
-            ASSERT_EQ(tide::test::vlan_ports(chip, 1, kFront, kFront), 0);
+            ASSERT_EQ(tide::test::vlan_ports(chip, 1, kFrontPorts, kFrontPorts), 0);
         }
     }
     // A cable between lane `lane` of both chips; the port on it links up
@@ -159,7 +144,7 @@ TEST_F(SimMacPath, AFrameCrossesTheCableIntoTheFarChipsForwarding)
     // A broadcast from A on chip 0 floods; the copy for port 24 enters
     // chip 1 there and floods on chip 1, never reaching chip 0's endpoint
     // of port 24.
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_taken(0, 3), 1u);
     EXPECT_EQ(_taken(0, 24), 0u);
     EXPECT_EQ(_stats(0, 24).tx_frames, 1u);
@@ -170,14 +155,14 @@ TEST_F(SimMacPath, AFrameCrossesTheCableIntoTheFarChipsForwarding)
     EXPECT_EQ(_taken(1, 24), 0u); // not back out of its source
     // Chip 1 learned A on 24: B's answer from chip 1 crosses back and
     // chip 0, which learned A on port 0, forwards it there alone.
-    _inject(1, 5, _frame(kStationA, kStationB));
+    _inject(1, 5, tide::test::l2_frame(kStationA, kStationB));
     EXPECT_EQ(_taken(1, 3), 0u);
     EXPECT_EQ(_taken(0, 0), 1u);
     EXPECT_EQ(_taken(0, 3), 0u);
     // The cable out: port 24 faces its endpoint again.
     ASSERT_EQ(tide_sim_serdes_unlink(0, 4), 0);
     EXPECT_TRUE(tide_test::eventually([] { return _link(0, 24); }));
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_taken(0, 24), 1u);
     EXPECT_EQ(_stats(1, 24).rx_frames, 1u);
 }
@@ -188,7 +173,7 @@ TEST_F(SimMacPath, AFarPortThatDoesNotReceiveDropsTheCrossingFrame)
     // Receive switched off at the far MAC: the link stays, the frame
     // crosses and the far MAC drops it.
     ASSERT_EQ(port_api_tx_rx_enable_set(1, 24, 1, 0), 0);
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     tide_sim_port_stats far = _stats(1, 24);
     EXPECT_EQ(far.rx_frames, 1u);
     EXPECT_EQ(far.rx_dropped, 1u);
@@ -199,7 +184,7 @@ TEST_F(SimMacPath, AFarPortThatDoesNotReceiveDropsTheCrossingFrame)
     ASSERT_EQ(port_api_tx_rx_enable_set(1, 24, 1, 1), 0);
     ASSERT_EQ(port_api_enable_set(1, 24, 0), 0);
     EXPECT_TRUE(tide_test::eventually([] { return !_link(0, 24) && !_link(1, 24); }));
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_stats(0, 24).tx_frames, 1u);
     EXPECT_EQ(_stats(1, 24).rx_frames, 1u);
     EXPECT_EQ(_taken(1, 3), 0u);
@@ -207,7 +192,7 @@ TEST_F(SimMacPath, AFarPortThatDoesNotReceiveDropsTheCrossingFrame)
     // port to take the frame, which is lost on the line.
     ASSERT_EQ(tide_sim_mac_gating_set(0, 0), 0);
     _wr(1, cib_pcs_glb_protocol_type, 4, 0xF);
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     const tide_sim_port_stats near = _stats(0, 24);
     EXPECT_EQ(near.tx_frames, 2u);
     EXPECT_EQ(near.tx_lost, 1u);
@@ -223,7 +208,7 @@ TEST_F(SimMacPath, ABroadcastBetweenChipsCabledTwiceEndsWithItsHopBudget)
     // frame circles.  Chip 1 receives it at hops 1, 3, 5 and 7 and chip 0
     // at 2, 4, 6 and 8, twice each (one per direction of the circle); at
     // hop 9 chip 1 drops it.
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_taken(1, 3), 8u);
     EXPECT_EQ(_taken(0, 3), 1u + 8u);
     for (uint32_t port : {24u, 26u}) {
@@ -234,7 +219,7 @@ TEST_F(SimMacPath, ABroadcastBetweenChipsCabledTwiceEndsWithItsHopBudget)
         EXPECT_EQ(_stats(0, port).rx_dropped, 0u) << port;
     }
     // The next frame has a budget of its own.
-    _inject(0, 0, _frame(kBroadcast, kStationB));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationB));
     EXPECT_EQ(_taken(1, 3), 8u);
 }
 
@@ -247,7 +232,7 @@ TEST_F(SimMacPath, ChipsCabledTwiceTakeFramesFromBothSidesAtOnce)
     constexpr uint32_t kEach = 20;
     auto sender = [](uint32_t chip) {
         for (uint32_t i = 0; i < kEach; i++) {
-            _inject(chip, 0, _frame(kBroadcast, chip == 0 ? kStationA : kStationB));
+            _inject(chip, 0, tide::test::l2_frame(kBroadcast, chip == 0 ? kStationA : kStationB));
         }
     };
     std::thread a(sender, 0), b(sender, 1);
@@ -264,31 +249,31 @@ TEST_F(SimMacPath, ChipsCabledTwiceTakeFramesFromBothSidesAtOnce)
 
 TEST_F(SimMacPath, LoopsTurnFramesAround)
 {
-    // A MAC inner loop: what port 24 sends enters its own receive side
-    // and floods again, and never reaches the line.
+    // A broadcast from port 0 floods out of `port`, comes back into it
+    // and floods again; none reaches the line of `port`.
+    auto turned_around = [](uint32_t port) {
+        ASSERT_TRUE(tide_test::eventually([port] { return _link(0, port); })) << _down(0, port);
+        _empty(0);
+        _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
+        EXPECT_EQ(_taken(0, 3), 2u) << port;
+        EXPECT_EQ(_taken(0, port), 0u) << port;
+        EXPECT_EQ(_stats(0, port).rx_frames, 1u) << port;
+    };
+    // A MAC inner loop turns what port 24 sends into its receive side.
     port_loopback inner{PORT_LOOP_MAC_INNER, 0};
     ASSERT_EQ(port_api_loopback_set(0, 24, &inner), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return _link(0, 24); }));
-    _inject(0, 0, _frame(kBroadcast, kStationA));
-    EXPECT_EQ(_taken(0, 3), 2u);
-    EXPECT_EQ(_taken(0, 24), 0u);
-    EXPECT_EQ(_stats(0, 24).rx_frames, 1u);
+    turned_around(24);
     port_loopback none{PORT_LOOP_NONE, 0};
     ASSERT_EQ(port_api_loopback_set(0, 24, &none), 0);
-    // A plug in lane 5: what port 26 sends comes back into it.
+    // A plug in lane 5 turns what port 26 sends back into it.
     ASSERT_EQ(tide_sim_serdes_plug(0, 5), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return _link(0, 26); })) << _down(0, 26);
-    _empty(0);
-    _inject(0, 0, _frame(kBroadcast, kStationA));
-    EXPECT_EQ(_taken(0, 3), 2u);
-    EXPECT_EQ(_taken(0, 26), 0u);
-    EXPECT_EQ(_stats(0, 26).rx_frames, 1u);
+    turned_around(26);
     // An outer loop: a frame arriving from the line at port 27 goes back
     // out to the line, and the pipeline never sees it.
     port_loopback outer{PORT_LOOP_MAC_OUTER, 0};
     ASSERT_EQ(port_api_loopback_set(0, 27, &outer), 0);
     _empty(0);
-    _inject(0, 27, _frame(kBroadcast, kStationB));
+    _inject(0, 27, tide::test::l2_frame(kBroadcast, kStationB));
     EXPECT_EQ(_taken(0, 27), 1u);
     EXPECT_EQ(_taken(0, 3), 0u);
     uint64_t rx = 1;
@@ -301,7 +286,7 @@ TEST_F(SimMacPath, AnOuterLoopBehindAPlugEndsWithTheHopBudget)
     port_loopback outer{PORT_LOOP_MAC_OUTER, 0};
     ASSERT_EQ(port_api_loopback_set(0, 26, &outer), 0);
     ASSERT_EQ(tide_sim_serdes_plug(0, 5), 0);
-    _inject(0, 26, _frame(kBroadcast, kStationA));
+    _inject(0, 26, tide::test::l2_frame(kBroadcast, kStationA));
     const tide_sim_port_stats s = _stats(0, 26);
     EXPECT_EQ(s.rx_frames, 1u + TIDE_SIM_WIRE_HOPS + 1u);
     EXPECT_EQ(s.last_drop_cause, TIDE_SIM_CAUSE_WIRE_HOPS);
@@ -366,7 +351,7 @@ TEST_F(SimMacPath, APcsHeldInResetTakesTheLinkDownAtBothEnds)
     EXPECT_TRUE(tide_test::eventually([] { return !_link(0, 24) && !_link(1, 24); }));
     EXPECT_EQ(_down(0, 24), TIDE_SIM_MAC_DOWN_PCS_RESET);
     EXPECT_EQ(_down(1, 24), TIDE_SIM_MAC_DOWN_NO_PARTNER);
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_stats(1, 24).rx_frames, 0u);
     _wr(0, cib_pcs_8b10b_rst_pcs, 4, 0);
     EXPECT_TRUE(tide_test::eventually([] { return _link(0, 24) && _link(1, 24); }));
@@ -375,7 +360,7 @@ TEST_F(SimMacPath, APcsHeldInResetTakesTheLinkDownAtBothEnds)
     EXPECT_TRUE(tide_test::eventually([] { return !_link(0, 24); }));
     ASSERT_EQ(port_api_reset(1, 24, 0), 0);
     EXPECT_TRUE(tide_test::eventually([] { return _link(0, 24) && _link(1, 24); }));
-    _inject(0, 0, _frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_taken(1, 3), 1u);
 }
 
@@ -383,27 +368,27 @@ TEST_F(SimMacPath, APathClearStopsFramesAndACounterClearHoldsTheCounts)
 {
     // mag_map_port_clr of port 3: nothing enters or leaves by it.
     _wr(0, cib_mag_map_port_clr, 0, 1u << 3);
-    _inject(0, 3, _frame(kBroadcast, kStationA));
+    _inject(0, 3, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_stats(0, 3).last_drop_cause, TIDE_SIM_CAUSE_MAC_PATH_CLEAR);
     EXPECT_EQ(_taken(0, 0), 0u);
-    _inject(0, 0, _frame(kBroadcast, kStationB));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationB));
     EXPECT_EQ(_taken(0, 3), 0u);
     EXPECT_EQ(_taken(0, 2), 1u);
     _wr(0, cib_mag_map_port_clr, 0, 0);
     // rx_cnt_clr of MAC 3 of MAG 0 clears port 3's receive counts and
     // holds them; its transmit counts go on.
-    _inject(0, 3, _frame(kBroadcast, kStationA));
-    _inject(0, 0, _frame(kBroadcast, kStationB));
+    _inject(0, 3, tide::test::l2_frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationB));
     _wr(0, cib_pcs_glb_ch_cnt_clr, 0, 1u << 3);
-    _inject(0, 3, _frame(kBroadcast, kStationA));
-    _inject(0, 0, _frame(kBroadcast, kStationB));
+    _inject(0, 3, tide::test::l2_frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationB));
     uint64_t rx = 9, tx = 0;
     ASSERT_EQ(port_api_counter_clean(0, 3), 0);
     ASSERT_EQ(port_api_counter_get(0, 3, 0, &rx), 0);
     EXPECT_EQ(rx, 0u);
     _wr(0, cib_pcs_glb_ch_cnt_clr, 0, 0);
-    _inject(0, 3, _frame(kBroadcast, kStationA));
-    _inject(0, 0, _frame(kBroadcast, kStationB));
+    _inject(0, 3, tide::test::l2_frame(kBroadcast, kStationA));
+    _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationB));
     ASSERT_EQ(port_api_counter_get(0, 3, 0, &rx), 0);
     ASSERT_EQ(port_api_counter_get(0, 3, PORT_MIB_RX_ITEMS, &tx), 0);
     EXPECT_EQ(rx, 1u);
