@@ -19,6 +19,11 @@
 // every write of a MAC-side register and before a read of a status word,
 // and a change raises the link events of the interrupt tree.
 //
+// Frames follow the same connections (sim_mac_path.cc, sim_wire.h): what
+// a port sends enters the far port of a cable, the port itself through a
+// plug or an inner loop, or the endpoint; and a 64B/66B PCS's inserted
+// fault, or its remote-fault answer, reaches the far end's status.
+//
 // Locks: the engine runs under the chip's mutex and takes the SerDes
 // fabric's mutex inside it (through the fabric's calls).
 #ifndef TIDE_SIM_MAC_H

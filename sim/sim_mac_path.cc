@@ -79,23 +79,24 @@ MacEngine::Route MacEngine::route(uint32_t lport) const
     if (!place(lport, &mag, &mac)) {
         return r;
     }
-    const SerdesFabric::LaneView v = fabric_->view(chip_.id(), mag);
-    if (v.link == SerdesFabric::Link::none) {
+    uint32_t peer = 0;
+    PcsTx far;
+    const SerdesFabric::Link link = fabric_->far_end(chip_.id(), mag, &peer, &far);
+    if (link == SerdesFabric::Link::none) {
         return r;
     }
     r.kind = Route::kWire;
-    if (v.link == SerdesFabric::Link::plug) {
+    if (link == SerdesFabric::Link::plug) {
         return r;
     }
     // The port on the same channel of the far lane's MAG, as its chip
     // last published it.
-    const PcsTx far = fabric_->pcs_arriving(chip_.id(), mag);
     if (!_bit(far.placed, mac)) {
         r.kind = Route::kLost;
         r.cause = kCauseWireNoPort;
         return r;
     }
-    r.chip = v.peer / kSerdesLanesPerChip;
+    r.chip = peer / kSerdesLanesPerChip;
     r.lport = far.lport[mac];
     return r;
 }

@@ -128,6 +128,9 @@ public:
     // otherwise).
     void pcs_publish(uint32_t chip, uint32_t sid, const PcsTx &tx);
     PcsTx pcs_arriving(uint32_t chip, uint32_t sid);
+    // What a lane is connected to, in one look: the link, and for a cable
+    // or plug the far lane (chip * 8 + serdes_id) and what its PCS sends.
+    Link far_end(uint32_t chip, uint32_t sid, uint32_t *peer, PcsTx *pcs);
 
     // The chips on the board, by id, for the frames that cross its cables
     // (sim_wire.h); a chip attaches itself while it exists.
