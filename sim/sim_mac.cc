@@ -655,14 +655,19 @@ void MacEngine::update()
 
 // ---- knobs -------------------------------------------------------------------------
 
-int MacEngine::endpoint(uint32_t lport, bool plugged)
+int MacEngine::partner_flag(uint32_t lport, bool Partner::*flag, bool on)
 {
     if (lport >= kMacPorts) {
         return -4;
     }
-    partners_[lport].plugged = plugged;
+    partners_[lport].*flag = on;
     update();
     return 0;
+}
+
+int MacEngine::endpoint(uint32_t lport, bool plugged)
+{
+    return partner_flag(lport, &Partner::plugged, plugged);
 }
 
 int MacEngine::partner(uint32_t lport, const tide_sim_mac_partner *p)
@@ -688,12 +693,7 @@ int MacEngine::partner(uint32_t lport, const tide_sim_mac_partner *p)
 
 int MacEngine::phy_line(uint32_t lport, bool up)
 {
-    if (lport >= kMacPorts) {
-        return -4;
-    }
-    partners_[lport].phy_line = up;
-    update();
-    return 0;
+    return partner_flag(lport, &Partner::phy_line, up);
 }
 
 int MacEngine::port_get(uint32_t lport, tide_sim_mac_port *out)

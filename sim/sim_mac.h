@@ -191,6 +191,8 @@ private:
     Event event_of(const char *status_reg, const char *field);
     void raise(const Event &e, uint32_t instance);
 
+    // A knob's flag of a port's partner, and the ports recomputed.
+    int partner_flag(uint32_t lport, bool Partner::*flag, bool on);
     void on_clock_write(uint32_t value);
     void on_an_write(uint32_t channel);
     PortState state(uint32_t lport) const;
