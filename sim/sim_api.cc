@@ -24,6 +24,7 @@
 #include "sim/sim_serdes.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
+#include "sim/sim_wire.h"
 
 using tide::sim::Chip;
 using tide::sim::Model;
@@ -594,13 +595,19 @@ int tide_sim_tcam_search(uint32_t chip, const uint32_t key[10], uint32_t bits, u
 
 int tide_sim_packet_inject(uint32_t chip, uint32_t lport, const uint8_t *frame, uint32_t len)
 {
-    return _on_packet_path(chip, lport, frame != nullptr, [&](tide::sim::Pipeline &pl) {
+    const int rc = _on_packet_path(chip, lport, frame != nullptr, [&](tide::sim::Pipeline &pl) {
         if (len == 0 || len > TIDE_SIM_FRAME_MAX) {
             return -4;
         }
         pl.inject(lport, frame, len);
         return 0;
     });
+    // What the frame sent over cables and loops enters its ports now,
+    // outside the chip's mutex.
+    if (rc == 0 && _chip(chip)->fabric() != nullptr) {
+        tide::sim::wire_deliver(*_chip(chip)->fabric());
+    }
+    return rc;
 }
 
 int tide_sim_packet_capture(uint32_t chip, uint32_t lport, uint8_t *buf, uint32_t size, uint32_t *len)
@@ -866,6 +873,11 @@ int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_sim_mac_p
 int tide_sim_mac_crc_error_set(uint32_t chip, uint32_t lport, uint32_t count)
 {
     return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.crc_errors(lport, count); });
+}
+
+int tide_sim_mac_phy_line_set(uint32_t chip, uint32_t lport, int up)
+{
+    return _on_mac(chip, [&](tide::sim::MacEngine &mac) { return mac.phy_line(lport, up != 0); });
 }
 
 int tide_sim_mac_port_get(uint32_t chip, uint32_t lport, tide_sim_mac_port *port)

@@ -69,10 +69,18 @@ Chip::Chip(uint32_t id, uint32_t bus_number, SerdesFabric *fabric) : id_(id), bu
     const uint32_t id_word = identity.device_id << 16 | identity.vendor_id;
     memcpy(pci_config.data(), &id_word, sizeof(id_word));
     install_engines();
+    if (fabric != nullptr) {
+        fabric->attach(id, this);
+    }
+    fabric_ = fabric;
 }
 
 Chip::~Chip()
 {
+    // Frames on the board's wires find this chip no more.
+    if (fabric_ != nullptr) {
+        fabric_->attach(id_, nullptr);
+    }
     // The I/O thread stops before the packet path it feeds goes.
     tap->close_all();
     tap.reset();

@@ -7,6 +7,7 @@
 
 #include "sim/sim_int.h"
 #include "sim/sim_serdes.h"
+#include "sim/sim_tap.h"
 
 namespace tide::sim {
 
@@ -53,13 +54,17 @@ Model::Model(uint32_t chip_count) : serdes_fabric(std::make_unique<SerdesFabric>
 
 Model::~Model()
 {
-    // The chips go before the SerDes fabric they use: a chip's TAP thread
-    // may still pass a frame through its MACs, which read the fabric,
-    // until the chip stops it.
+    // Every chip's TAP thread stops before any chip goes: a frame one of
+    // them delivers may cross a cable into another chip.
+    for (auto &c : chips_) {
+        c->tap->close_all();
+    }
     chips_.clear();
     for (auto &[paddr, block] : dma_) {
         munmap(block.mem, block.size);
     }
+    // The chips go before the board's fabric, which they detach from.
+    chips_.clear();
 }
 
 bool Model::ok() const

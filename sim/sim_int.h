@@ -82,6 +82,8 @@ public:
 
     bool ok() const;
     uint32_t id() const { return id_; }
+    // The board's SerDes fabric: its cables, and the chips frames cross to.
+    SerdesFabric *fabric() const { return fabric_; }
     uint32_t bus_number() const { return bus_number_; }
 
     tide_sim_identity identity;
@@ -200,6 +202,7 @@ public:
 private:
     uint32_t id_;
     uint32_t bus_number_;
+    SerdesFabric *fabric_ = nullptr;
     std::array<Region, kApCount> regions_{};
     std::unordered_map<uint64_t, WriteHandler> write_handlers_;
     std::unordered_map<uint64_t, ReadHandler> read_handlers_;

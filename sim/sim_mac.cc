@@ -264,6 +264,7 @@ MacEngine::MacEngine(Chip &chip, SerdesFabric *fabric) : chip_(chip), fabric_(fa
     ev_an_done_ = event_of("pcs_an_int_stat", "an_done_int");
     ev_an_restart_ = event_of("pcs_an_int_stat", "an_restart_int");
     diag_ = std::make_unique<MacDiag>(*this);
+    path_fields();
 }
 
 MacEngine::~MacEngine() = default;
@@ -387,6 +388,7 @@ void MacEngine::install()
         }
     }
     diag_->install();
+    path_install();
 }
 
 void MacEngine::clear()
@@ -400,6 +402,7 @@ void MacEngine::clear()
     an_done_was_ = {};
     an_restart_was_ = {};
     diag_->clear();
+    fault_was_ = {};
     if (ok_) {
         update();
     }
@@ -436,6 +439,12 @@ void MacEngine::on_an_write(uint32_t channel)
     update();
 }
 
+bool MacEngine::place(uint32_t lport, uint32_t *mag, uint32_t *mac) const
+{
+    const uint32_t mode = get(glue_mode_);
+    return mode <= 1 && _place(mode, lport, mag, mac);
+}
+
 MacEngine::PortState MacEngine::state(uint32_t lport) const
 {
     PortState s;
@@ -448,6 +457,7 @@ MacEngine::PortState MacEngine::state(uint32_t lport) const
     s.channel = _channel(s.mag, s.mac);
     const uint32_t protocol = get(protocol_, s.mag);
     const Proto pr = _proto(protocol);
+    s.coding = pr.coding;
     if (pr.coding == kNone || s.mac >= (1u << get(ch_num_, s.mag)) || (pr.coding == k6466b && s.mag < 2)) {
         s.cause = TIDE_SIM_MAC_DOWN_NO_INTERFACE;
         return s;
@@ -458,7 +468,7 @@ MacEngine::PortState MacEngine::state(uint32_t lport) const
     }
     const uint32_t soft = get(soft_rst_);
     if (!_bit(soft, kSoftRstPcs0 + s.mag) || _bit(get(gate_pcs_), s.mag) || get(pcs_rst_, s.mag) != 0 ||
-        get(sds_rst_, s.mag) != 0 || _bit(get(pcs_port_rst_, s.mag), s.mac)) {
+        get(sds_rst_, s.mag) != 0 || _bit(get(pcs_port_rst_, s.mag), s.mac) || pcs_port_held(s, pr.coding)) {
         s.cause = TIDE_SIM_MAC_DOWN_PCS_RESET;
         return s;
     }
@@ -481,13 +491,16 @@ MacEngine::PortState MacEngine::state(uint32_t lport) const
     partner_abilities(lport, s, protocol, &partner);
     bool negotiates = partner.negotiates != 0;
     uint32_t down = TIDE_SIM_MAC_UP;
+    bool phy_line = true;
     if (get(inloop_, lport) != 0) {
         s.signal = true;
+        s.rx_fault = fault_inserted(s); // a loop sees its own
     } else {
         const SerdesFabric::LaneView v = fabric_->view(chip_.id(), s.mag);
         if (v.link == SerdesFabric::Link::none) {
             s.signal = partners_[lport].plugged;
             down = s.signal ? down : TIDE_SIM_MAC_DOWN_NO_SIGNAL;
+            phy_line = partners_[lport].phy_line;
         } else if (!v.cdr_locked) {
             down = TIDE_SIM_MAC_DOWN_NO_SIGNAL;
         } else {
@@ -496,11 +509,13 @@ MacEngine::PortState MacEngine::state(uint32_t lport) const
             down = s.signal ? down : TIDE_SIM_MAC_DOWN_NO_PARTNER;
             negotiates = _bit(far.an, s.mac);
             partner.pause = (far.adv[s.mac] >> 7) & 3;
+            s.rx_fault = s.signal && pr.coding == k6466b ? far.fault[s.mac] : 0;
         }
         if (down == TIDE_SIM_MAC_UP && diag_->clk_down(s.mag)) {
             down = TIDE_SIM_MAC_DOWN_CLK_LOST;
         }
     }
+    s.phy_link = s.signal && phy_line;
     s.an_active = pr.an && !forced_up && get(an_enable_, s.channel) != 0;
     if (s.an_active && s.signal && negotiates && get(an_rst_, s.channel) == 0) {
         s.an_done = true;
@@ -510,8 +525,12 @@ MacEngine::PortState MacEngine::state(uint32_t lport) const
     }
     if (forced_up) {
         down = TIDE_SIM_MAC_UP;
+    } else if (down == TIDE_SIM_MAC_UP && s.rx_fault != 0) {
+        down = TIDE_SIM_MAC_DOWN_FAULT;
     } else if (down == TIDE_SIM_MAC_UP && s.an_active && !s.an_done && get(an_link_en_, s.channel) != 0) {
         down = TIDE_SIM_MAC_DOWN_AN;
+    } else if (down == TIDE_SIM_MAC_UP && s.an_active && !phy_line && get(phy_link_en_, s.channel) != 0) {
+        down = TIDE_SIM_MAC_DOWN_PHY_LINK;
     }
     s.cause = down;
     s.link = down == TIDE_SIM_MAC_UP;
@@ -561,6 +580,9 @@ void MacEngine::publish()
         if (!_local_down(s.cause)) {
             t.sending |= 1u << s.mac;
         }
+        t.placed |= 1u << s.mac;
+        t.lport[s.mac] = static_cast<uint8_t>(lport);
+        t.fault[s.mac] = static_cast<uint8_t>(fault_sent(s));
         if (_proto(protocol).an && get(an_enable_, s.channel) != 0) {
             t.an |= 1u << s.mac;
         }
@@ -593,12 +615,12 @@ void MacEngine::update()
             w = word_set(w, st_link_, s.an_done);
             w = word_set(w, st_tx_xmit_, s.an_done);
             w = word_set(w, st_rx_xmit_, s.an_done);
-            w = word_set(w, st_phy_link_, s.signal);
+            w = word_set(w, st_phy_link_, s.phy_link);
             w = word_set(w, st_link_up_, s.link);
             w = word_set(w, st_speed_, s.an_speed);
             w = word_set(w, st_duplex_, s.an_duplex);
             w = word_set(w, st_pause_, s.an_pause);
-            w = word_set(w, st_remote_fault_, 0);
+            w = word_set(w, st_remote_fault_, s.rx_fault == 2);
             if (s.channel < an_status_.reg->instances) {
                 chip_.set_core_word(an_status_.reg->addrs[s.channel], w);
             }
@@ -609,6 +631,7 @@ void MacEngine::update()
             } else if (s.cause == TIDE_SIM_MAC_DOWN_FORCED) {
                 ch_stat[s.mag] |= 1u << 2;
             }
+            ch_stat[s.mag] |= fault_stat(lport, s);
             if (s.an_done && !an_done_was_[s.channel]) {
                 raise(ev_an_done_, s.channel);
             }
@@ -642,14 +665,19 @@ void MacEngine::update()
 
 // ---- knobs -------------------------------------------------------------------------
 
-int MacEngine::endpoint(uint32_t lport, bool plugged)
+int MacEngine::partner_flag(uint32_t lport, bool Partner::*flag, bool on)
 {
     if (lport >= kMacPorts) {
         return -4;
     }
-    partners_[lport].plugged = plugged;
+    partners_[lport].*flag = on;
     update();
     return 0;
+}
+
+int MacEngine::endpoint(uint32_t lport, bool plugged)
+{
+    return partner_flag(lport, &Partner::plugged, plugged);
 }
 
 int MacEngine::partner(uint32_t lport, const tide_sim_mac_partner *p)
@@ -671,6 +699,11 @@ int MacEngine::partner(uint32_t lport, const tide_sim_mac_partner *p)
     partners_[lport].custom = p != nullptr;
     update();
     return 0;
+}
+
+int MacEngine::phy_line(uint32_t lport, bool up)
+{
+    return partner_flag(lport, &Partner::phy_line, up);
 }
 
 int MacEngine::port_get(uint32_t lport, tide_sim_mac_port *out)
@@ -830,12 +863,15 @@ void MacEngine::mib_write(uint32_t lport, uint32_t dir, uint32_t item, bool high
     v = high ? (v & 0xFFFFFFFFull) | word << 32 : (v & ~0xFFFFFFFFull) | word;
 }
 
-void MacEngine::mib_clear(uint32_t lport)
+void MacEngine::mib_clear(uint32_t lport, uint32_t dirs)
 {
-    mib_[lport] = {};
-    mib_latched_[lport] = {};
-    mib_dirty_[lport] = {};
     for (uint32_t dir = 0; dir < 2; dir++) {
+        if (((dirs >> dir) & 1) == 0) {
+            continue;
+        }
+        mib_[lport][dir] = {};
+        mib_latched_[lport][dir] = {};
+        mib_dirty_[lport][dir] = {};
         for (const MibPair &p : mib_pairs_[dir]) {
             if (p.lo != nullptr) {
                 chip_.set_core_word(p.lo->addrs[lport], 0);
@@ -851,6 +887,10 @@ bool MacEngine::rx_admit(uint32_t lport, uint16_t *cause)
 {
     if (lport >= kMacPorts) {
         return true;
+    }
+    if (path_cleared(lport)) {
+        *cause = kCauseMacPathClear;
+        return false;
     }
     if (crc_pending_[lport] > 0) {
         // A bad FCS: the MAC counts the frame and takes it no further.
@@ -877,6 +917,10 @@ bool MacEngine::rx_admit(uint32_t lport, uint16_t *cause)
 
 bool MacEngine::tx_admit(uint32_t lport, uint16_t *cause)
 {
+    if (lport < kMacPorts && path_cleared(lport)) {
+        *cause = kCauseMacPathClear;
+        return false;
+    }
     if (!gating_ || lport >= kMacPorts) {
         return true;
     }

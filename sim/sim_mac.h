@@ -19,6 +19,11 @@
 // every write of a MAC-side register and before a read of a status word,
 // and a change raises the link events of the interrupt tree.
 //
+// Frames follow the same connections (sim_mac_path.cc, sim_wire.h): what
+// a port sends enters the far port of a cable, the port itself through a
+// plug or an inner loop, or the endpoint; and a 64B/66B PCS's inserted
+// fault, or its remote-fault answer, reaches the far end's status.
+//
 // Locks: the engine runs under the chip's mutex and takes the SerDes
 // fabric's mutex inside it (through the fabric's calls).
 #ifndef TIDE_SIM_MAC_H
@@ -51,6 +56,9 @@ enum MacCause : uint16_t {
     kCauseMacTxDisabled = 2050, // MAC_TX_DISABLED: tx_en is clear
     kCauseMacRxFcsErr = 2051,   // MAC_RX_FCS_ERR: the frame arrived with a bad FCS
     kCausePortLinkDown = 735,   // DISCARD_PORT_LINK_DOWN: egress to a port whose link is down
+    kCauseWireHops = 2052,      // WIRE_HOPS: the frame crossed more wires than its budget
+    kCauseMacPathClear = 2053,  // MAC_PATH_CLEAR: mag_map_port_clr holds the port's path clear
+    kCauseWireNoPort = 2054,    // WIRE_NO_PORT: the far lane has no port on the channel
 };
 
 class MacEngine {
@@ -71,6 +79,7 @@ public:
     bool gating() const { return gating_; }
     int endpoint(uint32_t lport, bool plugged);
     int partner(uint32_t lport, const tide_sim_mac_partner *p);
+    int phy_line(uint32_t lport, bool up);
     int port_get(uint32_t lport, tide_sim_mac_port *out);
 
     // ---- the packet path; the caller holds the chip's mutex ----
@@ -98,6 +107,21 @@ public:
     // clock recovered, or without either the frame endpoint of a port.
     bool lane_signal(uint32_t mag) const;
 
+    // ---- frames across cables and loops (sim_mac_path.cc); the caller
+    // holds the chip's mutex ----
+    // Where a frame that `lport` sends goes: the frame endpoint (the
+    // capture queue or TAP), a port of this or another chip over a MAC
+    // inner loop, a plug or a cable, or nowhere (`cause`).
+    struct Route {
+        enum Kind : uint8_t { kEndpoint, kWire, kLost } kind = kEndpoint;
+        uint32_t chip = 0, lport = 0;
+        uint16_t cause = 0;
+    };
+    Route route(uint32_t lport) const;
+    // Whether a frame arriving from the line at `lport` goes straight back
+    // out to the line (mag_map_outloop_cfg).
+    bool outloop(uint32_t lport) const;
+
     static constexpr uint32_t kMibItems = 36;
 
 private:
@@ -114,13 +138,17 @@ private:
         bool rx_en = false;
         bool tx_en = false;
         uint32_t mag = 0, mac = 0, channel = 0;
+        uint32_t coding = 0; // 1 8B/10B, 2 64B/66B, 3 4B/5B
         bool an_active = false, an_done = false;
         uint32_t an_speed = 0, an_duplex = 0, an_pause = 0;
         bool signal = false;
+        bool phy_link = false; // what arrives, and the partner PHY reports its line up
+        uint32_t rx_fault = 0; // the fault arriving on the 64B/66B channel: 0 none, 1 + type
     };
     struct Partner {
         bool plugged = true;
         bool custom = false;
+        bool phy_line = true; // a PHY partner reports its line up
         tide_sim_mac_partner abilities{};
     };
 
@@ -136,6 +164,7 @@ private:
     std::array<bool, kMacPorts> link_was_{};
     std::array<bool, kPcsChannels> an_done_was_{};
     std::array<bool, kPcsChannels> an_restart_was_{};
+    std::array<uint32_t, kMacPorts> fault_was_{};
     // The MIB counts by port, direction (0 rx, 1 tx) and item; whether a
     // read of the low word latched the high word; whether the count has
     // moved since its words were last written (a poke of a word stands
@@ -155,6 +184,9 @@ private:
     Fld glue_mode_, glue_rst_, soft_rst_, gate_pcs_, gate_mac_, mac_glb_rst_, pcs_rst_, sds_rst_, pcs_port_rst_;
     Fld protocol_, ch_num_, mac_rst_, map_port_rst_, tx_en_, rx_en_, inloop_, outloop_;
     Fld force_en_[3], force_cfg_[3], force_kd_[3];
+    // The PCS port resets of 8B/10B and 64B/66B, fault insertion and
+    // response, the path clear.
+    Fld rst_pcs_rx_[2], rst_pcs_tx_[2], fault_ins_en_, fault_ins_type_, lf_resp_, li_resp_, phy_link_en_, port_clr_;
     Fld an_enable_, an_restart_, an_link_en_, an_rst_, an_adv_, an_status_, ch_link_, ch_stat_;
     FieldRef st_pause_, st_speed_, st_state_, st_link_up_, st_phy_link_, st_link_, st_duplex_, st_tx_xmit_,
         st_rx_xmit_, st_remote_fault_;
@@ -163,7 +195,7 @@ private:
         int module = -1, subid = -1, type = -1;
     };
     Event ev_mac_link_down_, ev_8b10b_up_, ev_8b10b_down_, ev_6466b_down_, ev_4b5b_down_, ev_an_done_,
-        ev_an_restart_;
+        ev_an_restart_, ev_6466b_lf_, ev_6466b_rf_, ev_6466b_li_;
 
     Fld need(const char *reg, const char *field);
     uint32_t get(const Fld &f, uint32_t instance = 0) const;
@@ -171,6 +203,8 @@ private:
     Event event_of(const char *status_reg, const char *field);
     void raise(const Event &e, uint32_t instance);
 
+    // A knob's flag of a port's partner, and the ports recomputed.
+    int partner_flag(uint32_t lport, bool Partner::*flag, bool on);
     void on_clock_write(uint32_t value);
     void on_an_write(uint32_t channel);
     PortState state(uint32_t lport) const;
@@ -179,7 +213,22 @@ private:
     void count(uint32_t lport, uint32_t dir, const uint8_t *frame, uint32_t len, bool good);
     void mib_read(uint32_t lport, uint32_t dir, uint32_t item, bool high);
     void mib_write(uint32_t lport, uint32_t dir, uint32_t item, bool high);
-    void mib_clear(uint32_t lport);
+    void mib_clear(uint32_t lport, uint32_t dirs = 3);
+
+    // sim_mac_path.cc
+    void path_fields();
+    void path_install();
+    // The fault a placed 64B/66B port sends: the inserted one, else a
+    // remote fault answering what arrives where its response is enabled.
+    uint32_t fault_sent(const PortState &s) const;
+    uint32_t fault_inserted(const PortState &s) const;
+    // Whether the port's PCS is held in reset by its coding's rst_pcs.
+    bool pcs_port_held(const PortState &s, uint32_t coding) const;
+    // The port's status bits and events of an arriving fault.
+    uint32_t fault_stat(uint32_t lport, const PortState &s);
+    bool path_cleared(uint32_t lport) const;
+    // The MAG and MAC of a front port in the glue mode; false for none.
+    bool place(uint32_t lport, uint32_t *mag, uint32_t *mac) const;
 };
 
 } // namespace tide::sim

@@ -16,6 +16,7 @@
 #include "sim/sim_stat.h"
 #include "sim/sim_tap.h"
 #include "sim/sim_tcam.h"
+#include "sim/sim_wire.h"
 
 namespace tide::sim {
 
@@ -78,6 +79,9 @@ constexpr CauseName kDropNames[] = {
     {kCauseMacRxLinkDown, "MAC_RX_LINK_DOWN"},
     {kCauseMacTxDisabled, "MAC_TX_DISABLED"},
     {kCauseMacRxFcsErr, "MAC_RX_FCS_ERR"},
+    {kCauseWireHops, "WIRE_HOPS"},
+    {kCauseMacPathClear, "MAC_PATH_CLEAR"},
+    {kCauseWireNoPort, "WIRE_NO_PORT"},
 };
 
 constexpr CauseName kCpuNames[] = {
@@ -353,13 +357,25 @@ MccEngine &Pipeline::mcc()
 
 // ---- a packet ----------------------------------------------------------------
 
-void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len)
+void Pipeline::inject(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t hops)
 {
     PortState &in = ports_[port];
     in.stats.rx_frames++;
     in.stats.rx_bytes += len;
-    uint16_t mac_cause = 0;
-    if (!chip_.mac->rx_admit(port, &mac_cause)) {
+    hops_ = hops;
+    uint16_t mac_cause = hops > kWireHops ? kCauseWireHops : 0;
+    if (mac_cause == 0 && chip_.mac->outloop(port)) {
+        // The outer loop sends it straight back to the line; the MAC and
+        // the pipeline never see it.
+        if (pcap_ != nullptr) {
+            pcap_->frame(port, true, now_ms_ * kMsPerSecond, frame, len, "outer loop");
+        }
+        in.stats.tx_frames++;
+        in.stats.tx_bytes += len;
+        line_out(port, frame, len, port, TIDE_SIM_CAUSE_NONE, 0);
+        return;
+    }
+    if (mac_cause != 0 || !chip_.mac->rx_admit(port, &mac_cause)) {
         // The MAC refuses it: it never reaches the pipeline.  A frame with
         // a bad FCS counts in the MAC's MIB, one the gate keeps out not.
         if (mac_cause == kCauseMacRxFcsErr) {
@@ -434,6 +450,30 @@ void Pipeline::send(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t 
     out.stats.tx_bytes += len;
     chip_.mac->count_tx(port, frame, len);
     count_entry(chip_, t.oport_stat, port, oport_pkts, oport_bytes, len + kFcs);
+    line_out(port, frame, len, src, cause, queue);
+}
+
+void Pipeline::line_out(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause,
+                        uint32_t queue)
+{
+    PortState &out = ports_[port];
+    const MacEngine::Route route = chip_.mac->route(port);
+    if (route.kind != MacEngine::Route::kEndpoint) {
+        std::string note;
+        if (route.kind == MacEngine::Route::kWire) {
+            // It enters its port once this chip's pipeline has finished.
+            wire_put(route.chip, route.lport, hops_ + 1, frame, len);
+            note = "to chip " + std::to_string(route.chip) + " port " + std::to_string(route.lport);
+        } else {
+            out.stats.tx_lost++;
+            out.stats.last_lost_cause = route.cause;
+            note = _comment("lost,", route.cause, false);
+        }
+        if (pcap_ != nullptr) {
+            pcap_->frame(port, false, now_ms_ * kMsPerSecond, frame, len, note);
+        }
+        return;
+    }
     // A port bound to a TAP delivers there; only the others queue.
     const int tap = chip_.tap->send(port, frame, len);
     if (pcap_ != nullptr) {

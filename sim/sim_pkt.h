@@ -291,7 +291,8 @@ public:
     bool ok() const { return ok_; }
 
     // The public calls; the caller holds the chip's mutex.
-    void inject(uint32_t port, const uint8_t *frame, uint32_t len);
+    // `hops`: the wires the frame has crossed since it was injected.
+    void inject(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t hops = 0);
     int capture(uint32_t port, uint8_t *buf, uint32_t size, uint32_t *len);
     int peek(uint32_t port, uint32_t index, uint8_t *buf, uint32_t size, tide_sim_frame_info *info) const;
     void stats(uint32_t port, tide_sim_port_stats *out) const;
@@ -317,6 +318,11 @@ private:
     std::unique_ptr<AclStage> acl_;
     std::unique_ptr<VlanTcamStage> vlan_tcam_;
     std::vector<uint8_t> scratch_; // the frame as one egress copy leaves
+    uint32_t hops_ = 0;            // the wires the frame being injected has crossed
+
+    // The frame leaves `port` onto its line: over a wire, into the
+    // endpoint (its TAP or capture queue), or lost.
+    void line_out(uint32_t port, const uint8_t *frame, uint32_t len, uint32_t src, uint32_t cause, uint32_t queue);
 
     // ---- what the stages read, found by name once ----
 public:

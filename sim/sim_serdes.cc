@@ -313,6 +313,34 @@ PcsTx SerdesFabric::pcs_arriving(uint32_t chip, uint32_t sid)
     return l.link == Link::none ? PcsTx{} : lanes_[l.peer].pcs;
 }
 
+SerdesFabric::Link SerdesFabric::far_end(uint32_t chip, uint32_t sid, uint32_t *peer, PcsTx *pcs)
+{
+    if (!valid(chip, sid)) {
+        return Link::none;
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    const Lane &l = lanes_[key(chip, sid)];
+    if (l.link != Link::none) {
+        *peer = l.peer;
+        *pcs = lanes_[l.peer].pcs;
+    }
+    return l.link;
+}
+
+void SerdesFabric::attach(uint32_t chip, Chip *c)
+{
+    if (chip < kSerdesChips) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        chips_[chip] = c;
+    }
+}
+
+Chip *SerdesFabric::chip(uint32_t id)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return id < kSerdesChips ? chips_[id] : nullptr;
+}
+
 // ---- engine ------------------------------------------------------------------------------
 
 SerdesEngine::SerdesEngine(Chip &chip, SerdesFabric *fabric) : chip_(chip), fabric_(fabric)

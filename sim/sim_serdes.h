@@ -77,6 +77,13 @@ struct PcsTx {
     uint32_t sending = 0; // bit per channel
     uint32_t an = 0;      // bit per channel
     std::array<uint16_t, 8> adv{};
+    // The lport of each channel that has one (bit in `placed`), where a
+    // frame sent over the lane enters; and the fault each channel sends
+    // (0 none, else 1 + fault_ins_type: 1 local fault, 2 remote fault,
+    // 3 link interruption).
+    uint32_t placed = 0;
+    std::array<uint8_t, 8> lport{};
+    std::array<uint8_t, 8> fault{};
 };
 
 class SerdesFabric {
@@ -121,6 +128,14 @@ public:
     // otherwise).
     void pcs_publish(uint32_t chip, uint32_t sid, const PcsTx &tx);
     PcsTx pcs_arriving(uint32_t chip, uint32_t sid);
+    // What a lane is connected to, in one look: the link, and for a cable
+    // or plug the far lane (chip * 8 + serdes_id) and what its PCS sends.
+    Link far_end(uint32_t chip, uint32_t sid, uint32_t *peer, PcsTx *pcs);
+
+    // The chips on the board, by id, for the frames that cross its cables
+    // (sim_wire.h); a chip attaches itself while it exists.
+    void attach(uint32_t chip, Chip *c);
+    Chip *chip(uint32_t id);
 
 private:
     struct Lane {
@@ -133,6 +148,7 @@ private:
     };
     std::mutex mutex_;
     std::array<Lane, kSerdesChips * kSerdesLanesPerChip> lanes_{};
+    std::array<Chip *, kSerdesChips> chips_{};
 
     static bool valid(uint32_t chip, uint32_t sid) { return chip < kSerdesChips && sid < kSerdesLanesPerChip; }
     static uint32_t key(uint32_t chip, uint32_t sid) { return chip * kSerdesLanesPerChip + sid; }

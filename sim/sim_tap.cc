@@ -23,6 +23,7 @@
 
 #include "sim/sim_int.h"
 #include "sim/sim_pkt.h"
+#include "sim/sim_wire.h"
 
 namespace tide::sim {
 
@@ -420,13 +421,19 @@ void TapPorts::receive(uint32_t port, int fd, short revents, uint8_t *buf)
         // buffer; its first bytes are far beyond the chip's maximum, which
         // drops it with its cause.
         const uint32_t len = n > TIDE_SIM_FRAME_MAX ? TIDE_SIM_FRAME_MAX : static_cast<uint32_t>(n);
-        std::lock_guard<std::mutex> lock(chip_.mutex);
-        // A frame read while an unbind waits for this thread entered the
-        // port before the unbind returned; it still counts for the port.
-        if (ports_[port].fd == fd) {
-            ports_[port].info.rx_frames++;
+        {
+            std::lock_guard<std::mutex> lock(chip_.mutex);
+            // A frame read while an unbind waits for this thread entered the
+            // port before the unbind returned; it still counts for the port.
+            if (ports_[port].fd == fd) {
+                ports_[port].info.rx_frames++;
+            }
+            chip_.pkt->inject(port, buf, len);
         }
-        chip_.pkt->inject(port, buf, len);
+        // What it sent over cables and loops enters its ports now.
+        if (chip_.fabric() != nullptr) {
+            wire_deliver(*chip_.fabric());
+        }
     }
 }
 

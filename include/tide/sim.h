@@ -242,6 +242,8 @@ typedef struct tide_sim_port_stats {
     uint64_t tx_frames;       /* frames the port sent */
     uint64_t tx_bytes;
     uint64_t tx_forgotten;    /* sent frames the full queue forgot */
+    uint64_t tx_lost;         /* sent frames no port received (TIDE_SIM_CAUSE_WIRE_NO_PORT) */
+    uint32_t last_lost_cause; /* cause of the last of them */
 } tide_sim_port_stats;
 TIDE_API int tide_sim_port_stats_get(uint32_t chip, uint32_t lport, tide_sim_port_stats *stats);
 
@@ -461,6 +463,29 @@ TIDE_API int tide_sim_mac_gating_set(uint32_t chip, int on);
 #define TIDE_SIM_CAUSE_PORT_LINK_DOWN 735u
 #define TIDE_SIM_CAUSE_MAC_RX_FCS_ERR 2051u
 
+/* Frames across cables and loops.  A frame a front port sends goes to the
+ * frame endpoint (capture queue or TAP) unless the port loops it back
+ * inside its MAC (mac_port_inloop_cfg.inloop_en: it enters the same port's
+ * receive side and does not leave on the line) or its lane has a plug (it
+ * enters the same port) or a cable (it enters the port on the same channel
+ * of the far lane's MAG, through that chip's MAC gate and pipeline).  With
+ * mag_map_outloop_cfg.port_outloop_en a frame arriving from the line goes
+ * straight back out to the line, not into the pipeline.  Frames cross
+ * after the sending chip's pipeline has finished, before the call that
+ * injected them (tide_sim_packet_inject, or a TAP's read) returns.  A frame
+ * that has crossed TIDE_SIM_WIRE_HOPS wires and is to cross one more, or
+ * crosses in a run that has delivered TIDE_SIM_WIRE_FRAMES already, is
+ * dropped at the port it would enter with TIDE_SIM_CAUSE_WIRE_HOPS. */
+#define TIDE_SIM_WIRE_HOPS 8u
+#define TIDE_SIM_WIRE_FRAMES 4096u
+#define TIDE_SIM_CAUSE_WIRE_HOPS 2052u
+/* A front port whose bit of mag_map_port_clr is set passes no frame in
+ * either direction, whatever the gating. */
+#define TIDE_SIM_CAUSE_MAC_PATH_CLEAR 2053u
+/* Sent over a cable to a lane whose MAG has no port on the channel: lost
+ * (tide_sim_port_stats.tx_lost of the sending port). */
+#define TIDE_SIM_CAUSE_WIRE_NO_PORT 2054u
+
 /* The MIB of a front port's MAC (the register pairs mac_mib_<item>_l and
  * _h) counts the frames it receives and sends.  The next `count` frames
  * arriving by `lport` have a bad FCS: the MAC counts them as bad (rx bad,
@@ -488,8 +513,8 @@ typedef struct tide_sim_mac_partner {
 /* -4 for a port above 27 or a speed, duplex or pause out of range. */
 TIDE_API int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_sim_mac_partner *partner);
 
-/* Why a front port's link is down (tide_sim_mac_port.down), in the order
- * the model checks them. */
+/* Why a front port's link is down (tide_sim_mac_port.down): the first
+ * that applies, checked in the order 1 to 8, 10, 11, 9, 12. */
 #define TIDE_SIM_MAC_UP 0u               /* the link is up */
 #define TIDE_SIM_MAC_DOWN_NO_PORT 1u     /* the glue mode has no such port */
 #define TIDE_SIM_MAC_DOWN_NO_INTERFACE 2u /* the MAG has no protocol, or the port is beyond its channels */
@@ -502,6 +527,16 @@ TIDE_API int tide_sim_mac_partner_set(uint32_t chip, uint32_t lport, const tide_
 #define TIDE_SIM_MAC_DOWN_AN 9u          /* auto-negotiation enabled and not complete */
 #define TIDE_SIM_MAC_DOWN_CLK_LOST 10u   /* the lane's clock is beyond the clock check's allowance, with
                                             clk_sds_*_err_down_en (checked after NO_PARTNER) */
+#define TIDE_SIM_MAC_DOWN_FAULT 11u      /* a 64B/66B fault arrives (pcs_6466b_ch_stat shows which) */
+#define TIDE_SIM_MAC_DOWN_PHY_LINK 12u   /* negotiating with phy_link_en, and the partner PHY's line is down */
+
+/* The line of the endpoint's partner, a PHY that reports it in its
+ * auto-negotiation word: `up` 0 reports it down.  A port that negotiates
+ * with pcs_an_pcs_an_ctrl_2.phy_link_en set follows it (down as
+ * TIDE_SIM_MAC_DOWN_PHY_LINK); one without ignores it.  A cable or plug
+ * has a MAC at its far end, whose line is always there.  -4 for a port
+ * above 27. */
+TIDE_API int tide_sim_mac_phy_line_set(uint32_t chip, uint32_t lport, int up);
 
 typedef struct tide_sim_mac_port {
     uint32_t link;      /* 1 up */
