@@ -727,12 +727,6 @@ int MacEngine::port_get(uint32_t lport, tide_sim_mac_port *out)
     return 0;
 }
 
-bool MacEngine::place(uint32_t lport, uint32_t *mag, uint32_t *mac) const
-{
-    const uint32_t mode = get(glue_mode_);
-    return mode <= 1 && _place(mode, lport, mag, mac);
-}
-
 bool MacEngine::lane_signal(uint32_t mag) const
 {
     const SerdesFabric::LaneView v = fabric_->view(chip_.id(), mag);

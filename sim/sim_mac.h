@@ -101,7 +101,7 @@ public:
 
     // The clock check and path counters (sim_mac_diag.h).
     MacDiag &diag() { return *diag_; }
-    // The MAG and MAC of a front port in the glue mode.
+    // The MAG and MAC of a front port in the glue mode; false for none.
     bool place(uint32_t lport, uint32_t *mag, uint32_t *mac) const;
     // Whether anything arrives on a MAG's lane: its cable or plug with the
     // clock recovered, or without either the frame endpoint of a port.
@@ -227,8 +227,6 @@ private:
     // The port's status bits and events of an arriving fault.
     uint32_t fault_stat(uint32_t lport, const PortState &s);
     bool path_cleared(uint32_t lport) const;
-    // The MAG and MAC of a front port in the glue mode; false for none.
-    bool place(uint32_t lport, uint32_t *mag, uint32_t *mac) const;
 };
 
 } // namespace tide::sim
