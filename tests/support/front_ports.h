@@ -5,6 +5,7 @@
 #ifndef TIDE_TEST_FRONT_PORTS_H
 #define TIDE_TEST_FRONT_PORTS_H
 
+#include <tide/sim.h>
 #include <tide/tide.h>
 
 #include "csl/common/port/csl_port.h"
@@ -66,6 +67,21 @@ inline int32_t front_ports_up(uint32_t chip)
         }
     }
     return rc;
+}
+
+// Whether a port's link is up, as the port service reads it.
+inline bool link_up(uint32_t chip, uint32_t port)
+{
+    uint32_t up = 0;
+    return port_api_link_status_get(chip, port, &up) == 0 && up == 1;
+}
+
+// Why the model holds a port's link down (TIDE_SIM_MAC_*), for failure
+// messages; 99 when the model cannot say.
+inline uint32_t link_down_cause(uint32_t chip, uint32_t port)
+{
+    tide_sim_mac_port p{};
+    return tide_sim_mac_port_get(chip, port, &p) == 0 ? p.down : 99;
 }
 
 } // namespace tide::test

@@ -43,6 +43,31 @@ private:
     bool library_output_;
 };
 
+// A shell fixture over another fixture: chip 0's shell takes ports by their
+// logical numbers and stands in `mode` for each test; afterwards the
+// command tree is freed and the shell's port numbering restored.
+template <class Base>
+class ShellModeOver : public Base, public CliLines {
+protected:
+    explicit ShellModeOver(const char *mode) : mode_(mode) {}
+    void SetUp() override
+    {
+        Base::SetUp();
+        ASSERT_EQ(cli_shell_mode_set(0, 1), 0);
+        ASSERT_EQ(run(mode_), 0) << out_;
+    }
+    void TearDown() override
+    {
+        cli_view_config(0);
+        cli_ctree_free();
+        cli_shell_mode_set(0, 0);
+        Base::TearDown();
+    }
+
+private:
+    const char *mode_;
+};
+
 } // namespace tide::test
 
 #endif

@@ -17,6 +17,7 @@
 #include "csl/reef/driver/port/csl_atolreef_port_int.h"
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "support/cli_lines.h"
+#include "support/mode_cli.h"
 #include "support/fixture.h"
 #include "support/front_ports.h"
 #include "support/vlan_ports.h"
@@ -39,18 +40,6 @@ std::vector<uint8_t> _broadcast()
     }
     f.resize(60, 0x5A);
     return f;
-}
-
-bool _link(uint32_t port)
-{
-    uint32_t up = 0;
-    return port_api_link_status_get(0, port, &up) == 0 && up == 1;
-}
-
-uint32_t _down(uint32_t port)
-{
-    tide_sim_mac_port p{};
-    return tide_sim_mac_port_get(0, port, &p) == 0 ? p.down : 99;
 }
 
 // The alarm report of a port.
@@ -79,7 +68,7 @@ protected:
         ASSERT_EQ(tide_sim_mac_gating_set(0, 1), 0);
         ASSERT_EQ(tide::test::vlan_ports(0, 1, kFront, kFront), 0);
         ASSERT_EQ(tide::test::front_ports_up(0), 0);
-        ASSERT_TRUE(tide_test::eventually([] { return _link(3) && _link(0) && _link(kSolo); }));
+        ASSERT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 3) && tide::test::link_up(0, 0) && tide::test::link_up(0, kSolo); }));
     }
     static port_clk_delta delta(uint32_t port)
     {
@@ -116,7 +105,7 @@ TEST_F(PortDiag, ALinkedPortsClockIsCleanAndTheWatchdogLeavesItsLaneAlone)
     }
     // Down but with a clean clock: the watchdog stops at the delta.
     ASSERT_EQ(port_api_enable_set(0, kSolo, 0), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return !_link(kSolo); }));
+    ASSERT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, kSolo); }));
     Capture::clear();
     EXPECT_EQ(dpl_reef_port_chk_sds_status(0, kSolo), 0);
     EXPECT_FALSE(Capture::has("lost its receive clock"));
@@ -130,15 +119,15 @@ TEST_F(PortDiag, ALinkedPortsClockIsCleanAndTheWatchdogLeavesItsLaneAlone)
     EXPECT_EQ(dpl_reef_port_chk_sds_status(0, kSolo), 0);
     EXPECT_TRUE(Capture::has("chip_id0 lport24 serdes4 lost its receive clock, resetting the lane"));
     ASSERT_EQ(port_api_enable_set(0, kSolo, 1), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(kSolo); })) << _down(kSolo);
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, kSolo); })) << tide::test::link_down_cause(0, kSolo);
 }
 
 TEST_F(PortDiag, ADriftBeyondTheAllowanceRaisesItsAlarmAndTakesTheLinkDown)
 {
     ASSERT_EQ(tide_sim_mac_clk_delta_set(0, kSoloMag, 0, 300, 0, 0), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(kSolo); }));
-    EXPECT_EQ(_down(kSolo), TIDE_SIM_MAC_DOWN_CLK_LOST);
-    EXPECT_TRUE(_link(3)) << "another MAG's lane keeps its clock";
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, kSolo); }));
+    EXPECT_EQ(tide::test::link_down_cause(0, kSolo), TIDE_SIM_MAC_DOWN_CLK_LOST);
+    EXPECT_TRUE(tide::test::link_up(0, 3)) << "another MAG's lane keeps its clock";
     EXPECT_EQ(delta(kSolo).rx_delta, 300u);
     std::string r = _report(kSolo);
     EXPECT_EQ(_value(r, "rx_clk_lost"), 1) << r;
@@ -156,21 +145,21 @@ TEST_F(PortDiag, ADriftBeyondTheAllowanceRaisesItsAlarmAndTakesTheLinkDown)
     EXPECT_EQ(_value(r, "tx_clk_lost"), 0) << r;
     // Back within the allowance, the link returns.
     ASSERT_EQ(tide_sim_mac_clk_delta_set(0, kSoloMag, 0, 0, 0, 0), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(kSolo); })) << _down(kSolo);
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, kSolo); })) << tide::test::link_down_cause(0, kSolo);
     // Without err_down_en the alarm rises and the link stays.
     ASSERT_EQ(tide::port::atolreef::reg_update(0, cib_pcs_glb_clk_div_sel, kSoloMag,
                                                {{cib_f_clk_sds_rx_err_down_en, 0}, {cib_f_clk_sds_tx_err_down_en, 0}}),
               0);
     ASSERT_EQ(tide_sim_mac_clk_delta_set(0, kSoloMag, 0, 500, 0, 0), 0);
     EXPECT_EQ(_value(_report(kSolo), "rx_clk_lost"), 1);
-    EXPECT_TRUE(_link(kSolo)) << _down(kSolo);
+    EXPECT_TRUE(tide::test::link_up(0, kSolo)) << tide::test::link_down_cause(0, kSolo);
 }
 
 TEST_F(PortDiag, ALaneWithNothingArrivingMeasuresTheWholeWindow)
 {
     ASSERT_EQ(tide_sim_mac_endpoint_set(0, kSolo, 0), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(kSolo); }));
-    EXPECT_EQ(_down(kSolo), TIDE_SIM_MAC_DOWN_NO_SIGNAL);
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, kSolo); }));
+    EXPECT_EQ(tide::test::link_down_cause(0, kSolo), TIDE_SIM_MAC_DOWN_NO_SIGNAL);
     const port_clk_delta d = delta(kSolo);
     EXPECT_EQ(d.rx_sign, 1u);
     EXPECT_EQ(d.rx_delta, 0xFFFFu);
@@ -248,7 +237,7 @@ TEST_F(PortDiag, ABurstCountsAtEveryStageOfBothPaths)
     // send drops what the others flood to it.
     ASSERT_EQ(port_api_tx_rx_enable_set(0, 3, PORT_ENABLE_RX, 0), 0);
     ASSERT_EQ(port_api_enable_set(0, 0, 0), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return !_link(0); }));
+    ASSERT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, 0); }));
     burst(3, 1);
     burst(kSolo, 1);
     EXPECT_EQ(_value(_report(3), "mac_port_rx_drop"), 1);
@@ -276,7 +265,7 @@ TEST_F(PortDiag, TheReportsClearAndAPortResetZeroTheCounters)
     ASSERT_EQ(port_api_reset(0, 3, 0), 0);
     _path_reads(_report(3), kRxPath, 0);
     EXPECT_EQ(_value(_report(3), "mac_port_rx_drop"), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return _link(3); })) << _down(3);
+    ASSERT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 3); })) << tide::test::link_down_cause(0, 3);
     burst(3, 1);
     _path_reads(_report(3), kRxPath, 1);
 }
@@ -342,21 +331,9 @@ TEST_F(PortDiag, BadInputIsRefusedWithItsLine)
     _path_reads(_report(3), kRxPath, 0);
 }
 
-class PortDiagShell : public PortDiag, public tide::test::CliLines {
+class PortDiagShell : public tide::test::ShellModeOver<PortDiag> {
 protected:
-    void SetUp() override
-    {
-        PortDiag::SetUp();
-        ASSERT_EQ(cli_shell_mode_set(0, 1), 0);
-        ASSERT_EQ(run("port"), 0);
-    }
-    void TearDown() override
-    {
-        cli_view_config(0);
-        cli_ctree_free();
-        cli_shell_mode_set(0, 0);
-        PortDiag::TearDown();
-    }
+    PortDiagShell() : ShellModeOver("port") {}
 };
 
 TEST_F(PortDiagShell, TheAlarmReportAndItsClearWord)

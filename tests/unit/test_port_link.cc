@@ -47,19 +47,6 @@ uint32_t _drain(uint32_t port)
     return n;
 }
 
-bool _link(uint32_t port)
-{
-    uint32_t up = 0;
-    return port_api_link_status_get(0, port, &up) == 0 && up == 1;
-}
-
-// Why the model holds a port's link down, for the failure messages.
-uint32_t _down(uint32_t port)
-{
-    tide_sim_mac_port p{};
-    return tide_sim_mac_port_get(0, port, &p) == 0 ? p.down : 99;
-}
-
 // A chip after hardware init, its front ports not yet brought up.
 class PortLink : public tide::test::SimChips {
 protected:
@@ -95,13 +82,13 @@ TEST_F(PortLink, FromNothingToAForwardingLink)
         ASSERT_EQ(port_api_enable_set(0, port, 1), 0) << port;
         ASSERT_EQ(port_api_autoneg_set(0, port, 1), 0) << port;
     }
-    EXPECT_TRUE(tide_test::eventually([] { return _link(24) && _link(26); })) << _down(24) << " " << _down(26);
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 24) && tide::test::link_up(0, 26); })) << tide::test::link_down_cause(0, 24) << " " << tide::test::link_down_cause(0, 26);
     inject(24);
     EXPECT_TRUE(tide_test::eventually([] { return _drain(26) == 1; }));
     // A disabled port is forced down: no link, nothing leaves by it.
     ASSERT_EQ(port_api_enable_set(0, 26, 0), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(26); }));
-    EXPECT_TRUE(_link(24));
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, 26); }));
+    EXPECT_TRUE(tide::test::link_up(0, 24));
     inject(24);
     tide_sim_port_stats stats{};
     EXPECT_TRUE(tide_test::eventually([&] {
@@ -110,7 +97,7 @@ TEST_F(PortLink, FromNothingToAForwardingLink)
     EXPECT_EQ(_drain(26), 0u);
     // Enabled again, it forwards again.
     ASSERT_EQ(port_api_enable_set(0, 26, 1), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(26); }));
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 26); }));
     inject(24);
     EXPECT_TRUE(tide_test::eventually([] { return _drain(26) == 1; }));
 }
@@ -119,7 +106,7 @@ TEST_F(PortLink, EveryFrontPortComesUpThroughTheHarness)
 {
     ASSERT_EQ(tide::test::front_ports_up(0), 0);
     for (uint32_t port = 0; port < 28; port++) {
-        EXPECT_TRUE(_link(port)) << port << " down " << _down(port);
+        EXPECT_TRUE(tide::test::link_up(0, port)) << port << " down " << tide::test::link_down_cause(0, port);
     }
     inject(3);
     for (uint32_t port : {0u, 13u, 27u}) {
@@ -162,7 +149,7 @@ TEST_F(PortLink, NegotiationAgainstThePartnersAbilities)
                    port_api_pause_get(0, 25, PORT_PAUSE_RX_EN, &rx) == 0 && tx == r.tx && rx == r.rx;
         })) << r.partner << ": " << tx << " " << rx;
     }
-    EXPECT_TRUE(_link(25));
+    EXPECT_TRUE(tide::test::link_up(0, 25));
 }
 
 std::atomic<uint32_t> g_link_up{0};
@@ -188,7 +175,7 @@ void _on_link_down(u32, intr_module, intr_type type)
 TEST_F(PortLink, ALinkChangeReachesItsCallback)
 {
     ASSERT_EQ(tide::test::front_ports_up(0), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return _link(24); })) << _down(24);
+    ASSERT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 24); })) << tide::test::link_down_cause(0, 24);
     // The bring-up's own link events are cleared first: only the changes
     // below are to reach the callbacks.
     ASSERT_EQ(tide::port::atolreef::reg_write(0, cib_pcs_8b10b_int_stat, 4,
@@ -202,11 +189,11 @@ TEST_F(PortLink, ALinkChangeReachesItsCallback)
     g_link_down = 0;
     ASSERT_EQ(port_api_enable_set(0, 24, 0), 0);
     EXPECT_TRUE(tide_test::eventually([] { return g_link_down.load() == 1; })) << g_link_down.load();
-    EXPECT_FALSE(_link(24));
+    EXPECT_FALSE(tide::test::link_up(0, 24));
     const uint32_t up_before = g_link_up.load();
     ASSERT_EQ(port_api_enable_set(0, 24, 1), 0);
     EXPECT_TRUE(tide_test::eventually([&] { return g_link_up.load() > up_before; })) << g_link_up.load();
-    EXPECT_TRUE(_link(24));
+    EXPECT_TRUE(tide::test::link_up(0, 24));
 }
 
 // A burst entering by port 3 and flooded out of port 0 counts in the MIB
@@ -218,7 +205,7 @@ TEST_F(PortLink, ABurstCountsInTheMibOfBothPortsInEitherClearMode)
     constexpr uint32_t kRxTotal = 0, kRxBroadcast = 8, kRx64 = 12, kTxTotal = 53, kTxBroadcast = 61;
     constexpr uint32_t kBurst = 5;
     ASSERT_EQ(tide::test::front_ports_up(0), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return _link(3) && _link(0); }));
+    ASSERT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 3) && tide::test::link_up(0, 0); }));
     auto item = [](uint32_t port, uint32_t mib) {
         uint64_t v = ~0ull;
         EXPECT_EQ(port_api_counter_get(0, port, mib, &v), 0) << port << " item " << mib;
@@ -268,7 +255,7 @@ TEST_F(PortLinkCounterThread, TheThreadsRefreshKeepsTheTotalAcrossReadsThatClear
 {
     constexpr uint32_t kRxTotal = 0, kBurst = 5, kPort = 3;
     ASSERT_EQ(tide::test::front_ports_up(0), 0);
-    ASSERT_TRUE(tide_test::eventually([] { return _link(kPort); }));
+    ASSERT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, kPort); }));
     ASSERT_EQ(tide::port::atolreef::reg_update(0, cib_mac_port_mib_cfg, kPort, {{cib_f_mib_clr_mode, 0}}), 0);
     ASSERT_EQ(port_api_counter_clean(0, kPort), 0);
     ASSERT_NE(g_atolreef_port_counter[0], nullptr);

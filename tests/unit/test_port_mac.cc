@@ -14,6 +14,7 @@
 #include "dpl/reef/port/dpl_reef_port.h"
 #include "app/diag_shell/shell/server/user/cli_server.h"
 #include "support/cli_lines.h"
+#include "support/mode_cli.h"
 #include "support/fixture.h"
 
 using tide::test::Capture;
@@ -521,21 +522,9 @@ TEST_F(PortMac, Diagnostics)
 
 // ---- the port mode of the shell on the driver ----------------------------------------------------
 
-class PortMacShell : public PortMac, public tide::test::CliLines {
+class PortMacShell : public tide::test::ShellModeOver<PortMac> {
 protected:
-    void SetUp() override
-    {
-        PortMac::SetUp();
-        ASSERT_EQ(cli_shell_mode_set(0, 1), 0);
-        ASSERT_EQ(run("port"), 0);
-    }
-    void TearDown() override
-    {
-        cli_view_config(0);
-        cli_ctree_free();
-        cli_shell_mode_set(0, 0);
-        PortMac::TearDown();
-    }
+    PortMacShell() : ShellModeOver("port") {}
 };
 
 TEST_F(PortMacShell, CommandsReachTheDriver)

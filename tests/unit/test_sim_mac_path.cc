@@ -65,18 +65,6 @@ tide_sim_port_stats _stats(uint32_t chip, uint32_t port)
     return s;
 }
 
-bool _link(uint32_t chip, uint32_t port)
-{
-    uint32_t up = 0;
-    return port_api_link_status_get(chip, port, &up) == 0 && up == 1;
-}
-
-uint32_t _down(uint32_t chip, uint32_t port)
-{
-    tide_sim_mac_port p{};
-    return tide_sim_mac_port_get(chip, port, &p) == 0 ? p.down : 99;
-}
-
 uint32_t _addr(uint32_t reg_id, uint32_t instance)
 {
     return g_atolreef_reg_list[reg_id]->addr[instance];
@@ -131,8 +119,8 @@ protected:
     static void cable(uint32_t lane, uint32_t port)
     {
         ASSERT_EQ(tide_sim_serdes_link(0, lane, 1, lane), 0);
-        EXPECT_TRUE(tide_test::eventually([port] { return _link(0, port) && _link(1, port); }))
-            << _down(0, port) << " " << _down(1, port);
+        EXPECT_TRUE(tide_test::eventually([port] { return tide::test::link_up(0, port) && tide::test::link_up(1, port); }))
+            << tide::test::link_down_cause(0, port) << " " << tide::test::link_down_cause(1, port);
     }
 };
 
@@ -161,7 +149,7 @@ TEST_F(SimMacPath, AFrameCrossesTheCableIntoTheFarChipsForwarding)
     EXPECT_EQ(_taken(0, 3), 0u);
     // The cable out: port 24 faces its endpoint again.
     ASSERT_EQ(tide_sim_serdes_unlink(0, 4), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(0, 24); }));
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 24); }));
     _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_taken(0, 24), 1u);
     EXPECT_EQ(_stats(1, 24).rx_frames, 1u);
@@ -183,7 +171,7 @@ TEST_F(SimMacPath, AFarPortThatDoesNotReceiveDropsTheCrossingFrame)
     // leaves chip 0 by port 24 any more.
     ASSERT_EQ(port_api_tx_rx_enable_set(1, 24, 1, 1), 0);
     ASSERT_EQ(port_api_enable_set(1, 24, 0), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(0, 24) && !_link(1, 24); }));
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, 24) && !tide::test::link_up(1, 24); }));
     _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_stats(0, 24).tx_frames, 1u);
     EXPECT_EQ(_stats(1, 24).rx_frames, 1u);
@@ -252,7 +240,7 @@ TEST_F(SimMacPath, LoopsTurnFramesAround)
     // A broadcast from port 0 floods out of `port`, comes back into it
     // and floods again; none reaches the line of `port`.
     auto turned_around = [](uint32_t port) {
-        ASSERT_TRUE(tide_test::eventually([port] { return _link(0, port); })) << _down(0, port);
+        ASSERT_TRUE(tide_test::eventually([port] { return tide::test::link_up(0, port); })) << tide::test::link_down_cause(0, port);
         _empty(0);
         _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
         EXPECT_EQ(_taken(0, 3), 2u) << port;
@@ -307,9 +295,9 @@ TEST_F(SimMacPath, AnInsertedFaultShowsAtTheFarEnd)
     // interrupt and loses its link, and its response sends a remote fault
     // back.
     _wr(0, cib_pcs_6466b_fault_ins_ctrl, 0, 0x1); // MAC 0, type 0
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(1, 8); }));
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(1, 8); }));
     EXPECT_TRUE(tide_test::eventually([] { return g_local_faults.load() == 1; })) << g_local_faults.load();
-    EXPECT_EQ(_down(1, 8), TIDE_SIM_MAC_DOWN_FAULT);
+    EXPECT_EQ(tide::test::link_down_cause(1, 8), TIDE_SIM_MAC_DOWN_FAULT);
     ASSERT_EQ(port_api_fault_get(1, 8, &fault), 0);
     EXPECT_EQ(fault & PORT_FAULT_LOCAL, static_cast<uint32_t>(PORT_FAULT_LOCAL));
     EXPECT_TRUE(tide_test::eventually([&] {
@@ -322,20 +310,20 @@ TEST_F(SimMacPath, AnInsertedFaultShowsAtTheFarEnd)
     })) << fault;
     // Taken out: both ends up and clear.
     _wr(0, cib_pcs_6466b_fault_ins_ctrl, 0, 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(0, 8) && _link(1, 8); }));
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 8) && tide::test::link_up(1, 8); }));
     EXPECT_EQ(port_api_fault_get(1, 8, &fault), 0);
     EXPECT_EQ(fault, 0u);
     // Chip 1 no longer answers a local fault: chip 0 sees no remote one.
     _wr(1, cib_pcs_6466b_fault_resp, 0, 0);
     _wr(0, cib_pcs_6466b_fault_ins_ctrl, 0, 0x1);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(1, 8); }));
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(1, 8); }));
     EXPECT_EQ(port_api_fault_get(0, 8, &fault), 0);
     EXPECT_EQ(fault, 0u);
     _wr(0, cib_pcs_6466b_fault_ins_ctrl, 0, 0);
     // A loop sees its own fault.
     ASSERT_EQ(tide_sim_serdes_unlink(0, 2), 0);
     ASSERT_EQ(tide_sim_serdes_plug(0, 2), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(0, 8); }));
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 8); }));
     _wr(0, cib_pcs_6466b_fault_ins_ctrl, 0, 0x11); // remote fault
     EXPECT_TRUE(tide_test::eventually([&] {
         return port_api_fault_get(0, 8, &fault) == 0 && fault == PORT_FAULT_REMOTE;
@@ -348,18 +336,18 @@ TEST_F(SimMacPath, APcsHeldInResetTakesTheLinkDownAtBothEnds)
     cable(4, 24);
     // rx_port_rst of MAC 0 of MAG 4's 8B/10B PCS.
     _wr(0, cib_pcs_8b10b_rst_pcs, 4, 0x1);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(0, 24) && !_link(1, 24); }));
-    EXPECT_EQ(_down(0, 24), TIDE_SIM_MAC_DOWN_PCS_RESET);
-    EXPECT_EQ(_down(1, 24), TIDE_SIM_MAC_DOWN_NO_PARTNER);
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, 24) && !tide::test::link_up(1, 24); }));
+    EXPECT_EQ(tide::test::link_down_cause(0, 24), TIDE_SIM_MAC_DOWN_PCS_RESET);
+    EXPECT_EQ(tide::test::link_down_cause(1, 24), TIDE_SIM_MAC_DOWN_NO_PARTNER);
     _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_stats(1, 24).rx_frames, 0u);
     _wr(0, cib_pcs_8b10b_rst_pcs, 4, 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(0, 24) && _link(1, 24); }));
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 24) && tide::test::link_up(1, 24); }));
     // The SDK's port reset holds it too, and its release brings it back.
     ASSERT_EQ(port_api_reset(1, 24, 1), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(0, 24); }));
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, 24); }));
     ASSERT_EQ(port_api_reset(1, 24, 0), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(0, 24) && _link(1, 24); }));
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 24) && tide::test::link_up(1, 24); }));
     _inject(0, 0, tide::test::l2_frame(kBroadcast, kStationA));
     EXPECT_EQ(_taken(1, 3), 1u);
 }
@@ -397,15 +385,15 @@ TEST_F(SimMacPath, PhyLinkEnableFollowsThePartnerPhysLine)
     // Port 27 (SGMII) negotiates with phy_link_en set by the driver; its
     // partner, a PHY, reports its line down.
     ASSERT_EQ(tide_sim_mac_phy_line_set(0, 27, 0), 0);
-    EXPECT_TRUE(tide_test::eventually([] { return !_link(0, 27); }));
-    EXPECT_EQ(_down(0, 27), TIDE_SIM_MAC_DOWN_PHY_LINK);
+    EXPECT_TRUE(tide_test::eventually([] { return !tide::test::link_up(0, 27); }));
+    EXPECT_EQ(tide::test::link_down_cause(0, 27), TIDE_SIM_MAC_DOWN_PHY_LINK);
     tide_sim_mac_port p{};
     ASSERT_EQ(tide_sim_mac_port_get(0, 27, &p), 0);
     const uint32_t ctrl = _rd(0, cib_pcs_an_pcs_an_ctrl_2, p.channel);
     EXPECT_NE(ctrl & 0x2u, 0u);
     // Without phy_link_en the port ignores the PHY's line.
     _wr(0, cib_pcs_an_pcs_an_ctrl_2, p.channel, ctrl & ~0x2u);
-    EXPECT_TRUE(tide_test::eventually([] { return _link(0, 27); }));
+    EXPECT_TRUE(tide_test::eventually([] { return tide::test::link_up(0, 27); }));
     EXPECT_EQ(tide_sim_mac_phy_line_set(0, 28, 0), -4);
 }
 
