@@ -232,3 +232,14 @@ TEST(XsalTimer, DeinitWithAStartedTimerOnlyGivesNotice)
     EXPECT_EQ(g_xsal_timer_inited, 0u);
     EXPECT_TRUE(tide_test::eventually([] { return !_thread_named("tdl_xsal_timer"); }));
 }
+
+// The manager's thread is cancelled by deinit right after it signals that
+// it left its loop; however the two interleave, the process goes on.
+TEST(XsalTimer, DeinitRightAfterInitEndsTheThreadCleanlyEveryTime)
+{
+    for (int round = 0; round < 300; round++) {
+        ASSERT_EQ(xsal_timer_init(), 0) << round;
+        ASSERT_EQ(xsal_timer_deinit(), 0) << round;
+    }
+    EXPECT_TRUE(tide_test::eventually([] { return !_thread_named("tdl_xsal_timer"); }));
+}

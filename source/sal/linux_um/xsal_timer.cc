@@ -106,6 +106,11 @@ void _xsal_timer_check(void *)
         }
         xsal_mutex_unlock_(g_xsal_timer_mutex, __FILE__, __LINE__);
     }
+    // Deinit cancels the thread once it has the semaphore.  The thread's
+    // cancellation is asynchronous, and a cancel landing in its way out (a
+    // lock guard's destructor, which may not unwind) would end the process:
+    // from here on the thread leaves by itself.
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
     xsal_sem_give_(g_xsal_timer_done, __FILE__, __LINE__);
 }
 
